@@ -1,0 +1,98 @@
+#include "practice/Options.h"
+
+#include <QCommandLineParser>
+
+namespace practice {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int maxProfiles = 100000;
+
+/// Thrown inside readOptions() only.
+struct BadUsage
+{
+    QString text;
+};
+
+quint32 numberOf(const QCommandLineParser& parser, const QString& option, quint32 limit)
+{
+    bool isNumber = false;
+    const quint32 number = parser.value(option).toUInt(&isNumber);
+    if (!isNumber || number > limit)
+        throw BadUsage{
+            u"--%1 takes a number from 0 to %2, not \"%3\""_s.arg(option).arg(limit).arg(parser.value(option))};
+    return number;
+}
+
+QByteArray worldOf(const QString& text)
+{
+    bool isNumber = false;
+    const int profiles = text.toInt(&isNumber);
+    if (text != "lively"_L1 && text != "small"_L1 && (!isNumber || profiles < 0 || profiles > maxProfiles))
+        throw BadUsage{
+            u"--world takes lively, small or a number of profiles up to %1, not \"%2\""_s.arg(maxProfiles).arg(text)};
+    return text.toLatin1();
+}
+
+Misbehaviour misbehaviourOf(const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    const qsizetype equals = bytes.indexOf('=');
+    const std::optional<Fault> fault = equals > 0 ? Fault::parse(bytes.mid(equals + 1)) : std::nullopt;
+    if (!fault)
+        throw BadUsage{u"--misbehave takes REQUEST=FAULT, not \"%1\"; faults are %2"_s.arg(
+            text, QString::fromLatin1(Fault::names()))};
+    return {bytes.left(equals), *fault};
+}
+
+} // namespace
+
+std::variant<Options, Notice, UsageError> readOptions(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"A tracker to practise on: plays the host's side on 127.0.0.1.\n"
+                                     "Accounts: admin, moderator, guest; the password is the name."_s);
+    parser.addOptions({
+        {u"port"_s, u"Port of the host link; 0 for any free one."_s, u"N"_s, u"0"_s},
+        {u"web-port"_s, u"Port of the web pages; 0 for any free one."_s, u"N"_s, u"0"_s},
+        {u"world"_s, u"lively, small, or a number of profiles."_s, u"WORLD"_s, u"lively"_s},
+        {u"seed"_s, u"Seed of everything that happens by chance."_s, u"N"_s, u"1"_s},
+        {u"still"_s, u"The world does not move on."_s},
+        {u"misbehave"_s,
+         u"Answers every REQUEST (* for all) with FAULT: %1. May be repeated."_s.arg(
+             QString::fromLatin1(Fault::names())),
+         u"REQUEST=FAULT"_s},
+        {u"verbose"_s, u"Names every request on standard error."_s},
+    });
+    const QCommandLineOption version({u"version"_s}, u"Shows the version and ends."_s);
+    const QCommandLineOption help({u"help"_s}, u"Shows this and ends."_s);
+    parser.addOption(version);
+    parser.addOption(help);
+
+    if (!parser.parse(arguments))
+        return UsageError{parser.errorText()};
+    if (parser.isSet(help))
+        return Notice{parser.helpText()};
+    if (parser.isSet(version))
+        return Notice{u"qrvrc-practice "_s + QString::fromLatin1(QRVRC_PRACTICE_VERSION) + u'\n'};
+    if (!parser.positionalArguments().isEmpty())
+        return UsageError{u"unexpected argument \"%1\""_s.arg(parser.positionalArguments().constFirst())};
+    try {
+        Options options;
+        options.port = static_cast<quint16>(numberOf(parser, u"port"_s, 65535));
+        options.webPort = static_cast<quint16>(numberOf(parser, u"web-port"_s, 65535));
+        options.world = worldOf(parser.value(u"world"_s));
+        options.seed = numberOf(parser, u"seed"_s, 0xFFFFFFFF);
+        options.still = parser.isSet(u"still"_s);
+        options.verbose = parser.isSet(u"verbose"_s);
+        for (const QString& text : parser.values(u"misbehave"_s))
+            options.misbehaviours += misbehaviourOf(text);
+        return options;
+    } catch (const BadUsage& bad) {
+        return UsageError{bad.text};
+    }
+}
+
+} // namespace practice

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "practice/Fault.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <variant>
+
+namespace practice {
+
+/// A fault for every request of a name; "*" stands for all requests.
+struct Misbehaviour
+{
+    QByteArray request;
+    Fault fault;
+};
+
+/// What the command line asks for.
+struct Options
+{
+    quint16 port = 0;            ///< 0 for any free one
+    quint16 webPort = 0;         ///< 0 for any free one
+    QByteArray world = "lively"; ///< "lively", "small" or a number of profiles
+    quint32 seed = 1;
+    bool still = false; ///< the world does not move on
+    bool verbose = false;
+    QList<Misbehaviour> misbehaviours;
+};
+
+/// A text for standard output after which the program ends well.
+struct Notice
+{
+    QString text;
+};
+
+/// One line for standard error; the program ends with exit code 2.
+struct UsageError
+{
+    QString text;
+};
+
+std::variant<Options, Notice, UsageError> readOptions(const QStringList& arguments);
+
+} // namespace practice

@@ -1,0 +1,105 @@
+#include "practice/World.h"
+
+#include "practice/PlayerNames.h"
+
+#include <algorithm>
+
+namespace practice {
+
+namespace {
+
+constexpr int scoreSeconds = 20;
+constexpr int shortestMapSeconds = 12 * 60;
+constexpr int longestMapSeconds = 30 * 60;
+
+} // namespace
+
+int World::below(int limit)
+{
+    return static_cast<int>(chance() % static_cast<unsigned>(limit));
+}
+
+void World::advance(std::chrono::seconds time)
+{
+    const std::chrono::seconds steps =
+        std::clamp<std::chrono::seconds>(time, std::chrono::seconds(0), std::chrono::days(1));
+    for (std::chrono::seconds step{0}; step < steps; ++step) {
+        clock = clock.addSecs(1);
+        for (Profile& profile : profiles)
+            advanceOneSecond(profile);
+    }
+}
+
+void World::advanceOneSecond(Profile& profile)
+{
+    if (profile.state == GameState::NotHosting || profile.state == GameState::NotActive)
+        return;
+    const bool playing = profile.state == GameState::Hosting || profile.state == GameState::HostingSquad;
+    if (playing)
+        play(profile);
+    profile.secondsLeft = std::max(0, profile.secondsLeft - 1);
+    if (profile.secondsLeft > 0)
+        return;
+
+    if (playing) {
+        profile.enter(GameState::Scoring);
+        profile.secondsLeft = scoreSeconds;
+    } else if (profile.state == GameState::Scoring) {
+        const qsizetype next = profile.mapList.indexOf(profile.map) + 1;
+        if (!profile.mapList.isEmpty())
+            profile.map = profile.mapList[next % profile.mapList.size()];
+        for (Player& player : profile.players)
+            player = newcomer(player.name, player.identity, player.slot, player.team);
+        profile.enter(GameState::Loading);
+        profile.secondsLeft = loadSeconds;
+    } else {
+        profile.enter(GameState::Hosting);
+        profile.secondsLeft = shortestMapSeconds + below(longestMapSeconds - shortestMapSeconds);
+    }
+}
+
+void World::play(Profile& profile)
+{
+    if (below(20) == 0 && profile.players.size() < profile.maxPlayers)
+        addPlayer(profile);
+    if (below(40) == 0 && profile.players.size() > 1)
+        profile.players.removeAt(below(static_cast<int>(profile.players.size())));
+
+    for (Player& player : profile.players) {
+        ++player.seconds;
+        if (below(3) != 0)
+            continue;
+        WeaponUse& use = player.weapons[below(static_cast<int>(player.weapons.size()))];
+        const int shots = 1 + below(6);
+        player.shots += shots;
+        use.shots += shots;
+        use.seconds += 3;
+        if (below(12) == 0) {
+            ++player.kills;
+            ++use.kills;
+            player.experience += 10;
+            use.experience += 10;
+            player.headshots += below(4) == 0 ? 1 : 0;
+            player.doubleKills += below(9) == 0 ? 1 : 0;
+            player.knifings += below(15) == 0 ? 1 : 0;
+            player.sniperKills += below(5) == 0 ? 1 : 0;
+        }
+        player.deaths += below(40) == 0 ? 1 : 0;
+        player.medicSaves += below(60) == 0 ? 1 : 0;
+    }
+}
+
+void World::addPlayer(Profile& profile)
+{
+    const auto slotTaken = [&](int slot) {
+        return std::any_of(profile.players.cbegin(), profile.players.cend(),
+                           [slot](const Player& player) { return player.slot == slot; });
+    };
+    int slot = 0;
+    while (slotTaken(slot))
+        ++slot;
+    const QByteArray name = playerName(below(playerNames));
+    profile.players += newcomer(name, identityOf(name, below(1000)), slot, slot % 2 + 1);
+}
+
+} // namespace practice

@@ -1,0 +1,113 @@
+#include "practice/Options.h"
+#include "practice/Tracker.h"
+#include "practice/WebSide.h"
+
+#include <QCoreApplication>
+
+#include <csignal>
+#include <cstdio>
+
+#ifdef Q_OS_UNIX
+#include <QSocketNotifier>
+
+#include <unistd.h>
+#endif
+
+using namespace practice;
+
+namespace {
+
+constexpr int exitBadUsage = 2;
+
+#ifdef Q_OS_UNIX
+int signalPipe[2] = {-1, -1}; // a signal handler may do little else than write to a descriptor
+
+void onSignal(int)
+{
+    const char byte = 0;
+    [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+}
+#else
+void onSignal(int)
+{
+    QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+}
+#endif
+
+void quitOnSignals(QCoreApplication& app)
+{
+#ifdef Q_OS_UNIX
+    if (::pipe(signalPipe) == 0) {
+        auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &app);
+        QObject::connect(notifier, &QSocketNotifier::activated, &app, &QCoreApplication::quit);
+    }
+#else
+    Q_UNUSED(app)
+#endif
+    std::signal(SIGINT, onSignal);
+    std::signal(SIGTERM, onSignal);
+}
+
+World worldFor(const Options& options)
+{
+    if (options.world == "lively")
+        return World::lively(options.seed);
+    if (options.world == "small")
+        return World::small();
+    return World::many(options.world.toInt(), 16, options.seed);
+}
+
+int complain(const QString& text)
+{
+    std::fprintf(stderr, "qrvrc-practice: %s\n", qPrintable(text));
+    return exitBadUsage;
+}
+
+int serve(QCoreApplication& app, const Options& options)
+{
+    Tracker tracker(worldFor(options));
+    WebSide web;
+    for (const Misbehaviour& misbehaviour : options.misbehaviours) {
+        if (misbehaviour.request == "*")
+            tracker.answerAll(misbehaviour.fault);
+        else
+            tracker.answerAlways(misbehaviour.request, misbehaviour.fault);
+    }
+    if (options.verbose) {
+        QObject::connect(&tracker, &Tracker::requestReceived, &app, [](const QByteArray& name) {
+            std::fprintf(stderr, "request %s\n", name.toPercentEncoding(" ").constData());
+        });
+        QObject::connect(&tracker, &Tracker::linksChanged, &app,
+                         [](int links) { std::fprintf(stderr, "links %d\n", links); });
+        QObject::connect(&web, &WebSide::reportReceived, &app, [](const QByteArray& body) {
+            std::fprintf(stderr, "report, %lld bytes\n", static_cast<long long>(body.size()));
+        });
+    }
+    if (!tracker.listen(options.port) || !web.listen(options.webPort)) {
+        std::fprintf(stderr, "qrvrc-practice: port %d or %d of 127.0.0.1 cannot be had\n", options.port,
+                     options.webPort);
+        return EXIT_FAILURE;
+    }
+    tracker.setLively(!options.still);
+    std::printf("host link 127.0.0.1:%d\nweb %s\n", tracker.port(), qPrintable(web.base().toString()));
+    std::fflush(stdout);
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("qrvrc-practice"));
+    quitOnSignals(app);
+
+    const auto read = readOptions(QCoreApplication::arguments());
+    if (const auto* error = std::get_if<UsageError>(&read))
+        return complain(error->text);
+    if (const auto* notice = std::get_if<Notice>(&read)) {
+        std::printf("%s", qPrintable(notice->text));
+        return EXIT_SUCCESS;
+    }
+    return serve(app, std::get<Options>(read));
+}

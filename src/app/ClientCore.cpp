@@ -1,0 +1,46 @@
+#include "app/ClientCore.h"
+
+#include <chrono>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto reportLimit = 10s;
+
+} // namespace
+
+ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterface& interface, HelpOpener showHelp)
+    : folder(setup.folder), store(folder, services(setup.makerHost, std::move(showHelp))),
+      reporter(store, boxes, codePage, setup.version),
+      pictures(folder,
+          [this](const std::string& name) {
+              reporter.ReportMsg(MessageKind::Error, u"The picture '%1' is missing or damaged."_s.arg(codePage.toText(name)));
+          }),
+      replies(reporter, interface), link(wsMain, wSupport, session, replies),
+      client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection},
+      pluginHost(client, plugins)
+{
+}
+
+HelperServices ClientCore::services(const QUrl& makerHost, HelpOpener showHelp)
+{
+    return {
+        .updateWarning =
+            [this](const std::string& text) { reporter.reportHostText(MessageKind::ActionRequired, text); },
+        .showHelp =
+            [this, showHelp = std::move(showHelp)](const std::filesystem::path& file, const std::string& topic) {
+                showHelp(file, codePage.toText(topic));
+            },
+        .postErrorReport =
+            [this, makerHost](const std::string& report, std::function<void(bool)> done) {
+                QUrl page = makerHost;
+                page.setPath(u"/quorbeta/ErrorReports.php"_s);
+                inet.post(page, QByteArray("Report=").append(QByteArray::fromStdString(report)), reportLimit,
+                    [done = std::move(done)](const Inet::Answer& answer) {
+                        done(answer.status >= 200 && answer.status < 300 && answer.body == "1");
+                    });
+            },
+    };
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "diagnostics/Reporter.h"
+#include "link/Client.h"
+#include "link/ReplyDispatcher.h"
+#include "link/Session.h"
+#include "link/clsWinSock.h"
+#include "navigation/PermissionRecords.h"
+#include "navigation/SelectedProfile.h"
+#include "platform/CodePage.h"
+#include "platform/Inet.h"
+#include "platform/Winsock.h"
+#include "plugins/PluginHost.h"
+#include "plugins/PluginTable.h"
+#include "store/AppFolder.h"
+#include "store/clsMFD.h"
+#include "ui/PictureStore.h"
+#include "ui/WindowRegistry.h"
+
+#include <QUrl>
+
+#include <filesystem>
+#include <functional>
+
+class LockableInterface;
+class MessageBoxes;
+
+/// What the program is started with.
+struct Setup
+{
+    std::filesystem::path folder; ///< the application folder; exists
+    QUrl makerHost;               ///< web host behind the built-in addresses
+    std::string version;          ///< four parts
+    /// The boxes to speak through; null for real windows.
+    MessageBoxes* boxes = nullptr;
+};
+
+/// Everything of the program that is no window, in the order in which one part needs the other. Owned by the frame.
+struct ClientCore
+{
+    using HelpOpener = std::function<void(const std::filesystem::path& file, const QString& topic)>;
+
+    ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterface& interface, HelpOpener showHelp);
+
+    AppFolder folder;
+    CodePage codePage;
+    Session session;
+    Inet inet;
+    clsMFD store;
+    Reporter reporter;
+    PictureStore pictures;
+    ReplyDispatcher replies;
+    Winsock wsMain{QStringLiteral("wsMain")};
+    Winsock wSupport{QStringLiteral("wSupport")};
+    clsWinSock link;
+    WindowRegistry windows;
+    QString helpSection;
+    Permissions permissions;     ///< written by the navigation
+    PluginTable plugins;         ///< written by the plugin host
+    SelectedProfile selected;    ///< written by the profile list
+    bool updatesAvailable = false; ///< written by the update check
+    Client client;
+    PluginHost pluginHost;
+
+private:
+    HelperServices services(const QUrl& makerHost, HelpOpener showHelp);
+};

@@ -1,0 +1,80 @@
+#include "app/HelpKey.h"
+
+#include "diagnostics/Reporter.h"
+#include "link/Client.h"
+#include "platform/CodePage.h"
+#include "store/AppFolder.h"
+#include "store/clsMFD.h"
+
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QKeyEvent>
+#include <QUrl>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Topic
+{
+    const char16_t* section;
+    const char* page;
+};
+
+constexpr std::array topics{
+    Topic{u"Profile List", "ProfileList.html"},
+    Topic{u"About", "About.html"},
+    Topic{u"Options", "Options.html"},
+    Topic{u"ExpMods", "ExpsMods.html"},
+    Topic{u"Plugins", "Plugins.html"},
+    Topic{u"Update", "Updates.html"},
+    Topic{u"Admin", "Admin.html"},
+    Topic{u"Help", "Help.html"},
+    Topic{u"Profile Admins", "ManagingRemoteAccess.html"},
+};
+
+} // namespace
+
+HelpKey::HelpKey(Client& client) : m_client(client)
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool HelpKey::eventFilter(QObject* watched, QEvent* event)
+{
+    // A key comes by once for the native window and then for each widget on its way: the first is enough.
+    if (event->type() == QEvent::KeyPress && watched->isWindowType()) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_F1 && !key->isAutoRepeat())
+            m_client.reporter.trap("MDIFormLoad", [this] { showHelpFor(m_client.helpSection); });
+    }
+    return false;
+}
+
+void HelpKey::showHelpFor(const QString& section)
+{
+    if (section == u"IGNORE"_s)
+        return;
+    if (section.isEmpty()) {
+        m_client.reporter.ReportMsg(
+            MessageKind::Failed, u"This section does not appear to have a help file associated with it!"_s);
+        return;
+    }
+    const auto topic = std::find_if(topics.begin(), topics.end(),
+        [&section](const Topic& candidate) { return section == QStringView(candidate.section); });
+    if (topic != topics.end()) {
+        m_client.store.ShowHelp(m_client.folder.path("\\help.chm"), topic->page);
+        return;
+    }
+    // A plugin names its help file; names are data, so one that is no plain file name is simply not there.
+    const std::string file = m_client.codePage.toBytes(section);
+    if (!isPlainFileName(file) || !m_client.folder.fileExists("\\Plugins\\" + file)) {
+        m_client.reporter.ReportMsg(MessageKind::Error, u"This help file for this section appears to be missing!"_s);
+        return;
+    }
+    const std::filesystem::path path = m_client.folder.path("\\Plugins\\" + file);
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdU16String(path.u16string())));
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QObject>
+
+struct Client;
+
+/// F1, wherever in the program it is pressed: opens the help topic of the section shown.
+class HelpKey : public QObject
+{
+public:
+    /// Watches the application's keys for as long as it lives. @param client  outlives this
+    explicit HelpKey(Client& client);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void showHelpFor(const QString& section);
+
+    Client& m_client;
+};

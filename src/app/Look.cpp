@@ -1,0 +1,27 @@
+#include "app/Look.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QIcon>
+#include <QPalette>
+#include <QStyleFactory>
+
+using namespace Qt::StringLiterals;
+
+void applyLook(QApplication& application)
+{
+    QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
+    QPalette palette(QColor(0xEC, 0xEF, 0xF3));
+    palette.setColor(QPalette::Window, QColor(0xEC, 0xEF, 0xF3));
+    palette.setColor(QPalette::WindowText, Qt::black);
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(0xF1, 0xF5, 0xFA));
+    palette.setColor(QPalette::Highlight, QColor(0x2F, 0x66, 0xA8));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    QApplication::setPalette(palette);
+    QFont font(QStringList{u"Segoe UI"_s, u"Tahoma"_s, u"Liberation Sans"_s, u"DejaVu Sans"_s, u"Sans Serif"_s});
+    font.setPointSize(9);
+    QApplication::setFont(font);
+    application.setApplicationDisplayName(u"QRVRC"_s);
+    QApplication::setWindowIcon(QIcon(u":/icon.png"_s));
+}

@@ -1,0 +1,115 @@
+#include "app/CommandLine.h"
+#include "app/Look.h"
+#include "app/ShippedFiles.h"
+#include "app/qrvrcMain.h"
+#include "base/RuntimeError.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLockFile>
+#include <QStandardPaths>
+#include <QTimer>
+
+#include <iostream>
+
+namespace {
+
+constexpr int badUsage = 2;
+
+/// The last net: an exception that no trap caught is reported as an error of the program instead of ending it.
+class Application : public QApplication
+{
+public:
+    using QApplication::QApplication;
+
+    Reporter* reporter = nullptr;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        if (!reporter)
+            return QApplication::notify(receiver, event);
+        bool result = false;
+        reporter->trap("QRVRC", [&] { result = QApplication::notify(receiver, event); });
+        return result;
+    }
+};
+
+int complain(const std::string& text)
+{
+    std::cerr << "qrvv3rc: " << text << '\n';
+    return badUsage;
+}
+
+std::filesystem::path pathOf(const QString& text)
+{
+    return std::filesystem::path(text.toStdU16String());
+}
+
+QString textOf(const std::filesystem::path& path)
+{
+    return QString::fromStdU16String(path.u16string());
+}
+
+int run(Application& application, const CommandLine& line, const QUrl& makerHost)
+{
+    const std::filesystem::path executable = pathOf(QCoreApplication::applicationDirPath());
+    const std::filesystem::path userFolder =
+        pathOf(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+    const std::filesystem::path folder = line.appFolder ? pathOf(QFile::decodeName(line.appFolder->c_str()))
+                                                        : chooseAppFolder(executable, userFolder);
+    std::error_code fault;
+    std::filesystem::create_directories(folder, fault);
+    QLockFile instance(textOf(folder / "instance.lock"));
+    instance.setStaleLockTime(0); // stale when its process is gone, however long ago it was made
+    if (!instance.tryLock()) {
+        if (instance.error() == QLockFile::LockFailedError)
+            return 0; // another instance uses the folder
+        return complain("the folder '" + folder.string() + "' cannot be written to");
+    }
+    try {
+        fillAppFolder(AppFolder(folder), installationFolder(executable));
+    } catch (const RuntimeError& error) {
+        return complain("the folder '" + folder.string() + "' cannot be filled: " + error.description());
+    }
+
+    applyLook(application);
+    qrvrcMain frame({.folder = folder, .makerHost = makerHost, .version = QRVRC_VERSION});
+    application.reporter = &frame.core().reporter;
+    if (!frame.MDIFormLoad())
+        return 0;
+    frame.show();
+    if (line.connectProfile) {
+        QTimer::singleShot(0, &frame,
+            [&] { frame.connectProfile(QString::fromLocal8Bit(line.connectProfile->c_str())); });
+    }
+    const int status = QApplication::exec();
+    application.reporter = nullptr;
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const CommandLine line = parseCommandLine(std::vector<std::string>(argv + 1, argv + argc));
+    switch (line.wish) {
+    case CommandLine::Wish::Complain:
+        return complain(line.complaint);
+    case CommandLine::Wish::ShowVersion:
+        std::cout << "qrvv3rc " QRVRC_VERSION "\n";
+        return 0;
+    case CommandLine::Wish::ShowHelp:
+        std::cout << commandLineHelp();
+        return 0;
+    case CommandLine::Wish::Run:
+        break;
+    }
+    const QUrl makerHost(QString::fromLocal8Bit(line.makerHost.value_or(QRVRC_MAKER_HOST).c_str()));
+    if (!makerHost.isValid() || makerHost.host().isEmpty() || !makerHost.scheme().startsWith(QLatin1String("http")))
+        return complain("'" + line.makerHost.value_or("") + "' is no http or https address");
+
+    QCoreApplication::setApplicationName(QStringLiteral("qrvv3rc"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QRVRC_VERSION));
+    Application application(argc, argv);
+    return run(application, line, makerHost);
+}

@@ -1,0 +1,292 @@
+#include "app/qrvrcMain.h"
+
+#include "app/HelpKey.h"
+#include "app/Housekeeping.h"
+#include "app/PendingWindow.h"
+#include "app/UpdaterHandOver.h"
+#include "app/qrvrcAbout.h"
+#include "app/qrvrcProgress.h"
+#include "diagnostics/qrvrcHelpViewer.h"
+#include "link/LoginExchange.h"
+#include "login/qrvrcLogin.h"
+#include "navigation/qrvrcMenu.h"
+#include "profiles/qrvrcProfilesList.h"
+#include "ui/Dialogs.h"
+#include "ui/Twips.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QStatusBar>
+#include <QTime>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize fixedSize(Twips{11400}.pixels(), Twips{7425}.pixels());
+constexpr int navigationHeight = 28;
+
+/// Whether the user does something with it: what a locked frame does not take.
+bool isInput(QEvent::Type type)
+{
+    constexpr std::array inputs{QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+        QEvent::Wheel, QEvent::KeyPress, QEvent::KeyRelease, QEvent::Shortcut, QEvent::ShortcutOverride,
+        QEvent::ContextMenu, QEvent::TouchBegin, QEvent::TouchUpdate, QEvent::TouchEnd, QEvent::Close};
+    return std::find(inputs.begin(), inputs.end(), type) != inputs.end();
+}
+
+} // namespace
+
+qrvrcMain::qrvrcMain(const Setup& setup)
+    : m_ownBoxes(setup.boxes ? nullptr : std::make_unique<Dialogs>(this)),
+      m_core(std::make_unique<ClientCore>(setup, setup.boxes ? *setup.boxes : *m_ownBoxes, *this,
+          [this](const std::filesystem::path& file, const QString& topic) { showHelp(file, topic); })),
+      m_version(setup.version)
+{
+    buildFrame();
+    registerWindows();
+    wireLink();
+}
+
+qrvrcMain::~qrvrcMain()
+{
+    m_core->reporter.silence();
+    m_core->link.disconnect();
+    delete m_pages; // the windows go before what they refer to
+    delete m_menu;
+}
+
+void qrvrcMain::buildFrame()
+{
+    setObjectName(u"qrvrcMain"_s);
+    setWindowTitle(u"QRVRC"_s);
+    setWindowFlag(Qt::WindowMaximizeButtonHint, false);
+    setFixedSize(fixedSize);
+    auto* area = new QWidget(this);
+    setCentralWidget(area);
+    statusBar()->setObjectName(u"sbMain"_s);
+    statusBar()->setSizeGripEnabled(false);
+    m_housekeeping = new Housekeeping(*statusBar(), m_core->updatesAvailable, this);
+
+    const QSize inner(fixedSize.width(), fixedSize.height() - statusBar()->sizeHint().height());
+    m_menu = new qrvrcMenu(m_core->client, m_core->permissions, m_core->selected, m_core->plugins, area);
+    m_menu->setGeometry(0, 0, inner.width(), navigationHeight);
+    m_pages = new QWidget(area);
+    m_pages->setGeometry(1, navigationHeight, inner.width() - 3, inner.height() - 30);
+    m_progress = new qrvrcProgress(this);
+    connect(m_menu, &qrvrcMenu::windowWanted, this, &qrvrcMain::showWindow);
+}
+
+void qrvrcMain::registerWindows()
+{
+    struct Pending
+    {
+        const char16_t* window;
+        const char16_t* title;
+        const char16_t* helpSection;
+    };
+    // Sections that this version offers no window for yet; each says so.
+    static constexpr std::array pending{
+        Pending{u"qrvrcOptions", u"Options", u"Options"},
+        Pending{u"qrvrcPlugins", u"Plugins", u"Plugins"},
+        Pending{u"qrvrcUpdate", u"Update", u"Update"},
+        Pending{u"qrvrcHelp", u"Help", u"Help"},
+        Pending{u"qrvrcProfileAdmin", u"Admin", u"Profile Admins"},
+    };
+    WindowRegistry& windows = m_core->windows;
+    windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
+    windows.add(u"qrvrcProfilesList"_s, [this] {
+        auto* list = new qrvrcProfilesList(
+            m_core->client, m_core->permissions, m_core->plugins, m_core->selected, m_pages);
+        connect(list, &qrvrcProfilesList::quitRequested, this, &qrvrcMain::close);
+        connect(list, &qrvrcProfilesList::actionChosen, this, [this](const QString&) {
+            m_core->reporter.ReportMsg(MessageKind::Error, u"This action is not part of this version yet."_s);
+        });
+        return list;
+    });
+    windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
+    for (const Pending& window : pending) {
+        const QString name = QString::fromUtf16(window.window);
+        windows.add(name, [this, name, window] {
+            return new PendingWindow(m_core->client, name, QString::fromUtf16(window.title),
+                QString::fromUtf16(window.helpSection), m_pages);
+        });
+    }
+}
+
+qrvrcLogin& qrvrcMain::login()
+{
+    return *static_cast<qrvrcLogin*>(m_core->windows.window(u"qrvrcLogin"_s));
+}
+
+void qrvrcMain::wireLink()
+{
+    clsWinSock& link = m_core->link;
+    m_exchange = std::make_unique<LoginExchange>(
+        link, m_core->session, m_core->reporter, [this] { return login().credentials(); }, m_version);
+    connect(&link, &clsWinSock::loginSucceeded, this, [this](const std::string& privileges) {
+        m_core->session.user = login().credentials().user;
+        m_menu->LoadMenus(true, privileges);
+        if (QWidget* list = m_core->windows.existing(u"qrvrcProfilesList"_s))
+            list->setEnabled(true);
+    });
+    connect(m_exchange.get(), &LoginExchange::completed, m_menu, &qrvrcMenu::showProfileList);
+    connect(&link, &clsWinSock::progress, this, [this](qint32 total, qint32 received, bool update) {
+        m_core->reporter.trap("DoProgress", [&] { m_progress->DoProgress(total, received, update); });
+    });
+    connect(&link, &clsWinSock::replyComplete, m_progress, &qrvrcProgress::finish);
+    connect(&link, &clsWinSock::linkLost, m_progress, &qrvrcProgress::finish);
+    connect(m_progress, &qrvrcProgress::stopRequested, this, [this] {
+        if (m_core->client.boxes.confirm(u"Stop"_s, u"Do you want to stop receiving and disconnect from the host?"_s))
+            m_core->link.close();
+    });
+    // Boxes come behind the socket's own doings: they are modal, and the link is to be settled before they open.
+    connect(
+        &link, &clsWinSock::socketFailed, this,
+        [this](int number, const QString& description) {
+            m_core->client.boxes.show(u"Winsock Error"_s, u"%1: %2"_s.arg(number).arg(description));
+            if (m_core->link.state() == SocketState::Error)
+                m_core->link.close();
+        },
+        Qt::QueuedConnection);
+    connect(
+        &link, &clsWinSock::hostUnusable, this,
+        [this](const QString& text) { m_core->reporter.ReportMsg(MessageKind::Failed, text); }, Qt::QueuedConnection);
+    connect(&link, &clsWinSock::closedByHost, this, [this] {
+        m_housekeeping->note(
+            u"The host closed the connection at %1."_s.arg(QTime::currentTime().toString(u"HH:mm:ss"_s)));
+    });
+    connect(&link, &clsWinSock::connected, m_housekeeping, [this] { m_housekeeping->note({}); });
+}
+
+bool qrvrcMain::MDIFormLoad()
+{
+    m_helpKey = std::make_unique<HelpKey>(m_core->client);
+    bool goesOn = true;
+    m_core->reporter.trap("MDIFormLoad", [&] {
+        for (const char* folder : {"\\imgs", "\\settings"})
+            m_core->folder.makeFolder(folder);
+        goesOn = !updaterTakesOver();
+    });
+    if (goesOn)
+        loadNavigation();
+    return goesOn;
+}
+
+bool qrvrcMain::updaterTakesOver()
+{
+    switch (handOverUpdates(m_core->folder)) {
+    case HandOver::Nothing:
+        return false;
+    case HandOver::UpdaterStarted:
+        return true;
+    case HandOver::UpdaterMissing:
+        m_core->reporter.ReportMsg(MessageKind::Failed,
+            u"Updates are waiting to be installed, but the program 'QRVV3Updater.exe' could not be started."_s);
+        return false;
+    }
+    return false;
+}
+
+void qrvrcMain::loadNavigation()
+{
+    m_core->reporter.trap("frmMenu_Form_Load", [this] {
+        m_core->pluginHost.LoadPlugins();
+        qrvrcLogin& window = login();
+        connect(&window, &qrvrcLogin::notConnected, m_menu, [this] { m_menu->LoadMenus(false, {}); });
+        connect(&window, &qrvrcLogin::disconnecting, &m_core->pluginHost, &PluginHost::forgetTracker);
+        connect(&m_core->link, &clsWinSock::linkLost, m_menu, [this] { m_menu->LoadMenus(false, {}); });
+        m_menu->setReady();
+        m_menu->LoadMenus(false, {});
+    });
+}
+
+void qrvrcMain::connectProfile(const QString& name)
+{
+    if (login().chooseProfile(name))
+        login().connectToHost();
+    else
+        m_core->reporter.ReportMsg(MessageKind::Failed, u"There is no connection profile named '%1'."_s.arg(name));
+}
+
+void qrvrcMain::showWindow(const QString& name)
+{
+    auto* window = static_cast<WorkingWindow*>(m_core->windows.window(name));
+    if (!window)
+        return;
+    if (m_front != window) {
+        window->setGeometry(m_pages->rect());
+        if (m_front)
+            m_front->hide();
+        m_front = window;
+        window->show();
+    }
+    if (window->isEnabled())
+        window->Form_Activate();
+}
+
+void qrvrcMain::showHelp(const std::filesystem::path& file, const QString& topic)
+{
+    if (!m_helpViewer)
+        m_helpViewer = std::make_unique<qrvrcHelpViewer>();
+    m_helpViewer->showTopic(file, topic);
+}
+
+void qrvrcMain::lockInterface()
+{
+    // A reply is handled before the next event, so locking is no matter of widgets: greying the frame would repaint it
+    // twice and take the keyboard from where the user has it. What a handler opens meanwhile runs over a dead frame.
+    if (m_locks++ == 0)
+        qApp->installEventFilter(this);
+}
+
+void qrvrcMain::unlockInterface()
+{
+    if (--m_locks > 0)
+        return;
+    qApp->removeEventFilter(this);
+    setEnabled(true);
+    m_menu->unlockStrips();
+}
+
+bool qrvrcMain::eventFilter(QObject* watched, QEvent* event)
+{
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    const bool isLockedInput = m_locks > 0 && isInput(event->type()) && widget && widget->window() == this;
+    return isLockedInput || QMainWindow::eventFilter(watched, event);
+}
+
+void qrvrcMain::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::WindowStateChange && (isMaximized() || isFullScreen()))
+        showNormal();
+    QMainWindow::changeEvent(event);
+}
+
+void qrvrcMain::closeEvent(QCloseEvent* event)
+{
+    event->ignore();
+    if (m_core->session.quitting)
+        return;
+    login().stopPolling();
+    if (!m_core->client.boxes.confirm(u"Quit"_s, u"Are you sure you want to quit?"_s)) {
+        login().startPolling();
+        return;
+    }
+    m_core->session.quitting = true;
+    event->accept();
+    unload();
+}
+
+void qrvrcMain::unload()
+{
+    m_helpKey.reset();
+    m_core->reporter.silence();
+    m_helpViewer.reset();
+    m_core->link.closeSupportLink();
+    m_core->link.close(); // ends the waits that are open
+    QCoreApplication::quit();
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "app/ClientCore.h"
+#include "link/InterfaceLock.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+class Dialogs;
+class HelpKey;
+class Housekeeping;
+class LoginExchange;
+class qrvrcHelpViewer;
+class qrvrcLogin;
+class qrvrcMenu;
+class qrvrcProfilesList;
+class qrvrcProgress;
+class WorkingWindow;
+
+/// The main frame: the navigation at its top and one working window at a time below it. Owns everything.
+class qrvrcMain : public QMainWindow, public LockableInterface
+{
+    Q_OBJECT
+
+public:
+    explicit qrvrcMain(const Setup& setup);
+    ~qrvrcMain() override;
+
+    /// Does what a start needs before the frame is shown.
+    /// @return false when the program is to end at once, because an updater has taken over
+    bool MDIFormLoad();
+    /// Chooses a saved connection profile and presses Connect; says so when there is no such profile.
+    void connectProfile(const QString& name);
+
+    /// Brings the window of that name to the front, creating it on first use.
+    void showWindow(const QString& name);
+
+    ClientCore& core() { return *m_core; }
+
+    void lockInterface() override;
+    void unlockInterface() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildFrame();
+    void registerWindows();
+    void wireLink();
+    void loadNavigation();
+    bool updaterTakesOver();
+    void showHelp(const std::filesystem::path& file, const QString& topic);
+    void unload();
+    qrvrcLogin& login();
+
+    std::unique_ptr<Dialogs> m_ownBoxes;
+    std::unique_ptr<ClientCore> m_core;
+    std::unique_ptr<LoginExchange> m_exchange;
+    std::unique_ptr<HelpKey> m_helpKey;
+    std::unique_ptr<qrvrcHelpViewer> m_helpViewer;
+    QWidget* m_pages = nullptr; ///< holds the working windows
+    WorkingWindow* m_front = nullptr;
+    qrvrcMenu* m_menu = nullptr;
+    qrvrcProgress* m_progress = nullptr;
+    Housekeeping* m_housekeeping = nullptr;
+    std::string m_version;
+    int m_locks = 0;
+};

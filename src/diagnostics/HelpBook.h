@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A compiled help file (.chm), read. The file may come from a network and may be damaged: everything in it that says
+/// where something lies is checked against the file's size before any of it is followed.
+class HelpBook
+{
+public:
+    static constexpr std::size_t maxFileBytes = std::size_t{64} * 1024 * 1024;
+    static constexpr std::size_t maxPageBytes = std::size_t{16} * 1024 * 1024;
+
+    /// One line of the table of contents.
+    struct ContentsEntry
+    {
+        std::string title; ///< plain text, in the book's own encoding
+        std::string page;  ///< a name for page(), perhaps with "#" and a place in it; empty for a mere heading
+        int depth = 0;     ///< 0 for the outermost entries
+
+        bool operator==(const ContentsEntry&) const = default;
+    };
+
+    /// Reads the book's directory. The file itself is not kept open, so that it can be replaced meanwhile.
+    /// @throws RuntimeError FileNotFound, PathNotFound, PermissionDenied; InvalidFileFormat for what is no help file,
+    ///         is damaged, or has more than maxFileBytes
+    explicit HelpBook(std::filesystem::path file);
+
+    const std::filesystem::path& file() const { return m_path; }
+
+    /// The bytes of a page, picture or style sheet, or nothing when the book has none of that name.
+    /// @param name  with or without a leading "/"; "\" counts as "/"; found in another letter case when there is none
+    /// in
+    ///              the given one; an anchor behind "#" is not looked at
+    /// @throws RuntimeError InvalidFileFormat when the object is damaged, has more than maxPageBytes, or the file has
+    ///         changed since the directory was read
+    std::optional<std::string> page(std::string_view name) const;
+
+    /// The names of all pages, pictures and style sheets, without the leading "/", sorted.
+    std::vector<std::string> names() const;
+
+    /// The table of contents from top to bottom; empty when the book has none that can be read.
+    const std::vector<ContentsEntry>& contents() const { return m_contents; }
+
+    /// The page to begin with: the first of the contents, or of the book when it has no contents; empty for an empty
+    /// book.
+    std::string homePage() const;
+
+    /// Whether the file on disk is still the one whose directory was read.
+    bool isCurrent() const;
+
+private:
+    struct Object
+    {
+        std::uint64_t start = 0;
+        std::uint64_t length = 0;
+        int section = 0;
+    };
+    struct Stamp
+    {
+        std::filesystem::file_time_type changed;
+        std::uintmax_t bytes = 0;
+        bool operator==(const Stamp&) const = default;
+    };
+    using Directory = std::map<std::string, Object, std::less<>>;
+
+    static std::optional<Stamp> stampOf(const std::filesystem::path& file);
+    static Directory readDirectory(std::string_view bytes);
+    static void checkCompression(const Directory& directory, std::string_view data);
+    static std::vector<ContentsEntry> parseContents(std::string_view text);
+    const Directory::value_type* find(std::string_view name) const;
+
+    std::filesystem::path m_path;
+    std::optional<Stamp> m_stamp;
+    Directory m_directory; ///< by full name, which begins with "/" for what the author put in
+    std::map<std::string, std::string, std::less<>> m_anyCase; ///< from lower case to a full name
+    std::vector<ContentsEntry> m_contents;
+};

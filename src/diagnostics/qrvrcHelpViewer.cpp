@@ -1,0 +1,340 @@
+#include "diagnostics/qrvrcHelpViewer.h"
+
+#include "base/RuntimeError.h"
+#include "diagnostics/HelpBook.h"
+
+#include <QBuffer>
+#include <QDesktopServices>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QImageReader>
+#include <QLabel>
+#include <QShortcut>
+#include <QSignalBlocker>
+#include <QSplitter>
+#include <QStyle>
+#include <QTextBrowser>
+#include <QToolButton>
+#include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int pageRole = Qt::UserRole;
+constexpr QSize usualSize(940, 660);
+constexpr int contentsWidth = 240;
+constexpr int maxPictureSide = 4096; ///< pixels, either way
+
+QString bookScheme()
+{
+    return u"book"_s;
+}
+
+/// Books of the time are written in the code page of their makers; names and titles are ASCII or Latin in practice.
+QString fromBook(const std::string& text)
+{
+    const QString utf8 = QString::fromUtf8(text.data(), qsizetype(text.size()));
+    return utf8.contains(QChar::ReplacementCharacter) ? QString::fromLatin1(text.data(), qsizetype(text.size())) : utf8;
+}
+
+/// The address of a page or picture inside the book; what stands behind "#" is the place in it.
+QUrl bookUrl(const QString& name)
+{
+    QString path = name.section(u'#', 0, 0).replace(u'\\', u'/');
+    if (!path.startsWith(u'/'))
+        path.prepend(u'/');
+    QUrl url;
+    url.setScheme(bookScheme());
+    url.setPath(path);
+    if (name.contains(u'#'))
+        url.setFragment(name.section(u'#', 1));
+    return url;
+}
+
+QString messagePage(const QString& title, const QString& explanation)
+{
+    return u"<html><head><title>%1</title></head><body><h2>%1</h2><p>%2</p></body></html>"_s.arg(
+        title.toHtmlEscaped(), explanation.toHtmlEscaped());
+}
+
+QImage decodePicture(const QByteArray& bytes)
+{
+    static constexpr std::array formats{"gif", "png", "jpeg", "jpg", "bmp"};
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
+    const QSize size = reader.size();
+    const bool isKnown = std::find(formats.begin(), formats.end(), reader.format()) != formats.end();
+    if (!isKnown || !size.isValid() || size.width() > maxPictureSide || size.height() > maxPictureSide)
+        return {};
+    return reader.read();
+}
+
+} // namespace
+
+/// The page. It takes everything from the book and knows no other source.
+class HelpBrowser : public QTextBrowser
+{
+public:
+    /// What the book holds under a name, or nothing; may throw RuntimeError.
+    using Source = std::function<std::optional<std::string>(const std::string& name)>;
+
+    HelpBrowser(Source source, QWidget* parent) : QTextBrowser(parent), m_source(std::move(source))
+    {
+        setOpenLinks(false);
+    }
+
+    QVariant loadResource(int type, const QUrl& name) override
+    {
+        if (name.scheme() != bookScheme())
+            return {};
+        const bool isPage = type == QTextDocument::HtmlResource || type == QTextDocument::MarkdownResource;
+        try {
+            const std::string wanted = name.path(QUrl::FullyDecoded).toStdString();
+            if (const std::optional<std::string> found = m_source(wanted)) {
+                const QByteArray bytes(found->data(), qsizetype(found->size()));
+                if (type == QTextDocument::ImageResource)
+                    return decodePicture(bytes);
+                return bytes;
+            }
+            if (isPage)
+                return messagePage(tr("This page is missing"),
+                                   tr("The help file has no page \"%1\".").arg(name.path().mid(1)));
+        } catch (const RuntimeError& error) {
+            if (isPage)
+                return messagePage(tr("This page cannot be read"), fromBook(error.description()));
+        }
+        return {};
+    }
+
+private:
+    Source m_source;
+};
+
+qrvrcHelpViewer::qrvrcHelpViewer(QWidget* parent) : QWidget(parent, Qt::Window)
+{
+    setObjectName(u"qrvrcHelpViewer"_s);
+    setWindowTitle(tr("Help"));
+    resize(usualSize);
+    buildControls();
+    wireSignals();
+}
+
+qrvrcHelpViewer::~qrvrcHelpViewer() = default;
+
+void qrvrcHelpViewer::showTopic(const std::filesystem::path& file, const QString& topic)
+{
+    fmeExternal->hide();
+    try {
+        const bool isNew = openBook(file);
+        goTo(bookUrl(topic.isEmpty() ? fromBook(m_book->homePage()) : topic));
+        if (isNew)
+            txtHelp->clearHistory(); // the pages of another book are nothing to go back to
+    } catch (const RuntimeError& error) {
+        m_book.reset();
+        fillContents();
+        const bool isMissing =
+            error.number() == ErrorNumber::FileNotFound || error.number() == ErrorNumber::PathNotFound;
+        showFault(isMissing ? tr("The help file is missing") : tr("The help file cannot be read"),
+                  tr("%1 (%2)").arg(QString::fromStdU16String(file.u16string()), fromBook(error.description())));
+    }
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+    txtHelp->setFocus();
+}
+
+void qrvrcHelpViewer::buildControls()
+{
+    const auto makeButton = [this](const QString& name, const QString& text, const QString& accessible,
+                                   QStyle::StandardPixmap icon, const QKeySequence& shortcut) {
+        auto* button = new QToolButton(this);
+        button->setObjectName(name);
+        button->setText(text);
+        button->setIcon(style()->standardIcon(icon));
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        button->setFocusPolicy(Qt::StrongFocus);
+        button->setAutoRaise(true);
+        button->setAccessibleName(accessible);
+        button->setShortcut(shortcut);
+        button->setToolTip(u"%1 (%2)"_s.arg(accessible, shortcut.toString(QKeySequence::NativeText)));
+        return button;
+    };
+    cmdBack = makeButton(u"cmdBack"_s, tr("Back"), tr("Back to the page before"), QStyle::SP_ArrowBack,
+                         QKeySequence(Qt::ALT | Qt::Key_Left));
+    cmdForward = makeButton(u"cmdForward"_s, tr("Forward"), tr("Forward to the next page"), QStyle::SP_ArrowForward,
+                            QKeySequence(Qt::ALT | Qt::Key_Right));
+    cmdHome = makeButton(u"cmdHome"_s, tr("Home"), tr("The first page"), QStyle::SP_DirHomeIcon,
+                         QKeySequence(Qt::ALT | Qt::Key_Home));
+    cmdBack->setEnabled(false);
+    cmdForward->setEnabled(false);
+
+    tvContents = new QTreeWidget;
+    tvContents->setObjectName(u"tvContents"_s);
+    tvContents->setAccessibleName(tr("Contents"));
+    tvContents->setHeaderHidden(true);
+    tvContents->setStyleSheet(u"QTreeView::item { padding: 3px; }"_s);
+    tvContents->setTabKeyNavigation(false);
+
+    txtHelp = new HelpBrowser([this](const std::string& name) { return m_book ? m_book->page(name) : std::nullopt; },
+                              nullptr);
+    txtHelp->setObjectName(u"txtHelp"_s);
+    txtHelp->setAccessibleName(tr("Help page"));
+
+    fmeExternal = new QFrame(this);
+    fmeExternal->setObjectName(u"fmeExternal"_s);
+    fmeExternal->setFrameShape(QFrame::StyledPanel);
+    lblExternal = new QLabel(fmeExternal);
+    lblExternal->setObjectName(u"lblExternal"_s);
+    lblExternal->setTextFormat(Qt::PlainText);
+    lblExternal->setWordWrap(true);
+    lblExternal->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    cmdOpenExternal = new QToolButton(fmeExternal);
+    cmdOpenExternal->setObjectName(u"cmdOpenExternal"_s);
+    cmdOpenExternal->setText(tr("Open in browser"));
+    cmdOpenExternal->setAccessibleName(tr("Open the link in the web browser"));
+    cmdOpenExternal->setFocusPolicy(Qt::StrongFocus);
+    auto* external = new QHBoxLayout(fmeExternal);
+    external->addWidget(lblExternal, 1);
+    external->addWidget(cmdOpenExternal);
+    fmeExternal->hide();
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdBack);
+    buttons->addWidget(cmdForward);
+    buttons->addWidget(cmdHome);
+    buttons->addStretch();
+    auto* halves = new QSplitter;
+    halves->addWidget(tvContents);
+    halves->addWidget(txtHelp);
+    halves->setStretchFactor(1, 1);
+    halves->setSizes({contentsWidth, usualSize.width() - contentsWidth});
+    halves->setChildrenCollapsible(false);
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(6, 6, 6, 6);
+    all->addLayout(buttons);
+    all->addWidget(halves, 1);
+    all->addWidget(fmeExternal);
+}
+
+void qrvrcHelpViewer::wireSignals()
+{
+    connect(cmdBack, &QToolButton::clicked, txtHelp, &QTextBrowser::backward);
+    connect(cmdForward, &QToolButton::clicked, txtHelp, &QTextBrowser::forward);
+    connect(cmdHome, &QToolButton::clicked, this, &qrvrcHelpViewer::goHome);
+    connect(txtHelp, &QTextBrowser::backwardAvailable, cmdBack, &QWidget::setEnabled);
+    connect(txtHelp, &QTextBrowser::forwardAvailable, cmdForward, &QWidget::setEnabled);
+    connect(txtHelp, &QTextBrowser::anchorClicked, this, &qrvrcHelpViewer::followLink);
+    connect(txtHelp, &QTextBrowser::sourceChanged, this, &qrvrcHelpViewer::showWhereWeAre);
+    connect(tvContents, &QTreeWidget::currentItemChanged, this, &qrvrcHelpViewer::followContents);
+    connect(cmdOpenExternal, &QToolButton::clicked, this, [this] {
+        QDesktopServices::openUrl(QUrl(lblExternal->text(), QUrl::StrictMode));
+        fmeExternal->hide();
+    });
+    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this, &QWidget::close);
+}
+
+bool qrvrcHelpViewer::openBook(const std::filesystem::path& file)
+{
+    if (m_book && m_book->file() == file && m_book->isCurrent())
+        return false;
+    m_book.reset();
+    m_book = std::make_unique<HelpBook>(file);
+    txtHelp->setSource(QUrl()); // so that a page of the same name is read anew
+    txtHelp->clear();
+    fillContents();
+    return true;
+}
+
+void qrvrcHelpViewer::fillContents()
+{
+    const QSignalBlocker quiet(tvContents);
+    tvContents->clear();
+    cmdHome->setEnabled(m_book && !m_book->homePage().empty());
+    if (!m_book)
+        return;
+    QList<QTreeWidgetItem*> above; // the item that the next one of each depth belongs under
+    for (const HelpBook::ContentsEntry& entry : m_book->contents()) {
+        above.resize(std::min<qsizetype>(above.size(), entry.depth));
+        QTreeWidgetItem* under = above.isEmpty() ? tvContents->invisibleRootItem() : above.last();
+        auto* item = new QTreeWidgetItem(under, {fromBook(entry.title)});
+        item->setData(0, pageRole, fromBook(entry.page));
+        above.append(item);
+    }
+    tvContents->expandAll();
+}
+
+void qrvrcHelpViewer::goTo(const QUrl& page)
+{
+    fmeExternal->hide();
+    txtHelp->setSource(page, QTextDocument::HtmlResource);
+}
+
+void qrvrcHelpViewer::goHome()
+{
+    if (m_book)
+        goTo(bookUrl(fromBook(m_book->homePage())));
+}
+
+void qrvrcHelpViewer::followLink(const QUrl& link)
+{
+    const QUrl target = txtHelp->source().resolved(link);
+    // Links of the form "ms-its:book.chm::/page.html" name a page of a book by its full address.
+    const QString text = target.toString(QUrl::PrettyDecoded);
+    if (target.scheme() == bookScheme())
+        goTo(target);
+    else if ((target.scheme() == u"ms-its" || target.scheme() == u"mk") && text.contains(u"::"))
+        goTo(bookUrl(text.section(u"::"_s, -1)));
+    else
+        offerExternal(target);
+}
+
+void qrvrcHelpViewer::offerExternal(const QUrl& link)
+{
+    const bool isWeb = link.isValid() && (link.scheme() == u"http" || link.scheme() == u"https");
+    lblExternal->setText(QString::fromUtf8(link.toEncoded()));
+    cmdOpenExternal->setVisible(isWeb);
+    fmeExternal->show();
+    if (isWeb)
+        cmdOpenExternal->setFocus();
+}
+
+void qrvrcHelpViewer::followContents(const QTreeWidgetItem* item)
+{
+    const QString page = item ? item->data(0, pageRole).toString() : QString();
+    if (!page.isEmpty())
+        goTo(bookUrl(page));
+}
+
+void qrvrcHelpViewer::showWhereWeAre(const QUrl& page)
+{
+    const QString title = txtHelp->documentTitle();
+    setWindowTitle(title.isEmpty() ? tr("Help") : tr("%1 - Help").arg(title));
+    const QSignalBlocker quiet(tvContents);
+    tvContents->setCurrentItem(nullptr);
+    for (QTreeWidgetItemIterator it(tvContents); *it; ++it) {
+        const QUrl entry = bookUrl((*it)->data(0, pageRole).toString());
+        if (entry.path().compare(page.path(), Qt::CaseInsensitive) == 0) {
+            tvContents->setCurrentItem(*it);
+            return;
+        }
+    }
+}
+
+void qrvrcHelpViewer::showFault(const QString& title, const QString& explanation)
+{
+    txtHelp->setSource(QUrl());
+    txtHelp->setHtml(messagePage(title, explanation));
+    txtHelp->clearHistory();
+    setWindowTitle(tr("Help"));
+}

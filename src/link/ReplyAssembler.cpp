@@ -1,0 +1,105 @@
+#include "link/ReplyAssembler.h"
+
+#include "base/RuntimeError.h"
+#include "base/Text.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t prefixBytes = 7;
+constexpr std::string_view startMarker = "[ST]";
+constexpr std::string_view endMarker = "[ND]";
+
+} // namespace
+
+void ReplyAssembler::add(std::string_view chunk)
+{
+    if (chunk.size() > maxReplyBytes - m_buffer.size()) {
+        reset();
+        throw RuntimeError(ErrorNumber::OutOfMemory, "the reply is larger than 256 MiB");
+    }
+    m_buffer.append(chunk);
+    if (!m_prefixRead && m_buffer.size() >= prefixBytes)
+        startReply();
+    if (m_prefixRead && !m_complete) {
+        // A marker may begin in what an earlier chunk left at the end.
+        const std::size_t found = m_buffer.find(endMarker, m_searched);
+        m_complete = found != std::string::npos;
+        const std::size_t tail = endMarker.size() - 1;
+        m_searched = m_complete ? found : std::max(m_searched, m_buffer.size() - std::min(m_buffer.size(), tail));
+    }
+}
+
+void ReplyAssembler::startReply()
+{
+    m_prefixRead = true;
+    const std::string_view prefix = std::string_view(m_buffer).substr(0, prefixBytes);
+    // A prefix that is no number stays in the buffer: it may hold the start of a message, and what lies before
+    // "[ST]" is skipped anyway.
+    if (!isNumeric(prefix))
+        return;
+    m_expected = toInt32(prefix);
+    m_buffer.erase(0, prefixBytes);
+    m_buffer.reserve(static_cast<std::size_t>(m_expected)); // seven digits: at most 10 MB
+}
+
+std::optional<std::string> ReplyAssembler::take()
+{
+    if (!m_complete)
+        return {};
+    const std::size_t end = m_buffer.rfind(endMarker) + endMarker.size();
+    std::string rest = m_buffer.substr(end);
+    std::string reply = std::move(m_buffer);
+    reply.resize(end);
+    reset();
+    add(rest);
+    return reply;
+}
+
+void ReplyAssembler::reset()
+{
+    m_buffer = std::string();
+    m_expected = 0;
+    m_prefixRead = false;
+    m_searched = 0;
+    m_complete = false;
+}
+
+std::vector<std::string_view> messagesOf(std::string_view reply)
+{
+    std::vector<std::string_view> bodies;
+    while (!reply.empty()) {
+        const std::size_t end = std::min(reply.find(endMarker), reply.size());
+        const std::string_view piece = reply.substr(0, end);
+        reply.remove_prefix(std::min(end + endMarker.size(), reply.size()));
+        const std::size_t start = piece.find(startMarker);
+        if (start == std::string_view::npos)
+            continue;
+        const std::string_view body = piece.substr(start + startMarker.size());
+        bodies.push_back(body.substr(0, body.find(startMarker)));
+    }
+    return bodies;
+}
+
+ReplyKind kindOf(std::string_view reply)
+{
+    if (reply.find("Login Failed") != std::string_view::npos)
+        return ReplyKind::LoginFailed;
+    if (reply.find("[ST]Success_") != std::string_view::npos)
+        return ReplyKind::LoginSucceeded;
+    return ReplyKind::Messages;
+}
+
+std::string loginFailureText(std::string_view reply)
+{
+    return without(without(reply, startMarker), endMarker);
+}
+
+LoginSuccess decodeLoginSuccess(std::string_view reply)
+{
+    const std::size_t start = std::min(reply.find("[ST]Success_"), reply.size());
+    const FieldList fields(std::string(reply.substr(start)), '_');
+    const std::string_view port = fields.at(4);
+    return {.privileges = std::string(fields.at(3)), .supportPort = toInt32(port.substr(0, port.find(endMarker)))};
+}

@@ -1,0 +1,56 @@
+#include "login/ConnectionFields.h"
+
+#include "base/Text.h"
+#include "store/clsMFD.h"
+
+#include <algorithm>
+
+std::optional<std::string_view> firstFault(const ConnectionFields& fields)
+{
+    if (trimmed(fields.profile).empty())
+        return "Profile Name field is empty!";
+    if (fields.profile.find_first_of("[]\r\n") != std::string::npos)
+        return "The Profile Name cannot hold brackets or line breaks!";
+    if (trimmed(fields.profile) == "New Profile")
+        return "Please choose another Profile Name!";
+    if (trimmed(fields.host).empty())
+        return "Host field is empty!";
+    if (trimmed(fields.port).empty())
+        return "Port field is empty!";
+    if (trimmed(fields.user).empty())
+        return "Username field is empty!";
+    if (trimmed(fields.password).empty())
+        return "Password field is empty!";
+    return {};
+}
+
+std::optional<ConnectionFields> storedConnection(std::string_view profile, const std::vector<std::string>& lines)
+{
+    if (lines.size() < 2)
+        return {};
+    const auto valueAt = [&lines](std::size_t index) {
+        return index < lines.size() ? clsMFD::ParseIniKey(lines[index]) : std::string();
+    };
+    return ConnectionFields{std::string(profile), valueAt(0), valueAt(1), valueAt(2), valueAt(3)};
+}
+
+bool isDottedAddress(std::string_view host)
+{
+    const std::vector<std::string_view> parts = split(host, '.');
+    return parts.size() == 4
+        && std::all_of(parts.begin(), parts.end(), [](std::string_view part) { return part.size() <= 3 && isNumeric(part); });
+}
+
+std::string hostToConnect(std::string_view host)
+{
+    const std::string_view bare = trimmed(host);
+    return isDottedAddress(bare) ? std::string(bare) : without(without(bare, "www."), "http://");
+}
+
+std::optional<std::uint16_t> portNumber(std::string_view text)
+{
+    const std::optional<std::int32_t> value = isNumeric(text) ? parseInt32(text) : std::nullopt;
+    if (!value || *value < 1 || *value > 65535)
+        return {};
+    return static_cast<std::uint16_t>(*value);
+}

@@ -1,0 +1,253 @@
+#include "navigation/qrvrcMenu.h"
+
+#include "diagnostics/Reporter.h"
+#include "link/Client.h"
+#include "link/Session.h"
+#include "navigation/SelectedProfile.h"
+#include "platform/CodePage.h"
+#include "plugins/PluginTable.h"
+#include "ui/StripTabBar.h"
+
+#include <QGuiApplication>
+#include <QResizeEvent>
+#include <QSignalBlocker>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::string_view background = "\\background.png";
+
+struct MainTab
+{
+    const char16_t* caption;
+    const char16_t* window;
+    bool needsLogin;
+};
+
+constexpr std::array mainTabs{
+    MainTab{u"Login", u"qrvrcLogin", false},
+    MainTab{u"Profile List", u"qrvrcProfilesList", true},
+    MainTab{u"Options", u"qrvrcOptions", false},
+    MainTab{u"Plugins", u"qrvrcPlugins", false},
+    MainTab{u"Update", u"qrvrcUpdate", false},
+    MainTab{u"Help", u"qrvrcHelp", false},
+    MainTab{u"About", u"qrvrcAbout", false},
+};
+
+enum Section { ProfileManager, ServerManager };
+
+const QString adminKey = u"qrvrcProfileAdmin"_s;
+
+} // namespace
+
+/// Disables the strips and shows the busy pointer while a click is worked off.
+class qrvrcMenu::StripLock
+{
+public:
+    explicit StripLock(qrvrcMenu& menu) : m_menu(menu)
+    {
+        // Disabling a strip takes the keyboard from it; it belongs there again afterwards.
+        m_focused = m_menu.focusWidget() && m_menu.focusWidget()->hasFocus() ? m_menu.focusWidget() : nullptr;
+        for (StripTabBar* strip : {m_menu.tsSection, m_menu.tsMain, m_menu.tsSM})
+            strip->setEnabled(false);
+        QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+    }
+    StripLock(const StripLock&) = delete;
+    StripLock& operator=(const StripLock&) = delete;
+    ~StripLock()
+    {
+        QGuiApplication::restoreOverrideCursor();
+        m_menu.unlockStrips();
+        if (m_focused && m_focused->isVisible())
+            m_focused->setFocus();
+    }
+
+private:
+    qrvrcMenu& m_menu;
+    QWidget* m_focused;
+};
+
+qrvrcMenu::qrvrcMenu(Client& client, Permissions& permissions, SelectedProfile& selected, const PluginTable& plugins,
+    QWidget* parent)
+    : QWidget(parent), m_client(client), m_permissions(permissions), m_selected(selected), m_plugins(plugins),
+      tsSection(new StripTabBar(u"tsSection"_s, client.pictures, std::string(background), this)),
+      tsMain(new StripTabBar(u"tsMain"_s, client.pictures, std::string(background), this)),
+      tsSM(new StripTabBar(u"tsSM"_s, client.pictures, std::string(background), this))
+{
+    setObjectName(u"qrvrcMenu"_s);
+    tsMain->setAccessibleName(u"Main sections"_s);
+    tsSection->setAccessibleName(u"Manager"_s);
+    tsSM->setAccessibleName(u"Server manager sections"_s);
+    setTabOrder(tsMain, tsSM);
+    setTabOrder(tsSM, tsSection);
+    tsSM->hide();
+    wireStrip(tsMain, "frmMenu_tsMain_Click", &qrvrcMenu::mainClicked);
+    wireStrip(tsSection, "frmMenu_tsSection_Click", &qrvrcMenu::sectionClicked);
+    wireStrip(tsSM, "frmMenu_tsSM_Click", &qrvrcMenu::serverManagerClicked);
+}
+
+void qrvrcMenu::wireStrip(StripTabBar* strip, const char* procedure, void (qrvrcMenu::*clicked)())
+{
+    const auto run = [this, procedure, clicked] {
+        if (isLive())
+            m_client.reporter.trap(procedure, [this, clicked] { (this->*clicked)(); });
+    };
+    connect(strip, &QTabBar::currentChanged, this, [run](int index) {
+        if (index >= 0)
+            run();
+    });
+    connect(strip, &QTabBar::tabBarClicked, this, [strip, run](int index) {
+        if (index >= 0 && index == strip->currentIndex()) // a click on another tab changes the current one
+            run();
+    });
+}
+
+bool qrvrcMenu::isLive() const
+{
+    return m_ready && !m_client.session.quitting;
+}
+
+void qrvrcMenu::setReady()
+{
+    m_ready = true;
+}
+
+void qrvrcMenu::LoadMenus(bool loggedIn, std::string_view privileges)
+{
+    m_client.reporter.trap("LoadMenus", [&] {
+        if (loggedIn) {
+            m_permissions = Permissions();
+            m_client.session.superAdmin = false;
+            m_permissions = decodePermissions(privileges);
+            m_client.session.superAdmin = m_permissions.isSuper;
+            fillMain(true);
+            const QSignalBlocker quiet(tsSection);
+            tsSection->removeAllTabs();
+            tsSection->addKeyedTab(u"Profile Manager"_s, {});
+            tsSection->addKeyedTab(u"Server Manager"_s, {});
+            tsSection->show();
+            resizeEvent(nullptr);
+            return;
+        }
+        if (tsSection->count() > 0) {
+            const QSignalBlocker quietSection(tsSection);
+            const QSignalBlocker quietServerManager(tsSM);
+            tsSection->removeAllTabs();
+            tsSM->removeAllTabs();
+        }
+        tsSection->hide();
+        tsSM->hide();
+        tsMain->show();
+        if (tsMain->count() == 0 || tsMain->indexOfKey(u"qrvrcProfilesList"_s) >= 0)
+            fillMain(false);
+        selectQuietly(tsMain, 0);
+        if (isLive())
+            Q_EMIT windowWanted(tsMain->key(0));
+    });
+}
+
+void qrvrcMenu::fillMain(bool loggedIn)
+{
+    const QSignalBlocker quiet(tsMain);
+    const QString shown = tsMain->key(tsMain->currentIndex());
+    tsMain->removeAllTabs();
+    for (const MainTab& tab : mainTabs) {
+        if (loggedIn || !tab.needsLogin)
+            tsMain->addKeyedTab(QString::fromUtf16(tab.caption), QString::fromUtf16(tab.window));
+    }
+    tsMain->setCurrentIndex(std::max(0, tsMain->indexOfKey(shown)));
+    resizeEvent(nullptr);
+}
+
+void qrvrcMenu::selectQuietly(StripTabBar* strip, int index)
+{
+    const QSignalBlocker quiet(strip);
+    strip->setCurrentIndex(index);
+}
+
+void qrvrcMenu::showProfileList()
+{
+    const int index = tsMain->indexOfKey(u"qrvrcProfilesList"_s);
+    if (index < 0)
+        return;
+    if (tsMain->currentIndex() == index)
+        mainClicked();
+    else
+        tsMain->setCurrentIndex(index);
+}
+
+void qrvrcMenu::unlockStrips()
+{
+    for (StripTabBar* strip : {tsSection, tsMain, tsSM})
+        strip->setEnabled(true);
+}
+
+void qrvrcMenu::mainClicked()
+{
+    const StripLock lock(*this);
+    Q_EMIT windowWanted(tsMain->key(tsMain->currentIndex()));
+}
+
+void qrvrcMenu::sectionClicked()
+{
+    const StripLock lock(*this);
+    if (tsSection->currentIndex() == ServerManager)
+        openServerManager();
+    else
+        openProfileManager();
+}
+
+void qrvrcMenu::openServerManager()
+{
+    if (!m_selected.hasProfiles()) {
+        selectQuietly(tsSection, ProfileManager);
+        m_client.reporter.ReportMsg(MessageKind::Error,
+            u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
+        return;
+    }
+    const QSignalBlocker quiet(tsSM);
+    tsSM->removeAllTabs();
+    tsSM->addKeyedTab(u"Admin"_s, adminKey);
+    for (const Plugin& plugin : m_plugins.plugins) {
+        for (const std::string& item : plugin.serverMenuItems)
+            tsSM->addKeyedTab(m_client.codePage.toText(item), m_client.codePage.toText(plugin.name));
+    }
+    tsMain->hide();
+    tsSM->show();
+    tsSM->setCurrentIndex(0);
+    serverManagerClicked();
+}
+
+void qrvrcMenu::openProfileManager()
+{
+    tsSM->hide();
+    tsMain->show();
+    selectQuietly(tsMain, tsMain->indexOfKey(u"qrvrcProfilesList"_s));
+    Q_EMIT windowWanted(u"qrvrcProfilesList"_s);
+}
+
+void qrvrcMenu::serverManagerClicked()
+{
+    if (tsSM->key(tsSM->currentIndex()) == adminKey) {
+        m_client.helpSection = u"Profile Admins"_s;
+        Q_EMIT windowWanted(adminKey);
+        return;
+    }
+    if (m_selected.status < 2 || m_selected.status > 4) {
+        selectQuietly(tsSM, 0);
+        m_client.reporter.ReportMsg(MessageKind::ActionRequired,
+            u"You must select an active profile before you can use this section of the Server Manager!"_s);
+    }
+}
+
+void qrvrcMenu::resizeEvent(QResizeEvent*)
+{
+    const int sectionWidth = std::min(tsSection->sizeHint().width(), width() / 2);
+    const int sectionLeft = width() - sectionWidth;
+    tsSection->setGeometry(sectionLeft, 0, sectionWidth, height());
+    tsMain->setGeometry(0, 0, sectionLeft, height());
+    tsSM->setGeometry(0, 0, sectionLeft, height());
+}

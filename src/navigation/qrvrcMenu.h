@@ -1,0 +1,63 @@
+#pragma once
+
+#include "navigation/PermissionRecords.h"
+
+#include <QWidget>
+
+#include <string_view>
+
+class StripTabBar;
+struct Client;
+struct PluginTable;
+struct SelectedProfile;
+
+/// The navigation at the top of the frame: `tsMain` (or `tsSM` in its place while the server manager is open) and
+/// `tsSection` beside it.
+class qrvrcMenu : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// All outlive the window. `permissions` is written here alone.
+    qrvrcMenu(Client& client, Permissions& permissions, SelectedProfile& selected, const PluginTable& plugins,
+        QWidget* parent);
+
+    /// Fills the strips for the logged-in or the logged-out client; logged in, it also turns `privileges` (Base64) into
+    /// the account's permission records.
+    void LoadMenus(bool loggedIn, std::string_view privileges);
+    /// From now on the strips react.
+    void setReady();
+    /// Selects the tab "Profile List", which opens it.
+    void showProfileList();
+    /// Enables the three strips.
+    void unlockStrips();
+
+Q_SIGNALS:
+    /// The window of that name belongs in front.
+    void windowWanted(const QString& name);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    class StripLock;
+
+    void wireStrip(StripTabBar* strip, const char* procedure, void (qrvrcMenu::*clicked)());
+    void mainClicked();
+    void sectionClicked();
+    void serverManagerClicked();
+    void openServerManager();
+    void openProfileManager();
+    void fillMain(bool loggedIn);
+    void selectQuietly(StripTabBar* strip, int index);
+    bool isLive() const;
+
+    Client& m_client;
+    Permissions& m_permissions;
+    SelectedProfile& m_selected;
+    const PluginTable& m_plugins;
+    bool m_ready = false;
+    StripTabBar* tsSection;
+    StripTabBar* tsMain;
+    StripTabBar* tsSM;
+};

@@ -1,0 +1,225 @@
+#include "profiles/qrvrcProfilesList.h"
+
+#include "base/Text.h"
+#include "diagnostics/Reporter.h"
+#include "link/Ask.h"
+#include "link/Client.h"
+#include "link/ReplyDispatcher.h"
+#include "link/Session.h"
+#include "link/clsWinSock.h"
+#include "navigation/PermissionRecords.h"
+#include "navigation/SelectedProfile.h"
+#include "platform/CodePage.h"
+#include "plugins/PluginTable.h"
+#include "profiles/ProfileControls.h"
+#include "profiles/ProfilePictures.h"
+#include "profiles/ProfileRecord.h"
+#include "store/AppFolder.h"
+#include "ui/Grid.h"
+#include "ui/ImageButton.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QPointer>
+#include <QScopeGuard>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::string_view startPlugin = "BHD Auto Start";
+constexpr std::string_view startableVersion = "Delta Force,  V1.5.0.5";
+
+} // namespace
+
+qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
+    SelectedProfile& selected, QWidget* parent)
+    : WorkingWindow(parent), m_client(client), m_plugins(plugins), m_selected(selected),
+      m_pictures(std::make_unique<ProfilePictures>(client.folder, client.pictures))
+{
+    setObjectName(u"qrvrcProfilesList"_s);
+    buildControls();
+    buildMenu();
+    placeControls();
+    const auto entry = [this](const QString& name) { return mnuMain->findChild<QAction*>(name); };
+    m_controls = std::make_unique<ProfileControls>(
+        ProfileControls::Controls{cmdAttach, cmdDetach, cmdStart, cmdStop, cmdModify, entry(u"mnuAttach"_s),
+            entry(u"mnuDetach"_s), entry(u"mnuStart"_s), entry(u"mnuStop"_s), mnuMode->menuAction(),
+            entry(u"mnuModify"_s)},
+        permissions);
+    m_controls->reset();
+    wireSignals();
+}
+
+qrvrcProfilesList::~qrvrcProfilesList() = default;
+
+void qrvrcProfilesList::wireSignals()
+{
+    const auto selectionChanged = m_client.reporter.trapped("fgProfiles_MouseDown", [this] { updateSelection(); });
+    connect(fgProfiles->selectionModel(), &QItemSelectionModel::currentChanged, this, selectionChanged);
+    connect(fgProfiles, &QTableView::pressed, this, selectionChanged);
+    connect(fgProfiles, &QTableView::customContextMenuRequested, this, &qrvrcProfilesList::popUpMenu);
+    connect(cmdQuit, &ImageButton::activated, this, &qrvrcProfilesList::quitRequested);
+    connect(tmrRefresh, &QTimer::timeout, this, &qrvrcProfilesList::refreshQuietly);
+    connect(&m_client.link, &clsWinSock::loginSucceeded, this, [this] { m_controls->reset(); });
+    connect(&m_client.link, &clsWinSock::linkLost, this, [this] { showNoProfiles(u"Not connected."_s); });
+    for (ImageButton* button : {cmdAttach, cmdDetach, cmdStart, cmdStop, cmdModify})
+        connect(button, &ImageButton::clicked, this, [this, button] { Q_EMIT actionChosen(button->objectName()); });
+    connect(mnuMain, &QMenu::triggered, this,
+        [this](const QAction* action) { Q_EMIT actionChosen(action->objectName()); });
+    m_client.replies.on("GetProfiles", this, [this](std::string_view body) { showProfiles(body); });
+}
+
+bool qrvrcProfilesList::isLoggedIn() const
+{
+    return m_client.session.loggedIn && m_client.link.isConnected();
+}
+
+void qrvrcProfilesList::Form_Activate()
+{
+    m_client.helpSection = u"Profile List"_s;
+    fgProfiles->setFocus();
+    tmrRefresh->start();
+    // Behind the click that led here, which holds the tab strips: they are not to wait for the tracker.
+    QTimer::singleShot(0, this, &qrvrcProfilesList::FormReload);
+}
+
+void qrvrcProfilesList::FormReload()
+{
+    m_keptId = 0;
+    const QPointer<QWidget> self(this);
+    if (isLoggedIn())
+        askForProfiles();
+    else
+        showNoProfiles(u"Not connected."_s);
+    if (!self)
+        return; // closed while its events ran
+    m_controls->applyPrivileges();
+    updateSelection();
+}
+
+void qrvrcProfilesList::refreshQuietly()
+{
+    // The list does not move under a menu, a box or a button that is held down.
+    if (!isVisible() || !isLoggedIn() || m_isAsking || m_client.link.isAwaitingReply()
+        || QApplication::activePopupWidget() || QApplication::activeModalWidget()
+        || QApplication::mouseButtons() != Qt::NoButton)
+        return;
+    m_keptId = m_selected.id;
+    askForProfiles();
+}
+
+void qrvrcProfilesList::askForProfiles()
+{
+    const QPointer<QWidget> self(this);
+    const QScopedValueRollback asking(m_isAsking, true);
+    fgProfiles->setEmptyText(u"Asking the tracker for its profiles..."_s);
+    const WaitEnd end =
+        ask(m_client.link, getProfilesRequest(m_client.session.user, m_pictures->heldPictures()));
+    if (self && end != WaitEnd::Replied)
+        showNoProfiles(u"The tracker did not answer."_s);
+}
+
+void qrvrcProfilesList::showProfiles(std::string_view body)
+{
+    std::vector<GridRow> rows;
+    std::vector<std::string> gameVersions(1);
+    const std::vector<ProfileElement> elements = splitProfilesReply(body);
+    rows.reserve(elements.size());
+    // An element that cannot be shown ends the list; those before it are shown all the same.
+    const auto show = qScopeGuard([&] { showRows(std::move(rows), std::move(gameVersions)); });
+    m_client.folder.makeFolder("\\profiles");
+    for (const ProfileElement& element : elements)
+        rows.push_back(rowFor(element, gameVersions));
+}
+
+GridRow qrvrcProfilesList::rowFor(const ProfileElement& element, std::vector<std::string>& gameVersions)
+{
+    ProfileRecord record = decodeProfileRecord(element.text);
+    m_pictures->makeProfileFolder(record.id);
+    const CodePage& codePage = m_client.codePage;
+    GridRow row{.cells = {codePage.toText(record.id), codePage.toText(record.name), {},
+                    codePage.toText(record.players), codePage.toText(record.map), codePage.toText(record.gameType),
+                    codePage.toText(record.timer), codePage.toText(record.statusText), {}},
+        .pictures = {},
+        .data = record.status};
+    const qreal ratio = devicePixelRatioF();
+    if (QPixmap mod = m_pictures->modPicture(record.modPicture, element.picture, ratio); !mod.isNull())
+        row.pictures.push_back({Mod, std::move(mod), codePage.toText(record.modPicture)});
+    if (QPixmap status = m_pictures->statusPicture(record.status, ratio); !status.isNull())
+        row.pictures.push_back({Status, std::move(status), ProfilePictures::statusMeaning(record.status)});
+    gameVersions.push_back(std::move(record.gameVersion));
+    return row;
+}
+
+void qrvrcProfilesList::showRows(std::vector<GridRow> rows, std::vector<std::string> gameVersions)
+{
+    const int scrolled = fgProfiles->verticalScrollBar()->value();
+    fgProfiles->setEmptyText(u"The tracker has no profiles."_s);
+    fgProfiles->rows().setRows(std::move(rows));
+    m_selected.gameVersions = std::move(gameVersions);
+    const int kept = m_keptId == 0 ? -1 : rowOfId(m_keptId);
+    if (kept >= 0)
+        fgProfiles->verticalScrollBar()->setValue(scrolled);
+    selectRow(std::max(kept, 0));
+}
+
+void qrvrcProfilesList::showNoProfiles(const QString& why)
+{
+    fgProfiles->setEmptyText(why);
+    fgProfiles->rows().clear();
+    m_selected = SelectedProfile();
+    updateSelection();
+}
+
+int qrvrcProfilesList::rowCount() const
+{
+    return fgProfiles->rows().rowCount();
+}
+
+int qrvrcProfilesList::rowOfId(qint32 id) const
+{
+    for (int row = 0; row < rowCount(); ++row) {
+        if (fgProfiles->rows().text(row, Id).toInt() == id)
+            return row;
+    }
+    return -1;
+}
+
+void qrvrcProfilesList::selectRow(int row)
+{
+    if (row < rowCount())
+        fgProfiles->selectRow(row);
+    updateSelection();
+}
+
+void qrvrcProfilesList::updateSelection()
+{
+    const int row = fgProfiles->selectedRow();
+    RowState state{.hasStartPlugin = m_plugins.isEnabled(startPlugin)};
+    if (row < 0) {
+        m_selected.row = 0;
+        m_selected.id = 0;
+        m_selected.status = 0;
+    } else {
+        m_selected.row = row + 1;
+        m_selected.id = fgProfiles->rows().text(row, Id).toInt();
+        m_selected.status = fgProfiles->rows().row(row).data;
+        state.isSelected = true;
+        state.isHosting = !fgProfiles->rows().text(row, Map).isEmpty();
+        state.isStartable = m_selected.gameVersions.at(static_cast<std::size_t>(m_selected.row)) == startableVersion;
+    }
+    m_controls->applyRow(state);
+}
+
+void qrvrcProfilesList::popUpMenu(const QPoint& position)
+{
+    const QModelIndex under = fgProfiles->indexAt(position);
+    if (!under.isValid())
+        return;
+    selectRow(under.row());
+    mnuMain->popup(fgProfiles->viewport()->mapToGlobal(position));
+}

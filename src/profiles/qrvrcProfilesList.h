@@ -1,0 +1,89 @@
+#pragma once
+
+#include "ui/WorkingWindow.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class GridView;
+class ImageButton;
+class ProfileControls;
+class ProfilePictures;
+class QAction;
+class QGroupBox;
+class QMenu;
+class QTimer;
+struct Client;
+struct GridRow;
+struct Permissions;
+struct PluginTable;
+struct ProfileElement;
+struct SelectedProfile;
+
+/// The administrator's home window: every profile of the tracker with its live state, one grid row each.
+class qrvrcProfilesList : public WorkingWindow
+{
+    Q_OBJECT
+
+public:
+    /// All outlive the window. `selected` is written here alone.
+    qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
+        SelectedProfile& selected, QWidget* parent);
+    ~qrvrcProfilesList() override;
+
+    /// Asks the tracker for its profiles and shows them; returns when they are shown or the wait for them has ended.
+    /// The old rows stay in sight meanwhile. Not logged in, it only empties the grid.
+    void FormReload();
+    /// Data rows shown.
+    int rowCount() const;
+
+    void Form_Activate() override;
+
+Q_SIGNALS:
+    void quitRequested();
+    /// An action on the selected profile was chosen; the name is that of its control ("cmdAttach", "mnuPlayers", ...).
+    void actionChosen(const QString& control);
+
+private:
+    enum Column { Id, GameName, Mod, Players, Map, GameType, Timer, StatusText, Status, ColumnCount };
+
+    void buildControls();
+    void buildLegend();
+    void placeControls();
+    void buildMenu();
+    void wireSignals();
+    void refreshQuietly();
+    void askForProfiles();
+    void showProfiles(std::string_view body);
+    GridRow rowFor(const ProfileElement& element, std::vector<std::string>& gameVersions);
+    void showRows(std::vector<GridRow> rows, std::vector<std::string> gameVersions);
+    void showNoProfiles(const QString& why);
+    void selectRow(int row);
+    int rowOfId(qint32 id) const;
+    void updateSelection();
+    void popUpMenu(const QPoint& position);
+    bool isLoggedIn() const;
+
+    Client& m_client;
+    const PluginTable& m_plugins;
+    SelectedProfile& m_selected;
+    std::unique_ptr<ProfilePictures> m_pictures;
+    std::unique_ptr<ProfileControls> m_controls;
+    qint32 m_keptId = 0; ///< the profile that a quiet refresh keeps selected; 0 selects the first
+    bool m_isAsking = false;
+
+    QGroupBox* fmeProfiles = nullptr;
+    QGroupBox* fmeLegend = nullptr;
+    GridView* fgProfiles = nullptr;
+    ImageButton* cmdAttach = nullptr;
+    ImageButton* cmdDetach = nullptr;
+    ImageButton* cmdStart = nullptr;
+    ImageButton* cmdStop = nullptr;
+    ImageButton* cmdModify = nullptr;
+    ImageButton* cmdQuit = nullptr;
+    QMenu* mnuMain = nullptr;
+    QMenu* mnuMode = nullptr;
+    QTimer* tmrRefresh = nullptr;
+};

@@ -1,0 +1,58 @@
+#include "store/Expansion.h"
+
+#include "base/RuntimeError.h"
+
+#include <libdeflate.h>
+
+#include <memory>
+
+namespace {
+
+/// A byte of deflate holds at most four repetitions, each of at most 258 bytes.
+constexpr std::uint64_t maxExpansion = 4 * 258;
+
+using DecompressFunction = decltype(&libdeflate_deflate_decompress);
+
+struct FreeDecompressor
+{
+    void operator()(libdeflate_decompressor* decompressor) const { libdeflate_free_decompressor(decompressor); }
+};
+
+/// Neither header can begin a raw text: the one of gzip would be a block of the reserved kind, the one of zlib a stored
+/// block with bits set in its filling, which no compressor writes.
+DecompressFunction functionFor(std::string_view data)
+{
+    if (data.size() < 2)
+        return libdeflate_deflate_decompress;
+    const unsigned first = static_cast<unsigned char>(data[0]);
+    const unsigned second = static_cast<unsigned char>(data[1]);
+    if (first == 0x1F && second == 0x8B)
+        return libdeflate_gzip_decompress;
+    const bool isDeflate = (first & 0x0Fu) == 8 && first >> 4 <= 7;
+    if (isDeflate && (first << 8 | second) % 31 == 0)
+        return libdeflate_zlib_decompress;
+    return libdeflate_deflate_decompress;
+}
+
+} // namespace
+
+std::string expand(std::string_view data, std::uint32_t length)
+{
+    if (length > maxExpandedBytes)
+        throw RuntimeError(ErrorNumber::OutOfMemory, "compressed text");
+    if (length > maxExpansion * data.size())
+        throw RuntimeError(ErrorNumber::InvalidFileFormat, "compressed text");
+    if (data.empty())
+        return {}; // nothing declared, nothing sent
+
+    const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> decompressor(libdeflate_alloc_decompressor());
+    if (!decompressor)
+        throw RuntimeError(ErrorNumber::OutOfMemory, "compressed text");
+    std::string text(length, '\0');
+    // Without a place for the actual length, less than `length` bytes are a fault like more.
+    const libdeflate_result result =
+        functionFor(data)(decompressor.get(), data.data(), data.size(), text.data(), text.size(), nullptr);
+    if (result != LIBDEFLATE_SUCCESS)
+        throw RuntimeError(ErrorNumber::InvalidFileFormat, "compressed text");
+    return text;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The bytes of one INI file, read and edited in place: order, comments, blank lines and line ends that an edit does
+/// not touch stay as they are. Section and key names are compared without regard to ASCII case and to blanks around
+/// them. Where a section or a key stands twice, the first one counts.
+///
+/// A value may hold every byte but line breaks and NUL. One that begins or ends with a blank, or that itself stands in
+/// quotes, is written in double quotes; one pair of quotes around a value is taken off when it is read.
+class IniText
+{
+public:
+    static constexpr std::size_t maxBytes = std::size_t{4} * 1024 * 1024;
+
+    IniText() = default;
+    /// @param name  what a fault is reported of
+    /// @throws RuntimeError InvalidFileFormat for what is no INI file of ours: NUL bytes, UTF-16, more than `maxBytes`
+    explicit IniText(std::string bytes, std::string_view name = {});
+
+    const std::string& bytes() const { return m_bytes; }
+
+    std::optional<std::string> value(std::string_view section, std::string_view key) const;
+    /// The section's lines that have a "=", each as "key=value" without the blanks and quotes around the two.
+    std::vector<std::string> lines(std::string_view section) const;
+    /// The names in file order as the file spells them, each once. A "[]" gives an empty name.
+    std::vector<std::string> sectionNames() const;
+
+    /// Sets the key where it stands, or adds it behind the section's last key; a missing section is added at the end.
+    /// New lines end as the file's first line does, in a new file with CR LF.
+    /// @throws RuntimeError InvalidProcedureCall for names and values that the file could not give back,
+    ///         InvalidFileFormat when the file would grow beyond `maxBytes`
+    void setValue(std::string_view section, std::string_view key, std::string_view value);
+    /// Takes out every section of that name, each down to the next section.
+    void removeSection(std::string_view section);
+
+private:
+    std::string m_bytes;
+};

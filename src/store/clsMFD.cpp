@@ -1,0 +1,229 @@
+#include "store/clsMFD.h"
+
+#include "base/RuntimeError.h"
+#include "base/Text.h"
+#include "store/AppFolder.h"
+#include "store/ErrorLogBlock.h"
+#include "store/Expansion.h"
+#include "store/FileBytes.h"
+#include "store/IniText.h"
+#include "store/WebAddress.h"
+
+#include <algorithm>
+#include <ctime>
+#include <random>
+
+#include <sys/utsname.h>
+
+namespace {
+
+constexpr std::string_view errorLogName = "\\ErrorLog.txt";
+constexpr std::string_view settingsFolderName = "\\settings";
+constexpr std::string_view identityName = "\\settings\\installation.id";
+constexpr std::size_t identityDigits = 32;
+
+/// A file that is missing reads as an empty one.
+IniText readIni(const std::filesystem::path& file)
+{
+    std::optional<std::string> bytes = readBytesIfPresent(file, IniText::maxBytes);
+    return bytes ? IniText(*std::move(bytes), file.string()) : IniText();
+}
+
+void writeIniIfChanged(const std::filesystem::path& file, const IniText& before, const IniText& after)
+{
+    if (after.bytes() != before.bytes())
+        writeBytes(file, after.bytes(), Access::OwnerOnly);
+}
+
+struct LocalTime
+{
+    std::string date; ///< "yyyy-mm-dd"
+    std::string time; ///< "hh:mm:ss"
+};
+
+LocalTime localTimeNow()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm parts = {};
+    localtime_r(&now, &parts);
+    std::array<char, 32> text{};
+    const auto formatted = [&](const char* format) {
+        return std::string(text.data(), std::strftime(text.data(), text.size(), format, &parts));
+    };
+    return {formatted("%Y-%m-%d"), formatted("%H:%M:%S")};
+}
+
+/// The operating system's name and release, the processor and the width of a pointer.
+std::string systemText()
+{
+    std::string text = "unknown system";
+    if (utsname names = {}; uname(&names) == 0)
+        text = std::string(names.sysname) + ' ' + names.release + ' ' + names.machine;
+    return text + ", " + std::to_string(8 * sizeof(void*)) + " bit";
+}
+
+bool isIdentity(std::string_view text)
+{
+    return text.size() == identityDigits && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+}
+
+std::string newIdentity()
+{
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::random_device random;
+    std::uniform_int_distribution<std::size_t> digit(0, digits.size() - 1);
+    std::string identity(identityDigits, '0');
+    std::generate(identity.begin(), identity.end(), [&] { return digits[digit(random)]; });
+    return identity;
+}
+
+/// A fault is still logged and reported when this installation's identity cannot be had.
+std::optional<std::string> identityIfAny(const clsMFD& store)
+{
+    try {
+        return store.GetUIDStr();
+    } catch (const RuntimeError&) {
+        return {};
+    }
+}
+
+} // namespace
+
+clsMFD::clsMFD(const AppFolder& folder, HelperServices services) : m_folder(folder), m_services(std::move(services)) {}
+
+std::string clsMFD::GetIniKey(std::string_view section, std::string_view key, const Path& file) const
+{
+    return readIni(file).value(section, key).value_or(std::string());
+}
+
+void clsMFD::WriteIniKey(std::string_view section, std::string_view key, std::string_view value, const Path& file) const
+{
+    const IniText before = readIni(file);
+    IniText after = before;
+    after.setValue(section, key, value);
+    writeIniIfChanged(file, before, after);
+}
+
+std::vector<std::string> clsMFD::GetIniSection(std::string_view section, const Path& file) const
+{
+    return readIni(file).lines(section);
+}
+
+std::vector<std::string> clsMFD::GetAllIniSections(const Path& file) const
+{
+    return readIni(file).sectionNames();
+}
+
+void clsMFD::ClearIniSection(std::string_view section, const Path& file) const
+{
+    const IniText before = readIni(file);
+    IniText after = before;
+    after.removeSection(section);
+    writeIniIfChanged(file, before, after);
+}
+
+std::string clsMFD::ParseIniKey(std::string_view line)
+{
+    return ParseIniKey(line, true).back();
+}
+
+std::array<std::string, 2> clsMFD::ParseIniKey(std::string_view line, bool both)
+{
+    const auto equals = line.find('=');
+    const std::string_view value = equals == std::string_view::npos ? std::string_view() : line.substr(equals + 1);
+    return {std::string(both ? line.substr(0, equals) : std::string_view()), std::string(value)};
+}
+
+std::vector<std::string> clsMFD::ReadFile(const Path& file) const
+{
+    const std::string bytes = readBytes(file);
+    const std::string_view text = bytes;
+    std::vector<std::string> lines;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find_first_of("\r\n", start), text.size());
+        lines.emplace_back(text.substr(start, end - start));
+        start = end + (text.substr(end).starts_with("\r\n") ? 2 : 1);
+    }
+    return lines;
+}
+
+void clsMFD::WriteFile(const Path& file, std::string_view text) const
+{
+    writeBytes(file, text);
+}
+
+std::string clsMFD::DecompressString(std::string_view data, std::int32_t length) const
+{
+    if (length < 0)
+        throw RuntimeError(ErrorNumber::InvalidFileFormat, "compressed text");
+    return expand(data, static_cast<std::uint32_t>(length));
+}
+
+std::string clsMFD::GetUIDStr() const
+{
+    const Path file = m_folder.path(identityName);
+    if (const std::optional<std::string> kept = readBytesIfPresent(file); kept && isIdentity(*kept))
+        return *kept;
+    m_folder.makeFolder(settingsFolderName);
+    const std::string identity = newIdentity();
+    writeBytes(file, identity, Access::OwnerOnly);
+    return identity;
+}
+
+void clsMFD::LogError(std::string_view program, std::string_view procedure, const RuntimeError& error,
+                      std::int32_t line) const
+{
+    const LocalTime now = localTimeNow();
+    const ErrorLogBlock block = {
+        .date = now.date,
+        .time = now.time,
+        .file = std::string(program),
+        .function = std::string(procedure),
+        .line = std::to_string(line),
+        .number = std::to_string(static_cast<std::int32_t>(error.number())),
+        .description = error.description(),
+        .identity = identityIfAny(*this),
+        .system = systemText(),
+    };
+    appendBytes(m_folder.path(errorLogName), formatErrorLogBlock(block));
+}
+
+void clsMFD::SendErrorReport(const ErrorReportRecord& record, std::function<void(bool delivered)> done) const
+{
+    if (!m_services.postErrorReport) {
+        done(false);
+        return;
+    }
+    const LocalTime now = localTimeNow();
+    const ErrorLogBlock block = {
+        .date = now.date,
+        .time = now.time,
+        .file = record.program,
+        .function = record.procedure,
+        .line = std::to_string(record.line),
+        .number = std::to_string(record.number),
+        .description = onOneLine(record.description),
+        .identity = identityIfAny(*this),
+        .system = systemText(),
+    };
+    m_services.postErrorReport(
+        joinReport(reportFields(block, block.identity.value_or(std::string()), now.date + ' ' + now.time)),
+        std::move(done));
+}
+
+void clsMFD::UpdateWarning(const std::string& text) const
+{
+    if (m_services.updateWarning)
+        m_services.updateWarning(text);
+}
+
+void clsMFD::ShowHelp(const Path& file, const std::string& topic) const
+{
+    if (m_services.showHelp)
+        m_services.showHelp(file, topic);
+}
+
+std::string clsMFD::validateUrl(std::string_view text)
+{
+    return webAddress(text);
+}

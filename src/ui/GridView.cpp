@@ -1,0 +1,151 @@
+#include "ui/GridView.h"
+
+#include "ui/BackgroundPicture.h"
+#include "ui/GridDelegate.h"
+#include "ui/PictureStore.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QPainter>
+
+namespace {
+
+constexpr int rowPadding = 4;     // pixels added to a line of text
+constexpr int minRowHeight = 20;  // pixels; the status pictures are 16 high
+constexpr int minColumnWidth = 4; // pixels; the style's own minimum is wider than a picture column
+constexpr int emptyTextInset = 12;
+constexpr int headerMargin = 6; // pixels that a header keeps free of text, both sides together
+constexpr int headerFontSteps = 3;
+constexpr qreal headerFontStep = 0.5; // points
+
+} // namespace
+
+GridView::GridView(const QString& name, QWidget* parent)
+    : QTableView(parent),
+      m_model(new GridModel(this)),
+      m_delegate(new GridDelegate(this))
+{
+    setObjectName(name);
+    setModel(m_model);
+    setItemDelegate(m_delegate);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(SingleSelection);
+    setEditTriggers(NoEditTriggers);
+    setAlternatingRowColors(true);
+    setTextElideMode(Qt::ElideRight);
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setTabKeyNavigation(false); // Tab leaves the grid; the arrow keys move in it
+    setHorizontalScrollMode(ScrollPerPixel);
+
+    horizontalHeader()->setMinimumSectionSize(minColumnWidth);
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setTextElideMode(Qt::ElideRight);
+    horizontalHeader()->setSectionsClickable(false);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->hide();
+    fixRowHeight();
+
+    connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
+        clearSpans();
+        spanTitles(0);
+    });
+    connect(m_model, &QAbstractItemModel::rowsInserted, this,
+            [this](const QModelIndex&, int first) { spanTitles(first); });
+}
+
+GridView::~GridView() = default;
+
+void GridView::setColumns(std::span<const GridColumn> columns)
+{
+    m_model->setColumns(columns);
+    for (std::size_t column = 0; column < columns.size(); ++column)
+        setColumnWidth(static_cast<int>(column), columns[column].width.pixels());
+    fitHeaderFont();
+}
+
+int GridView::selectedRow() const
+{
+    const QModelIndexList selected = selectionModel()->selectedRows();
+    return selected.isEmpty() ? -1 : selected.front().row();
+}
+
+void GridView::setEmptyText(const QString& text)
+{
+    m_emptyText = text;
+    setAccessibleDescription(text);
+    viewport()->update();
+}
+
+void GridView::setBackground(PictureStore& pictures, std::string layoutName)
+{
+    m_pictures = &pictures;
+    m_background = std::move(layoutName);
+    viewport()->update();
+}
+
+void GridView::changeEvent(QEvent* event)
+{
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
+        m_delegate->forgetTexts();
+        fixRowHeight();
+        fitHeaderFont();
+    }
+}
+
+void GridView::paintEvent(QPaintEvent* event)
+{
+    QTableView::paintEvent(event);
+    QPainter painter(viewport());
+    const QRect area = viewport()->rect();
+    if (m_model->rowCount() == 0 && !m_emptyText.isEmpty()) {
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.drawText(area.adjusted(emptyTextInset, emptyTextInset, -emptyTextInset, -emptyTextInset),
+                         Qt::AlignCenter | Qt::TextWordWrap, m_emptyText);
+    }
+    if (m_pictures)
+        paintBackground(painter, m_pictures->scaled(m_background, area.size(), devicePixelRatioF()), area);
+}
+
+void GridView::scrollContentsBy(int dx, int dy)
+{
+    QTableView::scrollContentsBy(dx, dy);
+    if (m_pictures)
+        viewport()->update(); // the picture stays where it is while the rows move over it
+}
+
+void GridView::fixRowHeight()
+{
+    const int height = qMax(minRowHeight, fontMetrics().height() + rowPadding);
+    verticalHeader()->setMinimumSectionSize(height);
+    verticalHeader()->setDefaultSectionSize(height);
+}
+
+/// The widths are made for small fonts: a header that would not fit gets a smaller one, within reason.
+void GridView::fitHeaderFont()
+{
+    QFont fitting = font();
+    const auto fits = [this, &fitting] {
+        const QFontMetrics metrics(fitting);
+        for (int column = 0; column < m_model->columnCount(); ++column) {
+            const QString text = m_model->headerData(column, Qt::Horizontal).toString();
+            if (metrics.horizontalAdvance(text) + headerMargin > columnWidth(column))
+                return false;
+        }
+        return true;
+    };
+    for (int step = 0; step < headerFontSteps && !fits(); ++step)
+        fitting.setPointSizeF(fitting.pointSizeF() - headerFontStep);
+    horizontalHeader()->setFont(fitting);
+}
+
+void GridView::spanTitles(int firstRow)
+{
+    const int columns = m_model->isLazy() ? 0 : m_model->columnCount();
+    for (int row = firstRow; columns > 1 && row < m_model->rowCount(); ++row) {
+        if (m_model->row(row).title)
+            setSpan(row, 0, 1, columns);
+    }
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QCache>
+#include <QObject>
+#include <QPixmap>
+#include <QSize>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+class AppFolder;
+
+/// The pictures of the application folder, by layout name such as "\imgs\butup.gif". Each is decoded once and again
+/// when its file has changed. The files may come from the host, so they are bounded and only GIF, PNG, JPEG and BMP
+/// contents are decoded, whatever a file's name says.
+class PictureStore
+{
+public:
+    static constexpr std::uintmax_t maxFileBytes = 1024 * 1024;
+    static constexpr int maxSide = 2048; ///< pixels, either way
+
+    using MissingReport = std::function<void(const std::string& layoutName)>;
+
+    /// @param folder         outlives the store
+    /// @param reportMissing  called once a run for each picture that was wanted and cannot be shown, from the event
+    /// loop
+    ///                       and never from inside the call that wanted it, so it may open a box; may be empty
+    explicit PictureStore(const AppFolder& folder, MissingReport reportMissing = {});
+
+    /// The picture in its own size; null when there is none, when it breaks a bound or does not decode.
+    QPixmap picture(std::string_view layoutName);
+
+    /// The picture scaled smoothly to `logical` device-independent pixels at `devicePixelRatio`; null as above.
+    QPixmap scaled(std::string_view layoutName, QSize logical, qreal devicePixelRatio,
+                   Qt::AspectRatioMode aspect = Qt::IgnoreAspectRatio);
+
+private:
+    struct FileStamp
+    {
+        std::filesystem::file_time_type changed;
+        std::uintmax_t bytes = 0;
+        bool operator==(const FileStamp&) const = default;
+    };
+    struct Source
+    {
+        std::filesystem::path path;
+        FileStamp stamp;
+        QPixmap pixmap; ///< null when the file holds nothing that may be shown
+    };
+    struct ScaledKey
+    {
+        qint64 source; ///< QPixmap::cacheKey of what was scaled
+        QSize pixels;
+        int ratioPercent;
+        Qt::AspectRatioMode aspect;
+        bool operator==(const ScaledKey&) const = default;
+        friend size_t qHash(const ScaledKey& key, size_t seed)
+        {
+            return qHashMulti(seed, key.source, key.pixels.width(), key.pixels.height(), key.ratioPercent, key.aspect);
+        }
+    };
+
+    static std::optional<FileStamp> stampOf(const std::filesystem::path& path);
+    static QPixmap decode(const std::filesystem::path& path);
+    void report(std::string_view layoutName);
+
+    const AppFolder& m_folder;
+    MissingReport m_reportMissing;
+    std::unordered_map<std::string, Source> m_sources; ///< by layout name in lower case
+    std::unordered_set<std::string> m_reported;
+    QCache<ScaledKey, QPixmap> m_scaled; ///< costs in KiB
+    QObject m_reportContext;             ///< pending reports end with the store
+};

@@ -1,0 +1,69 @@
+#include <QProcess>
+#include <QTcpSocket>
+#include <QTest>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+class ProgramTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void badUsageIsOneLineAndTwo_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::newRow("unknown option") << QStringList{u"--nothing"_s};
+        QTest::newRow("stray argument") << QStringList{u"stray"_s};
+        QTest::newRow("port too large") << QStringList{u"--port"_s, u"65536"_s};
+        QTest::newRow("port without a value") << QStringList{u"--port"_s};
+        QTest::newRow("no such world") << QStringList{u"--world"_s, u"big"_s};
+        QTest::newRow("no such fault") << QStringList{u"--misbehave"_s, u"Login=fast"_s};
+        QTest::newRow("fault without its number") << QStringList{u"--misbehave"_s, u"Login=chunks"_s};
+        QTest::newRow("fault with one number too many") << QStringList{u"--misbehave"_s, u"Login=late:1:2"_s};
+        QTest::newRow("fault without a request") << QStringList{u"--misbehave"_s, u"=never"_s};
+    }
+    void badUsageIsOneLineAndTwo()
+    {
+        QFETCH(const QStringList, arguments);
+        QProcess program;
+        program.start(QStringLiteral(PRACTICE_PROGRAM), arguments);
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.exitCode(), 2);
+        QVERIFY(program.readAllStandardOutput().isEmpty());
+        const QByteArray errors = program.readAllStandardError();
+        QVERIFY(errors.startsWith("qrvrc-practice: "));
+        QCOMPARE(errors.count('\n'), 1);
+    }
+
+    void itServesUntilItIsTerminated()
+    {
+        QProcess program;
+        program.start(QStringLiteral(PRACTICE_PROGRAM), {u"--world"_s, u"3"_s, u"--misbehave"_s, u"Login=chunks:5"_s,
+                                                         u"--misbehave"_s, u"*=empty"_s, u"--verbose"_s});
+        QByteArray output;
+        QTRY_VERIFY((output += program.readAllStandardOutput()).count('\n') == 2);
+        const QList<QByteArray> lines = output.split('\n');
+        QVERIFY(lines[0].startsWith("host link 127.0.0.1:"));
+        QVERIFY(QUrl::fromEncoded(lines[1].mid(4)).port() > 0);
+
+        QTcpSocket socket;
+        socket.connectToHost(u"127.0.0.1"_s, lines[0].mid(lines[0].lastIndexOf(':') + 1).toUShort());
+        socket.write("[ST]login_admin_admin_1_VB6_[ND]");
+        QByteArray received;
+        QTRY_VERIFY((received += socket.readAll()).endsWith("[ND]"));
+        QVERIFY(received.contains("Success_"));
+        socket.write("[ST]GetStatus_admin_VB6_[ND]");
+        received.clear();
+        QTRY_COMPARE(received += socket.readAll(), "0000008[ST][ND]"_ba);
+
+        program.terminate();
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(program.exitCode(), 0);
+        QVERIFY(program.readAllStandardError().contains("request Login\n"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ProgramTest)
+#include "ProgramTest.moc"

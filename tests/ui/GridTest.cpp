@@ -1,0 +1,190 @@
+#include "ui/Grid.h"
+
+#include <QHelpEvent>
+#include <QTest>
+#include <QTextDocumentFragment>
+#include <QToolTip>
+
+#include <map>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr GridColumn columns[] = {
+    {"Game Name", 1600_twips},
+    {"", 350_twips, Qt::AlignHCenter},
+    {"Players", 700_twips, Qt::AlignRight},
+};
+
+class Grid : public GridView
+{
+public:
+    Grid() : GridView(u"fgTry"_s, nullptr)
+    {
+        setColumns(columns);
+        resize(300, 200);
+        show();
+    }
+
+    QImage picture() { return viewport()->grab().toImage(); }
+
+    /// The plain text of the tool tip over a cell; null when there is none.
+    QString toolTipAt(int row, int column)
+    {
+        const QPoint place = visualRect(model()->index(row, column)).center();
+        QHelpEvent event(QEvent::ToolTip, place, viewport()->mapToGlobal(place));
+        QApplication::sendEvent(viewport(), &event);
+        const QString shown = QToolTip::isVisible() ? QToolTip::text() : QString();
+        return shown.isNull() ? shown : QTextDocumentFragment::fromHtml(shown).toPlainText();
+    }
+};
+
+GridRow rowOf(const QString& text)
+{
+    return {{text, {}, u"12/32"_s}, {}};
+}
+
+} // namespace
+
+class GridTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textsFromOutsideAreOneLineOfPlainText_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("looksLike");
+        QTest::addColumn<bool>("same");
+        QTest::newRow("markup is not interpreted") << u"<!-- nothing -->"_s << QString() << false;
+        QTest::newRow("nor are entities") << u"&lt;x"_s << u"<x"_s << false;
+        QTest::newRow("line breaks") << u"a\r\nb\tc"_s << u"a  b c"_s << true;
+        QTest::newRow("line and paragraph separators") << u"a\u2028b\u2029c"_s << u"a b c"_s << true;
+        QTest::newRow("100,000 characters") << QString(100'000, u'w') << QString(2000, u'w') << true;
+    }
+    void textsFromOutsideAreOneLineOfPlainText()
+    {
+        QFETCH(const QString, text);
+        QFETCH(const QString, looksLike);
+        QFETCH(const bool, same);
+        Grid grid;
+        grid.rows().setRows({rowOf(text)});
+        const QImage shown = grid.picture();
+        grid.rows().setRows({rowOf(looksLike)});
+        QCOMPARE(shown == grid.picture(), same);
+    }
+
+    void aToolTipHoldsWhatIsCutOffAndOnlyThat()
+    {
+        const QString markup = u"<img src='file:///etc/x'> & a long name that cannot fit"_s;
+        Grid grid;
+        QPixmap pixmap(16, 16);
+        pixmap.fill(Qt::red);
+        GridRow pictured = rowOf(u"short"_s);
+        pictured.pictures = {{1, pixmap, u"Hosting Map"_s}};
+        GridRow described = rowOf(markup);
+        described.toolTip = u"what the file <is> for"_s;
+        grid.rows().setRows({pictured, rowOf(markup), described, rowOf(QString(100'000, u'w'))});
+
+        QVERIFY(grid.toolTipAt(0, 0).isNull());
+        QCOMPARE(grid.toolTipAt(0, 1), u"Hosting Map"_s);
+        QCOMPARE(grid.toolTipAt(1, 0), markup);
+        QCOMPARE(grid.toolTipAt(2, 2), u"what the file <is> for"_s);
+        const QString longest = grid.toolTipAt(3, 0);
+        QVERIFY(longest.startsWith(QString(200, u'w')));
+        QVERIFY(longest.size() < 5000);
+        grid.toolTipAt(0, 2);
+        QTRY_VERIFY(!QToolTip::isVisible());
+        grid.setColumnWidth(0, 600);
+        QVERIFY(grid.toolTipAt(1, 0).isNull());
+    }
+
+    void anEmptyGridSaysWhy()
+    {
+        Grid grid;
+        const QImage silent = grid.picture();
+        grid.setEmptyText(u"No profiles"_s);
+        const QImage saying = grid.picture();
+        QVERIFY(saying != silent);
+        grid.rows().appendRow({});
+        const QImage blankRow = grid.picture();
+        grid.setEmptyText({});
+        QCOMPARE(grid.picture(), blankRow);
+        grid.rows().clear();
+        grid.setEmptyText(u"No profiles"_s);
+        QCOMPARE(grid.picture(), saying);
+    }
+
+    void rowsThatNobodyLooksAtAreNotMade()
+    {
+        Grid grid;
+        std::map<int, int> made;
+        grid.rows().setRows(10'000, [&made](int row) {
+            ++made[row];
+            return rowOf(QString::number(row));
+        });
+        grid.picture();
+        grid.picture();
+        QVERIFY(!made.empty());
+        QVERIFY2(made.size() < 30, qPrintable(QString::number(made.size())));
+        QCOMPARE(grid.rows().rowCount(), 10'000);
+        QCOMPARE(grid.rows().text(9'999, 0), u"9999"_s);
+        grid.rows().setText(9'999, 0, u"changed"_s);
+        grid.rows().appendRow(rowOf(u"last"_s));
+        QCOMPARE(grid.rows().text(9'999, 0), u"changed"_s);
+        QCOMPARE(grid.rows().text(10'000, 0), u"last"_s);
+        for (const auto& [row, times] : made)
+            QCOMPARE(times, 1);
+        grid.rows().setRows({rowOf(u"plain again"_s)});
+        QCOMPARE(grid.rows().text(0, 0), u"plain again"_s);
+    }
+
+    void titlesSpanTheirOwnRowsOnly()
+    {
+        Grid grid;
+        const GridRow title{{u"New Files Available"_s}, {}, 0, {}, true};
+        grid.rows().setRows({rowOf(u"a"_s), title});
+        grid.rows().appendRow(title);
+        QCOMPARE(grid.columnSpan(0, 0), 1);
+        QCOMPARE(grid.columnSpan(1, 0), 3);
+        QCOMPARE(grid.columnSpan(2, 0), 3);
+        grid.rows().setRows({title, rowOf(u"b"_s)});
+        QCOMPARE(grid.columnSpan(0, 0), 3);
+        QCOMPARE(grid.columnSpan(1, 0), 1);
+    }
+
+    void aPictureReplacesTheTextAndThePictureBefore()
+    {
+        Grid grid;
+        QPixmap red(16, 16);
+        red.fill(Qt::red);
+        QPixmap huge(500, 500);
+        huge.fill(Qt::green);
+        grid.rows().setRows({rowOf(u"a"_s)});
+        const QRect cell = grid.visualRect(grid.model()->index(0, 1));
+        grid.rows().setPicture(0, {1, red, u"Hosting"_s});
+        QCOMPARE(grid.picture().pixelColor(cell.center()), QColor(Qt::red));
+        QCOMPARE(grid.model()->index(0, 1).data(Qt::AccessibleTextRole).toString(), u"Hosting"_s);
+        grid.rows().setPicture(0, {1, huge, {}});
+        const QImage shown = grid.picture();
+        QCOMPARE(shown.pixelColor(cell.center()), QColor(Qt::green));
+        QVERIFY(shown.pixelColor(cell.right() + 6, cell.center().y()) != QColor(Qt::green)); // kept inside its cell
+    }
+
+    void selectionIsOneWholeRowAndEndsWithARefill()
+    {
+        Grid grid;
+        grid.rows().setRows({rowOf(u"a"_s), rowOf(u"b"_s)});
+        QCOMPARE(grid.selectedRow(), -1);
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.visualRect(grid.model()->index(1, 2)).center());
+        QCOMPARE(grid.selectedRow(), 1);
+        QTest::keyClick(&grid, Qt::Key_Up);
+        QCOMPARE(grid.selectedRow(), 0);
+        grid.rows().setRows({rowOf(u"c"_s)});
+        QCOMPARE(grid.selectedRow(), -1);
+    }
+};
+
+QTEST_MAIN(GridTest)
+#include "GridTest.moc"

@@ -1,0 +1,146 @@
+#include "ui/BackgroundPicture.h"
+#include "ui/PictureFolder.h"
+#include "ui/PictureStore.h"
+#include "ui/StripTabBar.h"
+
+#include <QFile>
+#include <QPainter>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QRgb both(QRgb left, QRgb right)
+{
+    return (left & right) | 0xff000000u;
+}
+
+void append(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::Append));
+    file.write(bytes);
+}
+
+} // namespace
+
+class PicturesTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void whatMayNotBeShownIsMissingAndReportedOnce_data()
+    {
+        QTest::addColumn<QByteArray>("name");
+        QTest::newRow("no such file") << QByteArray("\\none.gif");
+        QTest::newRow("a folder") << QByteArray("\\imgs");
+        QTest::newRow("outside the folder") << QByteArray("\\..\\good.gif");
+        QTest::newRow("too wide") << QByteArray("\\wide.gif");
+        QTest::newRow("too many bytes") << QByteArray("\\heavy.gif");
+        QTest::newRow("cut off") << QByteArray("\\cut.gif");
+        QTest::newRow("another format") << QByteArray("\\text.gif");
+        QTest::newRow("empty") << QByteArray("\\empty.gif");
+    }
+    void whatMayNotBeShownIsMissingAndReportedOnce()
+    {
+        QFETCH(const QByteArray, name);
+        const PictureFolder files;
+        files.paint(u"wide.gif"_s, Qt::red, {PictureStore::maxSide + 1, 1});
+        files.paint(u"heavy.gif"_s, Qt::red);
+        append(files.path(u"heavy.gif"_s), QByteArray(qsizetype(PictureStore::maxFileBytes), '\0'));
+        files.paint(u"cut.gif"_s, Qt::red, {64, 64});
+        QFile::resize(files.path(u"cut.gif"_s), 20);
+        append(files.path(u"text.gif"_s), "/* XPM */ static char* p[] = {\"1 1 1 1\", \"a c #ff0000\", \"a\"};");
+        append(files.path(u"empty.gif"_s), {});
+        std::vector<std::string> missing;
+        PictureStore pictures(files.folder(), [&missing](const std::string& file) { missing.push_back(file); });
+
+        QVERIFY(pictures.picture(name.toStdString()).isNull());
+        QVERIFY(pictures.scaled(name.toUpper().toStdString(), {16, 16}, 1).isNull());
+        QVERIFY(missing.empty()); // never from inside the call, which a paint event may make
+        QTRY_VERIFY(!missing.empty());
+        QCOMPARE(missing, std::vector{name.toStdString()});
+    }
+
+    void aPictureReplacedOnDiskShows()
+    {
+        const PictureFolder files;
+        PictureStore pictures(files.folder());
+        const auto colour = [&pictures] {
+            return pictures.scaled("\\IMGS\\ButUp.gif", {4, 4}, 1).toImage().pixelColor(1, 1);
+        };
+        QVERIFY(pictures.picture("\\imgs\\butup.gif").isNull());
+        files.paint(u"imgs/butup.gif"_s, Qt::green);
+        QCOMPARE(colour(), QColor(Qt::green));
+        files.paint(u"imgs/butup.gif"_s, Qt::blue, {40, 30});
+        QCOMPARE(colour(), QColor(Qt::blue));
+        QFile::remove(files.path(u"imgs/butup.gif"_s));
+        QVERIFY(pictures.picture("\\imgs\\butup.gif").isNull());
+    }
+
+    void scalingCountsInLogicalPixels()
+    {
+        const PictureFolder files;
+        files.paint(u"a.gif"_s, Qt::green, {64, 32});
+        PictureStore pictures(files.folder());
+        const QPixmap fine = pictures.scaled("\\a.gif", {16, 16}, 2);
+        QCOMPARE(fine.size(), QSize(32, 32));
+        QCOMPARE(fine.deviceIndependentSize(), QSizeF(16, 16));
+        QCOMPARE(pictures.scaled("\\a.gif", {16, 16}, 1, Qt::KeepAspectRatio).size(), QSize(16, 8));
+    }
+
+    void aBackgroundShowsThroughWhatIsWhite_data()
+    {
+        QTest::addColumn<QImage::Format>("format");
+        QTest::newRow("as a window's backing store") << QImage::Format_RGB32;
+        QTest::newRow("as a grabbed widget") << QImage::Format_ARGB32_Premultiplied;
+    }
+    void aBackgroundShowsThroughWhatIsWhite()
+    {
+        QFETCH(const QImage::Format, format);
+        const QRgb colour = qRgb(0x81, 0xc3, 0xff);
+        QPixmap background(50, 50);
+        background.fill(colour);
+        QImage image(4, 2, format);
+        image.fill(Qt::white);
+        image.setPixel(1, 0, qRgb(0, 0, 0));
+        image.setPixel(2, 0, qRgb(0xf0, 0x0f, 0x7e));
+        QPainter painter(&image);
+        painter.setClipRect(0, 0, 4, 1);
+        paintBackground(painter, background, image.rect());
+        painter.end();
+        QCOMPARE(image.pixel(0, 0), colour);
+        QCOMPARE(image.pixel(1, 0), qRgb(0, 0, 0));
+        QCOMPARE(image.pixel(2, 0), both(colour, qRgb(0xf0, 0x0f, 0x7e)));
+        QCOMPARE(image.pixel(0, 1), qRgb(255, 255, 255));
+    }
+
+    void aStripIsPaintedOverItsWholeBackground()
+    {
+        const PictureFolder files;
+        const QRgb colour = qRgb(0x81, 0xc3, 0xff);
+        files.paint(u"background.png"_s, QColor(colour));
+        PictureStore pictures(files.folder());
+        QWidget window;
+        StripTabBar plain(u"tsPlain"_s, pictures, "\\none.png", &window);
+        StripTabBar strip(u"tsMain"_s, pictures, "\\background.png", &window);
+        for (StripTabBar* const bar : {&plain, &strip}) {
+            bar->addKeyedTab(u"Login"_s, u"qrvrcLogin"_s);
+            bar->addKeyedTab(u"Profile List"_s, u"qrvrcProfilesList"_s);
+            bar->resize(300, 30);
+        }
+        const QImage expected = plain.grab().toImage();
+        const QImage painted = strip.grab().toImage();
+        QCOMPARE(painted.size(), expected.size());
+        for (int y = 0; y < painted.height(); ++y) {
+            for (int x = 0; x < painted.width(); ++x)
+                QCOMPARE(painted.pixel(x, y), both(expected.pixel(x, y), colour));
+        }
+        QCOMPARE(strip.key(strip.indexOfCaption(u"Profile List"_s)), u"qrvrcProfilesList"_s);
+        QCOMPARE(strip.indexOfKey(u"qrvrcAbout"_s), -1);
+    }
+};
+
+QTEST_MAIN(PicturesTest)
+#include "PicturesTest.moc"
