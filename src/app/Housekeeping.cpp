@@ -30,6 +30,7 @@ Housekeeping::Housekeeping(QStatusBar& statusBar, const bool& updatesAvailable, 
 {
     lblNote->setObjectName(u"lblNote"_s);
     lblNote->setTextFormat(Qt::PlainText);
+    lblNote->setIndent(6);
     lblStatus->setObjectName(u"lblStatus"_s);
     statusBar.addWidget(lblNote, 1);
     statusBar.addPermanentWidget(lblStatus);

@@ -8,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-void applyLook(QApplication& application)
+void applyLook()
 {
     QApplication::setStyle(QStyleFactory::create(u"Fusion"_s));
     QPalette palette(QColor(0xEC, 0xEF, 0xF3));
@@ -22,6 +22,5 @@ void applyLook(QApplication& application)
     QFont font(QStringList{u"Segoe UI"_s, u"Tahoma"_s, u"Liberation Sans"_s, u"DejaVu Sans"_s, u"Sans Serif"_s});
     font.setPointSize(9);
     QApplication::setFont(font);
-    application.setApplicationDisplayName(u"QRVRC"_s);
     QApplication::setWindowIcon(QIcon(u":/icon.png"_s));
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-class QApplication;
-
 /// Style, colours, font and icon of the program, the same on every desktop.
-void applyLook(QApplication& application);
+/// The application object must exist.
+void applyLook();

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 constexpr std::array<std::string_view, 9> shippedFiles{
     "\\imgs\\butup.gif",
     "\\imgs\\butdown.gif",
-    "\\background.png",
+    "\\background.gif",
     "\\hosting.gif",
     "\\nothosting.gif",
     "\\notactive.gif",

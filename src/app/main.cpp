@@ -72,7 +72,7 @@ int run(Application& application, const CommandLine& line, const QUrl& makerHost
         return complain("the folder '" + folder.string() + "' cannot be filled: " + error.description());
     }
 
-    applyLook(application);
+    applyLook();
     qrvrcMain frame({.folder = folder, .makerHost = makerHost, .version = QRVRC_VERSION});
     application.reporter = &frame.core().reporter;
     if (!frame.MDIFormLoad())

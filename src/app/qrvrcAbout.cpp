@@ -35,7 +35,7 @@ qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* pare
     auto* emblem = new QLabel;
     emblem->setPixmap(QApplication::windowIcon().pixmap(QSize(96, 96), devicePixelRatioF()));
     emblem->setAlignment(Qt::AlignCenter);
-    auto* tsAbout = new StripTabBar(u"tsAbout"_s, client.pictures, "\\background.png", this);
+    auto* tsAbout = new StripTabBar(u"tsAbout"_s, client.pictures, "\\background.gif", this);
     tsAbout->setAccessibleName(u"About"_s);
     auto* pages = new QStackedWidget;
     const auto add = [&](const QString& caption, const QString& text) {

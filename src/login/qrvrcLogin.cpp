@@ -13,12 +13,13 @@
 #include "ui/EventWait.h"
 #include "ui/ImageButton.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScopedValueRollback>
-#include <QStyle>
 
 #include <array>
 
@@ -33,6 +34,7 @@ constexpr auto lookupLimit = 30s;
 
 // Pixels.
 constexpr int frameWidth = 430;
+constexpr int emblemSide = 144;
 constexpr int rowHeight = 32;
 constexpr int firstRowTop = 32;
 constexpr int fieldLeft = 140;
@@ -88,6 +90,10 @@ void qrvrcLogin::buildControls()
     lblStatus->setTextFormat(Qt::PlainText);
     lblStatus->setGeometry(fieldLeft, 24, frameWidth - fieldLeft - 20, fieldHeight);
 
+    lblEmblem = new QLabel(this);
+    lblEmblem->setPixmap(QApplication::windowIcon().pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
+    lblEmblem->setAlignment(Qt::AlignCenter);
+
     Timer1 = new QTimer(this);
     Timer1->setObjectName(u"Timer1"_s);
     Timer1->setInterval(100ms);
@@ -111,8 +117,10 @@ QLineEdit* qrvrcLogin::addField(const QString& name, const QString& caption, con
 void qrvrcLogin::placeControls()
 {
     const QSize page = parentWidget() ? parentWidget()->size() : QSize(757, 440);
-    const int left = (page.width() - frameWidth) / 2;
-    const int top = std::max(8, (page.height() - connectFrameHeight - statusFrameHeight - 40) / 2);
+    const int left = 36;
+    const int top = std::max(8, (page.height() - connectFrameHeight - statusFrameHeight - 10) / 2);
+    const int emblemLeft = left + frameWidth;
+    lblEmblem->setGeometry(emblemLeft, top, page.width() - emblemLeft, connectFrameHeight);
     fmeConnect->setGeometry(left, top, frameWidth, connectFrameHeight);
     fmeStatus->setGeometry(left, top + connectFrameHeight + 10, frameWidth, statusFrameHeight);
 

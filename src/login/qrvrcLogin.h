@@ -76,6 +76,7 @@ private:
     QLineEdit* txtUser = nullptr;
     QLineEdit* txtPass = nullptr;
     QLabel* lblStatus = nullptr;
+    QLabel* lblEmblem = nullptr;
     ImageButton* cmdConnect = nullptr;
     ImageButton* cmdDisconnect = nullptr;
     ImageButton* cmdDelete = nullptr;

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::string_view background = "\\background.png";
+constexpr std::string_view background = "\\background.gif";
 
 struct MainTab
 {

@@ -58,18 +58,24 @@ std::vector<std::string> ProfilePictures::heldPictures() const
     return names;
 }
 
-QPixmap ProfilePictures::modPicture(std::string_view name, std::string_view entry, qreal devicePixelRatio)
+void ProfilePictures::keepModPicture(std::string_view name, std::string_view entry) const
 {
     if (trimmed(name).empty())
-        return {};
+        return;
     if (!isPlainFileName(name))
         throw RuntimeError(ErrorNumber::PermissionDenied, name);
+    const std::string bytes = decodePictureBytes(entry);
+    if (bytes.empty())
+        return;
+    m_folder.makeFolder("\\mods");
+    writeBytes(m_folder.path("\\mods\\" + std::string(name)), bytes);
+}
+
+QPixmap ProfilePictures::modPicture(std::string_view name, qreal devicePixelRatio)
+{
+    // One that the tracker did not send and the client does not hold is no fault, so it is not asked of the pictures.
     const std::string layoutName = "\\mods\\" + std::string(name);
-    if (const std::string bytes = decodePictureBytes(entry); !bytes.empty()) {
-        m_folder.makeFolder("\\mods");
-        writeBytes(m_folder.path(layoutName), bytes);
-    }
-    if (!m_folder.fileExists(layoutName))
+    if (!isPlainFileName(name) || !m_folder.fileExists(layoutName))
         return {};
     return m_pictures.scaled(layoutName, modSize, devicePixelRatio, Qt::KeepAspectRatio);
 }
@@ -86,14 +92,17 @@ QString ProfilePictures::statusMeaning(std::int32_t status)
     return picture ? QString::fromUtf16(picture->meaning) : QString();
 }
 
-void ProfilePictures::makeProfileFolder(std::string_view id) const
+void ProfilePictures::makeProfileFolder(const std::string& id)
 {
+    if (m_profileFolders.contains(id))
+        return;
     if (!isPlainFileName(id))
         throw RuntimeError(ErrorNumber::PermissionDenied, id);
     // An id has no letter case, so the folder needs no search among its neighbours, of which there may be thousands.
-    const std::filesystem::path folder = m_folder.path("\\profiles") / std::string(id);
+    const std::filesystem::path folder = m_folder.path("\\profiles") / id;
     std::error_code fault;
     std::filesystem::create_directories(folder, fault);
     if (fault)
         throwFileError(fault, folder);
+    m_profileFolders.insert(id);
 }

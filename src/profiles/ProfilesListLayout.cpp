@@ -168,8 +168,8 @@ void qrvrcProfilesList::placeControls()
     const auto at = [&](int place) { return QRect(margin + place * (buttonWidth + 8), buttonTop, buttonWidth, buttonHeight); };
     cmdAttach->place(at(0));
     cmdDetach->place(at(0));
-    cmdStart->place(at(1));
-    cmdStop->place(at(1));
-    cmdModify->place(at(2));
+    cmdModify->place(at(1));
+    cmdStart->place(at(2)); // last, because the place is empty without the game-start plugin
+    cmdStop->place(at(2));
     cmdQuit->place(QRect(page.width() - margin - buttonWidth, buttonTop, buttonWidth, buttonHeight));
 }

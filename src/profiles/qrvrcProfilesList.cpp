@@ -125,21 +125,45 @@ void qrvrcProfilesList::askForProfiles()
 
 void qrvrcProfilesList::showProfiles(std::string_view body)
 {
-    std::vector<GridRow> rows;
-    std::vector<std::string> gameVersions(1);
+    std::vector<ProfileRecord> records;
     const std::vector<ProfileElement> elements = splitProfilesReply(body);
-    rows.reserve(elements.size());
+    records.reserve(elements.size());
     // An element that cannot be shown ends the list; those before it are shown all the same.
-    const auto show = qScopeGuard([&] { showRows(std::move(rows), std::move(gameVersions)); });
+    const auto show = qScopeGuard([&] { showRecords(std::move(records)); });
     m_client.folder.makeFolder("\\profiles");
     for (const ProfileElement& element : elements)
-        rows.push_back(rowFor(element, gameVersions));
+        records.push_back(take(element));
 }
 
-GridRow qrvrcProfilesList::rowFor(const ProfileElement& element, std::vector<std::string>& gameVersions)
+ProfileRecord qrvrcProfilesList::take(const ProfileElement& element)
 {
     ProfileRecord record = decodeProfileRecord(element.text);
     m_pictures->makeProfileFolder(record.id);
+    m_pictures->keepModPicture(record.modPicture, element.picture);
+    return record;
+}
+
+void qrvrcProfilesList::showRecords(std::vector<ProfileRecord> records)
+{
+    m_selected.gameVersions.assign(1, {});
+    int kept = -1;
+    for (const ProfileRecord& record : records) {
+        if (m_keptId != 0 && parseInt32(record.id) == m_keptId)
+            kept = static_cast<int>(m_selected.gameVersions.size()) - 1;
+        m_selected.gameVersions.push_back(record.gameVersion);
+    }
+    const int scrolled = fgProfiles->verticalScrollBar()->value();
+    fgProfiles->setEmptyText(u"The tracker has no profiles."_s);
+    const auto shown = std::make_shared<const std::vector<ProfileRecord>>(std::move(records));
+    fgProfiles->rows().setRows(static_cast<int>(shown->size()),
+        [this, shown](int row) { return rowFor(shown->at(static_cast<std::size_t>(row))); });
+    if (kept >= 0)
+        fgProfiles->verticalScrollBar()->setValue(scrolled);
+    selectRow(std::max(kept, 0));
+}
+
+GridRow qrvrcProfilesList::rowFor(const ProfileRecord& record)
+{
     const CodePage& codePage = m_client.codePage;
     GridRow row{.cells = {codePage.toText(record.id), codePage.toText(record.name), {},
                     codePage.toText(record.players), codePage.toText(record.map), codePage.toText(record.gameType),
@@ -147,24 +171,11 @@ GridRow qrvrcProfilesList::rowFor(const ProfileElement& element, std::vector<std
         .pictures = {},
         .data = record.status};
     const qreal ratio = devicePixelRatioF();
-    if (QPixmap mod = m_pictures->modPicture(record.modPicture, element.picture, ratio); !mod.isNull())
+    if (QPixmap mod = m_pictures->modPicture(record.modPicture, ratio); !mod.isNull())
         row.pictures.push_back({Mod, std::move(mod), codePage.toText(record.modPicture)});
     if (QPixmap status = m_pictures->statusPicture(record.status, ratio); !status.isNull())
         row.pictures.push_back({Status, std::move(status), ProfilePictures::statusMeaning(record.status)});
-    gameVersions.push_back(std::move(record.gameVersion));
     return row;
-}
-
-void qrvrcProfilesList::showRows(std::vector<GridRow> rows, std::vector<std::string> gameVersions)
-{
-    const int scrolled = fgProfiles->verticalScrollBar()->value();
-    fgProfiles->setEmptyText(u"The tracker has no profiles."_s);
-    fgProfiles->rows().setRows(std::move(rows));
-    m_selected.gameVersions = std::move(gameVersions);
-    const int kept = m_keptId == 0 ? -1 : rowOfId(m_keptId);
-    if (kept >= 0)
-        fgProfiles->verticalScrollBar()->setValue(scrolled);
-    selectRow(std::max(kept, 0));
 }
 
 void qrvrcProfilesList::showNoProfiles(const QString& why)
@@ -178,15 +189,6 @@ void qrvrcProfilesList::showNoProfiles(const QString& why)
 int qrvrcProfilesList::rowCount() const
 {
     return fgProfiles->rows().rowCount();
-}
-
-int qrvrcProfilesList::rowOfId(qint32 id) const
-{
-    for (int row = 0; row < rowCount(); ++row) {
-        if (fgProfiles->rows().text(row, Id).toInt() == id)
-            return row;
-    }
-    return -1;
 }
 
 void qrvrcProfilesList::selectRow(int row)

@@ -20,6 +20,7 @@ struct GridRow;
 struct Permissions;
 struct PluginTable;
 struct ProfileElement;
+struct ProfileRecord;
 struct SelectedProfile;
 
 /// The administrator's home window: every profile of the tracker with its live state, one grid row each.
@@ -57,11 +58,11 @@ private:
     void refreshQuietly();
     void askForProfiles();
     void showProfiles(std::string_view body);
-    GridRow rowFor(const ProfileElement& element, std::vector<std::string>& gameVersions);
-    void showRows(std::vector<GridRow> rows, std::vector<std::string> gameVersions);
+    ProfileRecord take(const ProfileElement& element);
+    void showRecords(std::vector<ProfileRecord> records);
+    GridRow rowFor(const ProfileRecord& record);
     void showNoProfiles(const QString& why);
     void selectRow(int row);
-    int rowOfId(qint32 id) const;
     void updateSelection();
     void popUpMenu(const QPoint& position);
     bool isLoggedIn() const;

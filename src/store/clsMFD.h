@@ -48,7 +48,8 @@ public:
 
     std::string GetIniKey(std::string_view section, std::string_view key, const Path& file) const;
     /// Creates file (readable by its owner only), section and key as needed. The file is replaced whole or not at all.
-    /// @throws RuntimeError InvalidFileFormat for a damaged file, which is kept as it is; InvalidProcedureCall for names
+    /// @throws RuntimeError InvalidFileFormat for a damaged file, which is kept as it is; InvalidProcedureCall for
+    /// names
     ///         that an INI file cannot hold (empty, brackets or line breaks in a section, "=" or line breaks in a key,
     ///         line breaks in a value); PermissionDenied, PathNotFound, DiskFull from the disk
     void WriteIniKey(std::string_view section, std::string_view key, std::string_view value, const Path& file) const;
@@ -68,14 +69,15 @@ public:
     /// Makes the file hold exactly `text`.
     void WriteFile(const Path& file, std::string_view text) const;
     /// @param length  bytes of the expanded text, as declared by the tracker
-    /// @throws RuntimeError InvalidFileFormat for damaged data or a length that does not match, OutOfMemory above 256 MiB
+    /// @throws RuntimeError InvalidFileFormat for damaged data or a length that does not match, OutOfMemory above 256
+    /// MiB
     std::string DecompressString(std::string_view data, std::int32_t length) const;
 
     /// 32 hexadecimal digits that name this installation; made at random on first use and kept in the settings folder.
     std::string GetUIDStr() const;
     /// Appends one block to "\ErrorLog.txt".
     void LogError(std::string_view program, std::string_view procedure, const RuntimeError& error,
-        std::int32_t line) const;
+                  std::int32_t line) const;
     /// Delivers a report without holding anybody up; `done` is called once with whether it was delivered.
     void SendErrorReport(const ErrorReportRecord& record, std::function<void(bool delivered)> done) const;
     void UpdateWarning(const std::string& text) const;

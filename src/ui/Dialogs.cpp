@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QLabel>
 #include <QMessageBox>
+#include <QPushButton>
 
 #include <memory>
 
@@ -13,6 +15,7 @@ namespace {
 // Texts from the host must not push the buttons off the screen.
 constexpr qsizetype maxBoxCharacters = 3000;
 constexpr qsizetype maxBoxLines = 40;
+constexpr int minTextWidth = 260;            // pixels
 constexpr qsizetype maxWordCharacters = 70; // a box wraps its text between words only
 
 /// `text` with places to break in words that would be wider than the box.
@@ -59,6 +62,11 @@ public:
         setTextFormat(Qt::PlainText);
         setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         setText(boxText(text));
+        // Wide enough for the title to be read, and plain buttons whatever the desktop's theme draws on them.
+        if (auto* label = findChild<QLabel*>(u"qt_msgbox_label"_s))
+            label->setMinimumWidth(minTextWidth);
+        for (QAbstractButton* button : this->buttons())
+            button->setIcon({});
         setEnabled(true);
     }
 

@@ -10,6 +10,7 @@
 
 namespace {
 
+constexpr qreal gridFontPoints = 8.25; // what the column widths are made for
 constexpr int rowPadding = 4;     // pixels added to a line of text
 constexpr int minRowHeight = 20;  // pixels; the status pictures are 16 high
 constexpr int minColumnWidth = 4; // pixels; the style's own minimum is wider than a picture column
@@ -26,6 +27,9 @@ GridView::GridView(const QString& name, QWidget* parent)
       m_delegate(new GridDelegate(this))
 {
     setObjectName(name);
+    QFont small = this->font();
+    small.setPointSizeF(gridFontPoints);
+    setFont(small);
     setModel(m_model);
     setItemDelegate(m_delegate);
     setSelectionBehavior(SelectRows);

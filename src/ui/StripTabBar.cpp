@@ -13,6 +13,11 @@ StripTabBar::StripTabBar(const QString& name, PictureStore& pictures, std::strin
     setObjectName(name);
     setExpanding(false);
     setUsesScrollButtons(true);
+    // White lets the background picture through unchanged; any other ground would tint it bit by bit.
+    QPalette ground = palette();
+    ground.setColor(QPalette::Window, Qt::white);
+    setPalette(ground);
+    setAutoFillBackground(true);
 }
 
 int StripTabBar::addKeyedTab(const QString& caption, const QString& key)

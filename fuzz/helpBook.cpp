@@ -1,0 +1,61 @@
+#include "diagnostics/HelpBook.h"
+
+#include "Check.h"
+#include "base/Text.h"
+
+#include <algorithm>
+#include <fstream>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// One file, written anew for each input.
+struct BookFile
+{
+    fs::path path = fs::temp_directory_path() / ("helpBook." + std::to_string(getpid()) + ".chm");
+
+    ~BookFile()
+    {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+    }
+};
+
+/// The input with no name in it that could be a table of contents. Opening a book reads that through the help library,
+/// which is not instrumented and trusts compressed data; what is tried here is the directory, which is read by us.
+std::string withoutContents(std::string_view input)
+{
+    constexpr std::string_view ending = ".hhc";
+    std::string bytes(input);
+    const std::string lower = lowerAscii(input);
+    for (std::size_t at = lower.find(ending); at != std::string::npos; at = lower.find(ending, at + 1))
+        bytes[at + ending.size() - 1] = 'x';
+    return bytes;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const BookFile file;
+    std::ofstream(file.path, std::ios::binary | std::ios::trunc) << withoutContents(viewOf(data, size));
+
+    std::optional<HelpBook> book;
+    const auto error = raisedBy([&] { book.emplace(file.path); });
+    check(!error || error == ErrorNumber::InvalidFileFormat);
+    if (error)
+        return 0;
+    check(book->isCurrent() && book->contents().empty());
+    const std::vector<std::string> names = book->names();
+    check(std::is_sorted(names.begin(), names.end()));
+    check(std::adjacent_find(names.begin(), names.end()) == names.end());
+    for (const std::string& name : names)
+        check(!name.empty() && name.front() != '#' && name.front() != '$' && name.back() != '/');
+    const std::string home = book->homePage();
+    check(home.empty() || std::find(names.begin(), names.end(), home) != names.end());
+    check(!book->page("\x01 is in no name"));
+    return 0;
+}

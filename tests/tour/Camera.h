@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QDir>
+#include <QImage>
+#include <QString>
+#include <QWidget>
+
+namespace tour {
+
+/// Takes pictures of the program's windows as they stand on the screen, frames and open menus included. Where the
+/// screen cannot be read, it lays pictures of the windows over each other.
+class Camera
+{
+public:
+    /// @param folder  exists
+    explicit Camera(const QDir& folder) : m_folder(folder) {}
+
+    /// Forgets what was seen, and removes an older picture of that name.
+    void prepare(const QString& file);
+    /// Looks once, and saves the picture when the view has come to rest and shows what the foremost window paints. To be
+    /// called again until it is true.
+    bool take(const QString& file);
+
+private:
+    QDir m_folder;
+    QImage m_seen;
+    int m_timesSeen = 0;
+};
+
+} // namespace tour

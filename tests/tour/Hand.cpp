@@ -1,0 +1,75 @@
+#include "tour/Hand.h"
+
+#include <QAbstractButton>
+#include <QMenu>
+#include <QTabBar>
+#include <QTableView>
+#include <QTest>
+#include <QWindow>
+
+namespace tour {
+
+namespace {
+
+void clickAt(const QWidget* widget, const QPoint& position, Qt::MouseButton button = Qt::LeftButton)
+{
+    const QWidget* window = widget->window();
+    QTest::mouseClick(window->windowHandle(), button, Qt::NoModifier, widget->mapTo(window, position));
+}
+
+} // namespace
+
+void click(const QString& name)
+{
+    if (const auto* widget = seen<QWidget>(name))
+        clickAt(widget, widget->rect().center());
+}
+
+void click(QAbstractButton* button)
+{
+    if (button && button->isVisible())
+        clickAt(button, button->rect().center());
+}
+
+void clickTab(const QString& strip, const QString& caption)
+{
+    const auto* bar = seen<QTabBar>(strip);
+    for (int index = 0; bar && index < bar->count(); ++index) {
+        if (bar->tabText(index) == caption) {
+            clickAt(bar, bar->tabRect(index).center());
+            return;
+        }
+    }
+}
+
+void clickRow(const QString& grid, int row, Qt::MouseButton button)
+{
+    if (const auto* view = seen<QTableView>(grid)) {
+        const QModelIndex cell = view->model()->index(row, 1);
+        clickAt(view->viewport(), view->visualRect(cell).center(), button);
+    }
+}
+
+void clickEntry(QMenu* menu, const QString& action)
+{
+    for (QAction* entry : menu->actions()) {
+        if (entry->objectName() == action)
+            clickAt(menu, menu->actionGeometry(entry).center());
+    }
+}
+
+void type(const QByteArray& text)
+{
+    for (const char character : text) {
+        if (QWindow* window = QGuiApplication::focusWindow())
+            QTest::keyClick(window, character);
+    }
+}
+
+void press(Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    if (QWindow* window = QGuiApplication::focusWindow())
+        QTest::keyClick(window, key, modifiers);
+}
+
+} // namespace tour
