@@ -28,7 +28,8 @@ void checkPrivileges(std::string_view decoded, const Permissions& permissions)
         check(record.name.empty() || std::find(items.begin(), items.end(), record.name) != items.end());
         for (const auto& [key, value] : record.privileges) {
             item = std::find_if(item, items.end(), [](auto text) { return isNumeric(keyAndValue(text).second); });
-            check(item != items.end() && keyAndValue(*item) == std::pair<std::string_view, std::string_view>(key, value));
+            check(item != items.end() &&
+                  keyAndValue(*item) == std::pair<std::string_view, std::string_view>(key, value));
             ++item;
         }
     }

@@ -80,7 +80,7 @@ void checkRoundTrip(std::string_view text, std::string_view picture)
     if (error)
         return;
     const std::array<std::string, fieldCount> got{
-        record.id,   record.name,  record.modPicture, record.players,    record.map,        record.gameType,
+        record.id,    record.name, record.modPicture, record.players,      record.map,        record.gameType,
         record.timer, fields[7],   record.statusText, fields[statusField], record.gameVersion};
     check(std::equal(got.begin(), got.end(), fields.begin()));
     check(record.status == *status);

@@ -31,7 +31,19 @@ declare -A packages=(
     [wayland]="
         qt6-wayland         # Qt's way to such a display
     "
-    # What .ci/run needs besides.
+    # What bench/run needs besides the build.
+    [bench]="
+        libbenchmark-dev    # measures
+        python3             # compares, prints the table
+        valgrind            # counts instructions; without it those rows are left out
+    "
+    # What the scripts in assets/ need.
+    [assets]="
+        fp-utils            # compiles help.chm
+        imagemagick         # turns drawings into GIFs and icons
+        librsvg2-bin        # renders the drawings
+    "
+    # What .ci/run needs besides the build and the test.
     [ci]="
         clang               # fuzz targets: libFuzzer comes with clang only
         clang-format        # layout

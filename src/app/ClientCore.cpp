@@ -12,17 +12,19 @@ constexpr auto reportLimit = 10s;
 } // namespace
 
 ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterface& interface, HelpOpener showHelp)
-    : folder(setup.folder), store(folder, services(setup.makerHost, std::move(showHelp))),
+    : folder(setup.folder),
+      store(folder, services(setup.makerHost, std::move(showHelp))),
       reporter(store, boxes, codePage, setup.version),
       pictures(folder,
-          [this](const std::string& name) {
-              reporter.ReportMsg(MessageKind::Error, u"The picture '%1' is missing or damaged."_s.arg(codePage.toText(name)));
-          }),
-      replies(reporter, interface), link(wsMain, wSupport, session, replies),
+               [this](const std::string& name) {
+                   reporter.ReportMsg(MessageKind::Error,
+                                      u"The picture '%1' is missing or damaged."_s.arg(codePage.toText(name)));
+               }),
+      replies(reporter, interface),
+      link(wsMain, wSupport, session, replies),
       client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection},
       pluginHost(client, plugins)
-{
-}
+{}
 
 HelperServices ClientCore::services(const QUrl& makerHost, HelpOpener showHelp)
 {
@@ -38,9 +40,9 @@ HelperServices ClientCore::services(const QUrl& makerHost, HelpOpener showHelp)
                 QUrl page = makerHost;
                 page.setPath(u"/quorbeta/ErrorReports.php"_s);
                 inet.post(page, QByteArray("Report=").append(QByteArray::fromStdString(report)), reportLimit,
-                    [done = std::move(done)](const Inet::Answer& answer) {
-                        done(answer.status >= 200 && answer.status < 300 && answer.body == "1");
-                    });
+                          [done = std::move(done)](const Inet::Answer& answer) {
+                              done(answer.status >= 200 && answer.status < 300 && answer.body == "1");
+                          });
             },
     };
 }

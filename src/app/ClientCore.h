@@ -55,9 +55,9 @@ struct ClientCore
     clsWinSock link;
     WindowRegistry windows;
     QString helpSection;
-    Permissions permissions;     ///< written by the navigation
-    PluginTable plugins;         ///< written by the plugin host
-    SelectedProfile selected;    ///< written by the profile list
+    Permissions permissions;       ///< written by the navigation
+    PluginTable plugins;           ///< written by the plugin host
+    SelectedProfile selected;      ///< written by the profile list
     bool updatesAvailable = false; ///< written by the update check
     Client client;
     PluginHost pluginHost;

@@ -59,12 +59,13 @@ void HelpKey::showHelpFor(const QString& section)
     if (section == u"IGNORE"_s)
         return;
     if (section.isEmpty()) {
-        m_client.reporter.ReportMsg(
-            MessageKind::Failed, u"This section does not appear to have a help file associated with it!"_s);
+        m_client.reporter.ReportMsg(MessageKind::Failed,
+                                    u"This section does not appear to have a help file associated with it!"_s);
         return;
     }
-    const auto topic = std::find_if(topics.begin(), topics.end(),
-        [&section](const Topic& candidate) { return section == QStringView(candidate.section); });
+    const auto topic = std::find_if(topics.begin(), topics.end(), [&section](const Topic& candidate) {
+        return section == QStringView(candidate.section);
+    });
     if (topic != topics.end()) {
         m_client.store.ShowHelp(m_client.folder.path("\\help.chm"), topic->page);
         return;

@@ -25,7 +25,9 @@ void show(QLabel& label, const QString& text, const QColor& colour, bool bold)
 } // namespace
 
 Housekeeping::Housekeeping(QStatusBar& statusBar, const bool& updatesAvailable, QObject* parent)
-    : QObject(parent), m_updatesAvailable(updatesAvailable), lblNote(new QLabel(&statusBar)),
+    : QObject(parent),
+      m_updatesAvailable(updatesAvailable),
+      lblNote(new QLabel(&statusBar)),
       lblStatus(new QLabel(&statusBar))
 {
     lblNote->setObjectName(u"lblNote"_s);

@@ -7,9 +7,11 @@
 
 using namespace Qt::StringLiterals;
 
-PendingWindow::PendingWindow(
-    Client& client, const QString& name, const QString& title, const QString& helpSection, QWidget* parent)
-    : WorkingWindow(parent), m_client(client), m_helpSection(helpSection)
+PendingWindow::PendingWindow(Client& client, const QString& name, const QString& title, const QString& helpSection,
+                             QWidget* parent)
+    : WorkingWindow(parent),
+      m_client(client),
+      m_helpSection(helpSection)
 {
     setObjectName(name);
     auto* label = new QLabel(u"The section '%1' is not part of this version yet."_s.arg(title), this);

@@ -9,7 +9,7 @@ class PendingWindow : public WorkingWindow
 {
 public:
     PendingWindow(Client& client, const QString& name, const QString& title, const QString& helpSection,
-        QWidget* parent);
+                  QWidget* parent);
 
     void Form_Activate() override;
 

@@ -16,15 +16,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::array<std::string_view, 9> shippedFiles{
-    "\\imgs\\butup.gif",
-    "\\imgs\\butdown.gif",
-    "\\background.gif",
-    "\\hosting.gif",
-    "\\nothosting.gif",
-    "\\notactive.gif",
-    "\\scoring.gif",
-    "\\loading.gif",
-    "\\help.chm",
+    "\\imgs\\butup.gif", "\\imgs\\butdown.gif", "\\background.gif", "\\hosting.gif", "\\nothosting.gif",
+    "\\notactive.gif",   "\\scoring.gif",       "\\loading.gif",    "\\help.chm",
 };
 
 bool isWritable(const fs::path& folder)
@@ -51,8 +44,7 @@ fs::path chooseAppFolder(const fs::path& executableFolder, const fs::path& userF
 
 fs::path installationFolder(const fs::path& executableFolder)
 {
-    return holdsPictures(executableFolder) ? executableFolder
-                                           : executableFolder.parent_path() / "share" / "qrvv3rc";
+    return holdsPictures(executableFolder) ? executableFolder : executableFolder.parent_path() / "share" / "qrvv3rc";
 }
 
 void fillAppFolder(const AppFolder& folder, const fs::path& installation)

@@ -6,8 +6,8 @@ class AppFolder;
 
 /// The folder that the program keeps its state in when none is named: the executable's own when that is writable and
 /// holds the shipped pictures (a portable folder), otherwise `userFolder`.
-std::filesystem::path chooseAppFolder(
-    const std::filesystem::path& executableFolder, const std::filesystem::path& userFolder);
+std::filesystem::path chooseAppFolder(const std::filesystem::path& executableFolder,
+                                      const std::filesystem::path& userFolder);
 
 /// Where the shipped files lie that go with an executable: beside it, or in the share folder of its installation.
 std::filesystem::path installationFolder(const std::filesystem::path& executableFolder);

@@ -27,8 +27,8 @@ HandOver handOverUpdates(const AppFolder& folder)
     if (!folder.folderExists("\\Updates"))
         return HandOver::Nothing;
     if (folder.fileNames("\\Updates").size() > 1) {
-        const bool started = QProcess::startDetached(
-            asText(folder.path("\\QRVV3Updater.exe")), {}, asText(folder.root()));
+        const bool started =
+            QProcess::startDetached(asText(folder.path("\\QRVV3Updater.exe")), {}, asText(folder.root()));
         return started ? HandOver::UpdaterStarted : HandOver::UpdaterMissing;
     }
     removeIfPresent(folder.path("\\Updates\\updates.ini"));

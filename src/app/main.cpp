@@ -55,8 +55,8 @@ int run(Application& application, const CommandLine& line, const QUrl& makerHost
     const std::filesystem::path executable = pathOf(QCoreApplication::applicationDirPath());
     const std::filesystem::path userFolder =
         pathOf(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
-    const std::filesystem::path folder = line.appFolder ? pathOf(QFile::decodeName(line.appFolder->c_str()))
-                                                        : chooseAppFolder(executable, userFolder);
+    const std::filesystem::path folder =
+        line.appFolder ? pathOf(QFile::decodeName(line.appFolder->c_str())) : chooseAppFolder(executable, userFolder);
     std::error_code fault;
     std::filesystem::create_directories(folder, fault);
     QLockFile instance(textOf(folder / "instance.lock"));
@@ -80,7 +80,7 @@ int run(Application& application, const CommandLine& line, const QUrl& makerHost
     frame.show();
     if (line.connectProfile) {
         QTimer::singleShot(0, &frame,
-            [&] { frame.connectProfile(QString::fromLocal8Bit(line.connectProfile->c_str())); });
+                           [&] { frame.connectProfile(QString::fromLocal8Bit(line.connectProfile->c_str())); });
     }
     const int status = QApplication::exec();
     application.reporter = nullptr;

@@ -29,7 +29,8 @@ QLabel* page(const QString& text)
 } // namespace
 
 qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* parent)
-    : WorkingWindow(parent), m_client(client)
+    : WorkingWindow(parent),
+      m_client(client)
 {
     setObjectName(u"qrvrcAbout"_s);
     auto* emblem = new QLabel;

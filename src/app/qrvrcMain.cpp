@@ -32,9 +32,19 @@ constexpr int navigationHeight = 28;
 /// Whether the user does something with it: what a locked frame does not take.
 bool isInput(QEvent::Type type)
 {
-    constexpr std::array inputs{QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
-        QEvent::Wheel, QEvent::KeyPress, QEvent::KeyRelease, QEvent::Shortcut, QEvent::ShortcutOverride,
-        QEvent::ContextMenu, QEvent::TouchBegin, QEvent::TouchUpdate, QEvent::TouchEnd, QEvent::Close};
+    constexpr std::array inputs{QEvent::MouseButtonPress,
+                                QEvent::MouseButtonRelease,
+                                QEvent::MouseButtonDblClick,
+                                QEvent::Wheel,
+                                QEvent::KeyPress,
+                                QEvent::KeyRelease,
+                                QEvent::Shortcut,
+                                QEvent::ShortcutOverride,
+                                QEvent::ContextMenu,
+                                QEvent::TouchBegin,
+                                QEvent::TouchUpdate,
+                                QEvent::TouchEnd,
+                                QEvent::Close};
     return std::find(inputs.begin(), inputs.end(), type) != inputs.end();
 }
 
@@ -42,7 +52,8 @@ bool isInput(QEvent::Type type)
 
 qrvrcMain::qrvrcMain(const Setup& setup)
     : m_ownBoxes(setup.boxes ? nullptr : std::make_unique<Dialogs>(this)),
-      m_core(std::make_unique<ClientCore>(setup, setup.boxes ? *setup.boxes : *m_ownBoxes, *this,
+      m_core(std::make_unique<ClientCore>(
+          setup, setup.boxes ? *setup.boxes : *m_ownBoxes, *this,
           [this](const std::filesystem::path& file, const QString& topic) { showHelp(file, topic); })),
       m_version(setup.version)
 {
@@ -99,8 +110,8 @@ void qrvrcMain::registerWindows()
     WindowRegistry& windows = m_core->windows;
     windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
     windows.add(u"qrvrcProfilesList"_s, [this] {
-        auto* list = new qrvrcProfilesList(
-            m_core->client, m_core->permissions, m_core->plugins, m_core->selected, m_pages);
+        auto* list =
+            new qrvrcProfilesList(m_core->client, m_core->permissions, m_core->plugins, m_core->selected, m_pages);
         connect(list, &qrvrcProfilesList::quitRequested, this, &qrvrcMain::close);
         connect(list, &qrvrcProfilesList::actionChosen, this, [this](const QString&) {
             m_core->reporter.ReportMsg(MessageKind::Error, u"This action is not part of this version yet."_s);
@@ -112,7 +123,7 @@ void qrvrcMain::registerWindows()
         const QString name = QString::fromUtf16(window.window);
         windows.add(name, [this, name, window] {
             return new PendingWindow(m_core->client, name, QString::fromUtf16(window.title),
-                QString::fromUtf16(window.helpSection), m_pages);
+                                     QString::fromUtf16(window.helpSection), m_pages);
         });
     }
 }
@@ -184,7 +195,8 @@ bool qrvrcMain::updaterTakesOver()
     case HandOver::UpdaterStarted:
         return true;
     case HandOver::UpdaterMissing:
-        m_core->reporter.ReportMsg(MessageKind::Failed,
+        m_core->reporter.ReportMsg(
+            MessageKind::Failed,
             u"Updates are waiting to be installed, but the program 'QRVV3Updater.exe' could not be started."_s);
         return false;
     }

@@ -40,7 +40,9 @@ std::string_view errorSentence(ErrorNumber number)
 }
 
 RuntimeError::RuntimeError(ErrorNumber number, std::string_view detail, std::source_location where)
-    : m_number(number), m_line(static_cast<std::int32_t>(where.line())), m_description(errorSentence(number))
+    : m_number(number),
+      m_line(static_cast<std::int32_t>(where.line())),
+      m_description(errorSentence(number))
 {
     if (!detail.empty())
         m_description.append(": ").append(detail);

@@ -37,7 +37,7 @@ public:
     /// @param detail  what the fault was about, for example a file name; appended to the number's sentence
     /// @param where   the place that is reported as the error's line; helpers pass their caller's
     explicit RuntimeError(ErrorNumber number, std::string_view detail = {},
-        std::source_location where = std::source_location::current());
+                          std::source_location where = std::source_location::current());
 
     ErrorNumber number() const noexcept { return m_number; }
     /// The sentence and, after ": ", the detail; in the code page of the texts that it was made from.

@@ -84,7 +84,7 @@ std::string lowerAscii(std::string_view text)
 bool equalsIgnoringCase(std::string_view left, std::string_view right)
 {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-        [](char a, char b) { return lower(a) == lower(b); });
+                      [](char a, char b) { return lower(a) == lower(b); });
 }
 
 bool isNumeric(std::string_view text)

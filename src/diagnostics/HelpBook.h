@@ -1,5 +1,7 @@
 #pragma once
 
+#include "diagnostics/HelpContents.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -15,16 +17,6 @@ class HelpBook
 public:
     static constexpr std::size_t maxFileBytes = std::size_t{64} * 1024 * 1024;
     static constexpr std::size_t maxPageBytes = std::size_t{16} * 1024 * 1024;
-
-    /// One line of the table of contents.
-    struct ContentsEntry
-    {
-        std::string title; ///< plain text, in the book's own encoding
-        std::string page;  ///< a name for page(), perhaps with "#" and a place in it; empty for a mere heading
-        int depth = 0;     ///< 0 for the outermost entries
-
-        bool operator==(const ContentsEntry&) const = default;
-    };
 
     /// Reads the book's directory. The file itself is not kept open, so that it can be replaced meanwhile.
     /// @throws RuntimeError FileNotFound, PathNotFound, PermissionDenied; InvalidFileFormat for what is no help file,
@@ -45,7 +37,7 @@ public:
     std::vector<std::string> names() const;
 
     /// The table of contents from top to bottom; empty when the book has none that can be read.
-    const std::vector<ContentsEntry>& contents() const { return m_contents; }
+    const std::vector<HelpContentsEntry>& contents() const { return m_contents; }
 
     /// The page to begin with: the first of the contents, or of the book when it has no contents; empty for an empty
     /// book.
@@ -72,12 +64,11 @@ private:
     static std::optional<Stamp> stampOf(const std::filesystem::path& file);
     static Directory readDirectory(std::string_view bytes);
     static void checkCompression(const Directory& directory, std::string_view data);
-    static std::vector<ContentsEntry> parseContents(std::string_view text);
     const Directory::value_type* find(std::string_view name) const;
 
     std::filesystem::path m_path;
     std::optional<Stamp> m_stamp;
     Directory m_directory; ///< by full name, which begins with "/" for what the author put in
     std::map<std::string, std::string, std::less<>> m_anyCase; ///< from lower case to a full name
-    std::vector<ContentsEntry> m_contents;
+    std::vector<HelpContentsEntry> m_contents;
 };

@@ -42,9 +42,11 @@ std::string threePartVersion(const std::string& version)
 } // namespace
 
 Reporter::Reporter(const clsMFD& store, MessageBoxes& boxes, const CodePage& codePage, std::string version)
-    : m_store(store), m_boxes(boxes), m_codePage(codePage), m_version(std::move(version))
-{
-}
+    : m_store(store),
+      m_boxes(boxes),
+      m_codePage(codePage),
+      m_version(std::move(version))
+{}
 
 void Reporter::ReportMsg(MessageKind kind, const QString& text, const RuntimeError* error, qint32 line)
 {
@@ -80,8 +82,8 @@ QString Reporter::errorText(const QString& procedure, const RuntimeError* error,
 {
     if (!error)
         return {};
-    return u"Error Line: %1\r\nError %2: "_s.arg(line).arg(static_cast<qint32>(error->number()))
-        + m_codePage.toText(error->description()) + u"\r\nFunction/Sub: "_s + procedure;
+    return u"Error Line: %1\r\nError %2: "_s.arg(line).arg(static_cast<qint32>(error->number())) +
+           m_codePage.toText(error->description()) + u"\r\nFunction/Sub: "_s + procedure;
 }
 
 void Reporter::showTrapped(const QString& procedure, const QString& text, const RuntimeError* error, qint32 line)
@@ -93,6 +95,7 @@ void Reporter::showTrapped(const QString& procedure, const QString& text, const 
         .procedure = m_codePage.toBytes(procedure),
         .line = line,
     };
-    m_boxes.showTrapped(titleOf(MessageKind::Trapped), text,
-        [this, record](std::function<void(bool)> done) { m_store.SendErrorReport(record, std::move(done)); });
+    m_boxes.showTrapped(titleOf(MessageKind::Trapped), text, [this, record](std::function<void(bool)> done) {
+        m_store.SendErrorReport(record, std::move(done));
+    });
 }

@@ -264,7 +264,7 @@ void qrvrcHelpViewer::fillContents()
     if (!m_book)
         return;
     QList<QTreeWidgetItem*> above; // the item that the next one of each depth belongs under
-    for (const HelpBook::ContentsEntry& entry : m_book->contents()) {
+    for (const HelpContentsEntry& entry : m_book->contents()) {
         above.resize(std::min<qsizetype>(above.size(), entry.depth));
         QTreeWidgetItem* under = above.isEmpty() ? tvContents->invisibleRootItem() : above.last();
         auto* item = new QTreeWidgetItem(under, {fromBook(entry.title)});

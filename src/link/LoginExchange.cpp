@@ -8,8 +8,11 @@
 using namespace Qt::StringLiterals;
 
 LoginExchange::LoginExchange(clsWinSock& link, Session& session, Reporter& reporter,
-    std::function<Credentials()> credentials, std::string version)
-    : m_link(link), m_session(session), m_reporter(reporter), m_credentials(std::move(credentials)),
+                             std::function<Credentials()> credentials, std::string version)
+    : m_link(link),
+      m_session(session),
+      m_reporter(reporter),
+      m_credentials(std::move(credentials)),
       m_version(std::move(version))
 {
     // Behind the socket's own signal: the exchange waits, and must not do so on the socket's stack.
@@ -31,13 +34,14 @@ void LoginExchange::run()
         return; // already said
     if (end == WaitEnd::LinkDropped) {
         if (!m_session.quitting && m_link.state() == SocketState::PeerClosing)
-            m_reporter.ReportMsg(MessageKind::Failed, u"The host closed the connection before it answered the login."_s);
+            m_reporter.ReportMsg(MessageKind::Failed,
+                                 u"The host closed the connection before it answered the login."_s);
         return;
     }
     if (!m_succeeded) {
         m_link.close();
         m_reporter.ReportMsg(MessageKind::Failed,
-            u"The host did not answer the login as a tracker does. Please check host and port."_s);
+                             u"The host did not answer the login as a tracker does. Please check host and port."_s);
         return;
     }
     if (ask(m_link, getStatusRequest(m_credentials().user)) == WaitEnd::Replied && m_link.isConnected())

@@ -24,7 +24,7 @@ public:
     /// @param credentials  asked for when the link is up, in the host's code page
     /// @param version      four-part file version of the client's executable
     LoginExchange(clsWinSock& link, Session& session, Reporter& reporter, std::function<Credentials()> credentials,
-        std::string version);
+                  std::string version);
 
 Q_SIGNALS:
     /// The account is logged in and the tracker's status has been handled.

@@ -13,9 +13,10 @@
 #include <filesystem>
 
 RawRequestQueue::RawRequestQueue(clsWinSock& link, const AppFolder& folder, const clsMFD& store)
-    : m_link(link), m_folder(folder), m_store(store)
-{
-}
+    : m_link(link),
+      m_folder(folder),
+      m_store(store)
+{}
 
 void RawRequestQueue::serve()
 {

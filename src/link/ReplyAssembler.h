@@ -37,8 +37,8 @@ private:
     bool m_complete = false;
 };
 
-/// The bodies of the messages in a complete reply, in order: for each piece that ends at an "[ND]", the text between its
-/// first "[ST]" and the next "[ST]" or the piece's end. Pieces without "[ST]" are skipped. Views into `reply`.
+/// The bodies of the messages in a complete reply, in order: for each piece that ends at an "[ND]", the text between
+/// its first "[ST]" and the next "[ST]" or the piece's end. Pieces without "[ST]" are skipped. Views into `reply`.
 std::vector<std::string_view> messagesOf(std::string_view reply);
 
 enum class ReplyKind { LoginFailed, LoginSucceeded, Messages };

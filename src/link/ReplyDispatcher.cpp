@@ -7,9 +7,9 @@
 #include <utility>
 
 ReplyDispatcher::ReplyDispatcher(Reporter& reporter, LockableInterface& interface)
-    : m_reporter(reporter), m_interface(interface)
-{
-}
+    : m_reporter(reporter),
+      m_interface(interface)
+{}
 
 void ReplyDispatcher::on(const std::string& request, QObject* owner, Handler handler)
 {

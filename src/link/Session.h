@@ -8,7 +8,8 @@ struct Session
 {
     /// Written by the reply road: true with a login success, false with a login failure. It outlives the connection.
     bool loggedIn = false;
-    /// Written by the navigation with every privilege string; cleared when the tracker closes the link and on disconnect.
+    /// Written by the navigation with every privilege string; cleared when the tracker closes the link and on
+    /// disconnect.
     bool superAdmin = false;
     /// Name with which the login succeeded, in the host's code page. Written at login, cleared on disconnect.
     std::string user;

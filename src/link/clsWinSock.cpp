@@ -14,7 +14,10 @@ constexpr qint32 progressBytes = 512;
 } // namespace
 
 clsWinSock::clsWinSock(Winsock& wsMain, Winsock& wSupport, Session& session, ReplyDispatcher& replies)
-    : m_main(wsMain), m_support(wSupport), m_session(session), m_replies(replies)
+    : m_main(wsMain),
+      m_support(wSupport),
+      m_session(session),
+      m_replies(replies)
 {
     connect(&m_main, &Winsock::connected, this, &clsWinSock::connected);
     connect(&m_main, &Winsock::dataArrival, this, &clsWinSock::receive);

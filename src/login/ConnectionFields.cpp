@@ -37,8 +37,8 @@ std::optional<ConnectionFields> storedConnection(std::string_view profile, const
 bool isDottedAddress(std::string_view host)
 {
     const std::vector<std::string_view> parts = split(host, '.');
-    return parts.size() == 4
-        && std::all_of(parts.begin(), parts.end(), [](std::string_view part) { return part.size() <= 3 && isNumeric(part); });
+    return parts.size() == 4 && std::all_of(parts.begin(), parts.end(),
+                                            [](std::string_view part) { return part.size() <= 3 && isNumeric(part); });
 }
 
 std::string hostToConnect(std::string_view host)

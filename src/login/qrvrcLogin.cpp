@@ -45,7 +45,9 @@ constexpr int statusFrameHeight = 58;
 } // namespace
 
 qrvrcLogin::qrvrcLogin(Client& client, QWidget* parent)
-    : WorkingWindow(parent), m_client(client), m_rawRequests(client.link, client.folder, client.store)
+    : WorkingWindow(parent),
+      m_client(client),
+      m_rawRequests(client.link, client.folder, client.store)
 {
     setObjectName(u"qrvrcLogin"_s);
     buildControls();
@@ -138,11 +140,11 @@ void qrvrcLogin::wireSignals()
 {
     connect(cboProfile, &QComboBox::currentTextChanged, this, &qrvrcLogin::profileTextChanged);
     connect(cboProfile, &QComboBox::activated, this, // also when the same item is chosen again
-        m_client.reporter.trapped("cboProfile_Click", [this] { profileClicked(); }));
+            m_client.reporter.trapped("cboProfile_Click", [this] { profileClicked(); }));
     connect(cmdConnect, &ImageButton::activated, this, &qrvrcLogin::connectToHost);
     connect(cmdDisconnect, &ImageButton::activated, this, &qrvrcLogin::disconnectFromHost);
     connect(cmdDelete, &ImageButton::activated, this,
-        m_client.reporter.trapped("cmdDelete_Click", [this] { deleteProfile(); }));
+            m_client.reporter.trapped("cmdDelete_Click", [this] { deleteProfile(); }));
     connect(Timer1, &QTimer::timeout, this, m_client.reporter.trapped("Login_Timer", [this] { poll(); }));
     connect(&m_client.link, &clsWinSock::linkLost, this, &qrvrcLogin::showNotConnected);
 }
@@ -171,8 +173,8 @@ void qrvrcLogin::profileClicked()
         return;
     }
     const std::string section = m_client.codePage.toBytes(name);
-    const auto stored = storedConnection(
-        section, m_client.store.GetIniSection(section, m_client.folder.path(storeFile)));
+    const auto stored =
+        storedConnection(section, m_client.store.GetIniSection(section, m_client.folder.path(storeFile)));
     if (!stored)
         return;
     txtProfile->setText(name);
@@ -236,13 +238,13 @@ void qrvrcLogin::connectToHost()
     m_client.reporter.trap("cmdConnect_Click", [this] {
         const ConnectionFields typed = fields();
         if (const auto fault = firstFault(typed)) {
-            m_client.reporter.ReportMsg(
-                MessageKind::Failed, QString::fromLatin1(fault->data(), static_cast<qsizetype>(fault->size())));
+            m_client.reporter.ReportMsg(MessageKind::Failed,
+                                        QString::fromLatin1(fault->data(), static_cast<qsizetype>(fault->size())));
             return;
         }
         if (const QString foreign = foreignCharacter(); !foreign.isEmpty()) {
-            m_client.reporter.ReportMsg(
-                MessageKind::Failed, u"The character '%1' cannot be sent to the host!"_s.arg(foreign));
+            m_client.reporter.ReportMsg(MessageKind::Failed,
+                                        u"The character '%1' cannot be sent to the host!"_s.arg(foreign));
             return;
         }
         saveProfile(typed);
@@ -334,7 +336,8 @@ void qrvrcLogin::deleteProfile()
 void qrvrcLogin::poll()
 {
     const SocketState state = m_client.link.state();
-    m_client.link.StatusText = statusText(state == SocketState::Closed && m_isResolving ? SocketState::ResolvingHost : state);
+    m_client.link.StatusText =
+        statusText(state == SocketState::Closed && m_isResolving ? SocketState::ResolvingHost : state);
     if (state == SocketState::PeerClosing)
         m_client.link.close();
     if (state == SocketState::Closed && !m_isResolving) {

@@ -20,16 +20,16 @@ bool isSection(std::string_view item)
 /// A section counts when it is one of ours, or when the tracker marks it by a "...=0" behind it.
 bool isRecognised(std::string_view section, std::string_view followingItem)
 {
-    return std::find(knownSections.begin(), knownSections.end(), section) != knownSections.end()
-        || clsMFD::ParseIniKey(followingItem, true)[1] == "0";
+    return std::find(knownSections.begin(), knownSections.end(), section) != knownSections.end() ||
+           clsMFD::ParseIniKey(followingItem, true)[1] == "0";
 }
 
 } // namespace
 
 std::optional<std::string_view> PermissionRecord::value(std::string_view privilege) const
 {
-    const auto found = std::find_if(
-        privileges.begin(), privileges.end(), [privilege](const auto& entry) { return entry.first == privilege; });
+    const auto found = std::find_if(privileges.begin(), privileges.end(),
+                                    [privilege](const auto& entry) { return entry.first == privilege; });
     if (found == privileges.end())
         return {};
     return found->second;

@@ -28,12 +28,9 @@ struct MainTab
 };
 
 constexpr std::array mainTabs{
-    MainTab{u"Login", u"qrvrcLogin", false},
-    MainTab{u"Profile List", u"qrvrcProfilesList", true},
-    MainTab{u"Options", u"qrvrcOptions", false},
-    MainTab{u"Plugins", u"qrvrcPlugins", false},
-    MainTab{u"Update", u"qrvrcUpdate", false},
-    MainTab{u"Help", u"qrvrcHelp", false},
+    MainTab{u"Login", u"qrvrcLogin", false},     MainTab{u"Profile List", u"qrvrcProfilesList", true},
+    MainTab{u"Options", u"qrvrcOptions", false}, MainTab{u"Plugins", u"qrvrcPlugins", false},
+    MainTab{u"Update", u"qrvrcUpdate", false},   MainTab{u"Help", u"qrvrcHelp", false},
     MainTab{u"About", u"qrvrcAbout", false},
 };
 
@@ -71,8 +68,12 @@ private:
 };
 
 qrvrcMenu::qrvrcMenu(Client& client, Permissions& permissions, SelectedProfile& selected, const PluginTable& plugins,
-    QWidget* parent)
-    : QWidget(parent), m_client(client), m_permissions(permissions), m_selected(selected), m_plugins(plugins),
+                     QWidget* parent)
+    : QWidget(parent),
+      m_client(client),
+      m_permissions(permissions),
+      m_selected(selected),
+      m_plugins(plugins),
       tsSection(new StripTabBar(u"tsSection"_s, client.pictures, std::string(background), this)),
       tsMain(new StripTabBar(u"tsMain"_s, client.pictures, std::string(background), this)),
       tsSM(new StripTabBar(u"tsSM"_s, client.pictures, std::string(background), this))
@@ -205,7 +206,7 @@ void qrvrcMenu::openServerManager()
     if (!m_selected.hasProfiles()) {
         selectQuietly(tsSection, ProfileManager);
         m_client.reporter.ReportMsg(MessageKind::Error,
-            u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
+                                    u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
         return;
     }
     const QSignalBlocker quiet(tsSM);
@@ -238,7 +239,8 @@ void qrvrcMenu::serverManagerClicked()
     }
     if (m_selected.status < 2 || m_selected.status > 4) {
         selectQuietly(tsSM, 0);
-        m_client.reporter.ReportMsg(MessageKind::ActionRequired,
+        m_client.reporter.ReportMsg(
+            MessageKind::ActionRequired,
             u"You must select an active profile before you can use this section of the Server Manager!"_s);
     }
 }

@@ -20,7 +20,7 @@ class qrvrcMenu : public QWidget
 public:
     /// All outlive the window. `permissions` is written here alone.
     qrvrcMenu(Client& client, Permissions& permissions, SelectedProfile& selected, const PluginTable& plugins,
-        QWidget* parent);
+              QWidget* parent);
 
     /// Fills the strips for the logged-in or the logged-out client; logged in, it also turns `privileges` (Base64) into
     /// the account's permission records.

@@ -18,7 +18,7 @@ Inet::Inet(QObject* parent) : QObject(parent) {}
 Inet::~Inet() = default;
 
 void Inet::post(const QUrl& url, const QByteArray& body, std::chrono::milliseconds limit,
-    std::function<void(const Answer&)> done)
+                std::function<void(const Answer&)> done)
 {
     if (!m_network)
         m_network = std::make_unique<QNetworkAccessManager>();

@@ -30,7 +30,7 @@ public:
     /// @param limit  time for the whole transfer; it is cut off then
     /// @param done   called once from the event loop, not when this object is gone first
     void post(const QUrl& url, const QByteArray& body, std::chrono::milliseconds limit,
-        std::function<void(const Answer&)> done);
+              std::function<void(const Answer&)> done);
 
 private:
     std::unique_ptr<QNetworkAccessManager> m_network;

@@ -26,7 +26,8 @@ constexpr std::array socketFaults{
     SocketFault{QAbstractSocket::NetworkError, 10053, u"The connection was cut by the network."},
     SocketFault{QAbstractSocket::SocketAccessError, 10013, u"This machine does not permit the connection."},
     SocketFault{QAbstractSocket::SocketResourceError, 10055, u"This machine has no sockets left."},
-    SocketFault{QAbstractSocket::UnsupportedSocketOperationError, 10047, u"This kind of address is not supported here."},
+    SocketFault{QAbstractSocket::UnsupportedSocketOperationError, 10047,
+                u"This kind of address is not supported here."},
 };
 
 } // namespace
@@ -102,7 +103,7 @@ void Winsock::fail(QAbstractSocket::SocketError error)
     if (m_state == SocketState::Connected)
         drain();
     if (m_state == SocketState::Closed)
-        return; // what arrived last made the program close the link
+        return;                                            // what arrived last made the program close the link
     if (error == QAbstractSocket::RemoteHostClosedError) { // also when the peer reset the connection
         setState(SocketState::PeerClosing);
         Q_EMIT closedByPeer();

@@ -40,7 +40,7 @@ void PluginHost::showStatus(std::string_view body)
     }
     LoadPlugins();
     if (!m_table.disabled.empty()) {
-        m_client.store.UpdateWarning(
-            m_table.updateNeeded + "\r\n\r\nThe following files have been disabled: \r\n" + m_table.disabled);
+        m_client.store.UpdateWarning(m_table.updateNeeded + "\r\n\r\nThe following files have been disabled: \r\n" +
+                                     m_table.disabled);
     }
 }

@@ -31,6 +31,6 @@ struct PluginTable
     bool isEnabled(std::string_view name) const
     {
         return std::any_of(plugins.begin(), plugins.end(),
-            [name](const Plugin& plugin) { return plugin.enabled && plugin.name == name; });
+                           [name](const Plugin& plugin) { return plugin.enabled && plugin.name == name; });
     }
 };

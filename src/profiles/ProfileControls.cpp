@@ -27,9 +27,9 @@ void setShown(ImageButton* button, bool shown, bool enabled)
 } // namespace
 
 ProfileControls::ProfileControls(const Controls& controls, const Permissions& permissions)
-    : m_controls(controls), m_permissions(permissions)
-{
-}
+    : m_controls(controls),
+      m_permissions(permissions)
+{}
 
 void ProfileControls::reset()
 {
@@ -52,12 +52,9 @@ void ProfileControls::applyPrivileges()
     };
     const Controls& c = m_controls;
     const std::array rules{
-        Rule{editProfiles, c.cmdModify, c.mnuModify},
-        Rule{attachProfiles, c.cmdAttach, c.mnuAttach},
-        Rule{detachProfiles, c.cmdDetach, c.mnuDetach},
-        Rule{startGame, c.cmdStart, c.mnuStart},
-        Rule{stopGame, c.cmdStop, c.mnuStop},
-        Rule{changeMode, nullptr, c.mnuMode},
+        Rule{editProfiles, c.cmdModify, c.mnuModify},   Rule{attachProfiles, c.cmdAttach, c.mnuAttach},
+        Rule{detachProfiles, c.cmdDetach, c.mnuDetach}, Rule{startGame, c.cmdStart, c.mnuStart},
+        Rule{stopGame, c.cmdStop, c.mnuStop},           Rule{changeMode, nullptr, c.mnuMode},
     };
     if (m_permissions.isSuper) {
         c.cmdModify->setEnabled(true);
@@ -85,8 +82,9 @@ std::optional<bool> ProfileControls::isGranted(std::string_view privilege) const
     return {};
 }
 
-void ProfileControls::applyRow(const RowState& row)
+void ProfileControls::apply(const RowState& row)
 {
+    applyPrivileges();
     if (!row.isSelected) {
         const Controls& c = m_controls;
         for (ImageButton* button : {c.cmdAttach, c.cmdDetach, c.cmdStart, c.cmdStop, c.cmdModify})

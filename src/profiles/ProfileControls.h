@@ -11,9 +11,9 @@ struct Permissions;
 /// What the selected row says, as far as the controls depend on it.
 struct RowState
 {
-    bool isSelected = false;   ///< there is a row at all
-    bool isHosting = false;    ///< its map is not empty
-    bool isStartable = false;  ///< its game version is one that the game-start plugin can start
+    bool isSelected = false;     ///< there is a row at all
+    bool isHosting = false;      ///< its map is not empty
+    bool isStartable = false;    ///< its game version is one that the game-start plugin can start
     bool hasStartPlugin = false; ///< the game-start plugin is loaded and enabled
 };
 
@@ -41,12 +41,11 @@ public:
 
     /// The state in which every login finds the window.
     void reset();
-    /// What the account may do at all.
-    void applyPrivileges();
-    /// What of it the selected row leaves.
-    void applyRow(const RowState& row);
+    /// What the account may do at all, and of that what the selected row leaves.
+    void apply(const RowState& row);
 
 private:
+    void applyPrivileges();
     void applyStartStop(const RowState& row);
     void applyAttachDetach(ImageButton* button, QAction* entry, std::string_view privilege, bool shown);
     /// true for "1" and super accounts, false for "0", nothing for anything else.

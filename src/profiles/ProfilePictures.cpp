@@ -32,24 +32,26 @@ constexpr std::array<StatusPicture, 6> statusPictures{{
 
 const StatusPicture* pictureOf(std::int32_t status)
 {
-    return status >= 0 && status < std::ssize(statusPictures) ? &statusPictures[static_cast<std::size_t>(status)] : nullptr;
+    return status >= 0 && status < std::ssize(statusPictures) ? &statusPictures[static_cast<std::size_t>(status)]
+                                                              : nullptr;
 }
 
 /// Whether the system would call a file of that name an image.
 bool isImageName(std::string_view name)
 {
-    constexpr std::array<std::string_view, 9> endings{
-        ".gif", ".png", ".jpg", ".jpeg", ".bmp", ".ico", ".tif", ".tiff", ".webp"};
+    constexpr std::array<std::string_view, 9> endings{".gif", ".png", ".jpg",  ".jpeg", ".bmp",
+                                                      ".ico", ".tif", ".tiff", ".webp"};
     const std::string lower = lowerAscii(name);
-    return std::any_of(endings.begin(), endings.end(), [&](std::string_view ending) { return lower.ends_with(ending); });
+    return std::any_of(endings.begin(), endings.end(),
+                       [&](std::string_view ending) { return lower.ends_with(ending); });
 }
 
 } // namespace
 
 ProfilePictures::ProfilePictures(const AppFolder& folder, PictureStore& pictures)
-    : m_folder(folder), m_pictures(pictures)
-{
-}
+    : m_folder(folder),
+      m_pictures(pictures)
+{}
 
 std::vector<std::string> ProfilePictures::heldPictures() const
 {

@@ -30,11 +30,8 @@ struct LegendEntry
 };
 
 constexpr std::array legend{
-    LegendEntry{u"ImgNA", u"lblNA", 5},
-    LegendEntry{u"ImgNH", u"lblNH", 0},
-    LegendEntry{u"ImgLM", u"lblLM", 1},
-    LegendEntry{u"ImgHM", u"lblHM", 2},
-    LegendEntry{u"imgSM", u"lblSM", 4},
+    LegendEntry{u"ImgNA", u"lblNA", 5}, LegendEntry{u"ImgNH", u"lblNH", 0}, LegendEntry{u"ImgLM", u"lblLM", 1},
+    LegendEntry{u"ImgHM", u"lblHM", 2}, LegendEntry{u"imgSM", u"lblSM", 4},
 };
 
 struct MenuEntry
@@ -165,7 +162,9 @@ void qrvrcProfilesList::placeControls()
 
     // Attach and Detach share a place, as Start and Stop do: of each pair one is shown.
     constexpr int buttonWidth = 130;
-    const auto at = [&](int place) { return QRect(margin + place * (buttonWidth + 8), buttonTop, buttonWidth, buttonHeight); };
+    const auto at = [&](int place) {
+        return QRect(margin + place * (buttonWidth + 8), buttonTop, buttonWidth, buttonHeight);
+    };
     cmdAttach->place(at(0));
     cmdDetach->place(at(0));
     cmdModify->place(at(1));

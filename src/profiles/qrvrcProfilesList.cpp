@@ -36,8 +36,11 @@ constexpr std::string_view startableVersion = "Delta Force,  V1.5.0.5";
 } // namespace
 
 qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
-    SelectedProfile& selected, QWidget* parent)
-    : WorkingWindow(parent), m_client(client), m_plugins(plugins), m_selected(selected),
+                                     SelectedProfile& selected, QWidget* parent)
+    : WorkingWindow(parent),
+      m_client(client),
+      m_plugins(plugins),
+      m_selected(selected),
       m_pictures(std::make_unique<ProfilePictures>(client.folder, client.pictures))
 {
     setObjectName(u"qrvrcProfilesList"_s);
@@ -47,8 +50,8 @@ qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissi
     const auto entry = [this](const QString& name) { return mnuMain->findChild<QAction*>(name); };
     m_controls = std::make_unique<ProfileControls>(
         ProfileControls::Controls{cmdAttach, cmdDetach, cmdStart, cmdStop, cmdModify, entry(u"mnuAttach"_s),
-            entry(u"mnuDetach"_s), entry(u"mnuStart"_s), entry(u"mnuStop"_s), mnuMode->menuAction(),
-            entry(u"mnuModify"_s)},
+                                  entry(u"mnuDetach"_s), entry(u"mnuStart"_s), entry(u"mnuStop"_s),
+                                  mnuMode->menuAction(), entry(u"mnuModify"_s)},
         permissions);
     m_controls->reset();
     wireSignals();
@@ -69,7 +72,7 @@ void qrvrcProfilesList::wireSignals()
     for (ImageButton* button : {cmdAttach, cmdDetach, cmdStart, cmdStop, cmdModify})
         connect(button, &ImageButton::clicked, this, [this, button] { Q_EMIT actionChosen(button->objectName()); });
     connect(mnuMain, &QMenu::triggered, this,
-        [this](const QAction* action) { Q_EMIT actionChosen(action->objectName()); });
+            [this](const QAction* action) { Q_EMIT actionChosen(action->objectName()); });
     m_client.replies.on("GetProfiles", this, [this](std::string_view body) { showProfiles(body); });
 }
 
@@ -97,16 +100,15 @@ void qrvrcProfilesList::FormReload()
         showNoProfiles(u"Not connected."_s);
     if (!self)
         return; // closed while its events ran
-    m_controls->applyPrivileges();
     updateSelection();
 }
 
 void qrvrcProfilesList::refreshQuietly()
 {
     // The list does not move under a menu, a box or a button that is held down.
-    if (!isVisible() || !isLoggedIn() || m_isAsking || m_client.link.isAwaitingReply()
-        || QApplication::activePopupWidget() || QApplication::activeModalWidget()
-        || QApplication::mouseButtons() != Qt::NoButton)
+    if (!isVisible() || !isLoggedIn() || m_isAsking || m_client.link.isAwaitingReply() ||
+        QApplication::activePopupWidget() || QApplication::activeModalWidget() ||
+        QApplication::mouseButtons() != Qt::NoButton)
         return;
     m_keptId = m_selected.id;
     askForProfiles();
@@ -117,8 +119,7 @@ void qrvrcProfilesList::askForProfiles()
     const QPointer<QWidget> self(this);
     const QScopedValueRollback asking(m_isAsking, true);
     fgProfiles->setEmptyText(u"Asking the tracker for its profiles..."_s);
-    const WaitEnd end =
-        ask(m_client.link, getProfilesRequest(m_client.session.user, m_pictures->heldPictures()));
+    const WaitEnd end = ask(m_client.link, getProfilesRequest(m_client.session.user, m_pictures->heldPictures()));
     if (self && end != WaitEnd::Replied)
         showNoProfiles(u"The tracker did not answer."_s);
 }
@@ -156,7 +157,7 @@ void qrvrcProfilesList::showRecords(std::vector<ProfileRecord> records)
     fgProfiles->setEmptyText(u"The tracker has no profiles."_s);
     const auto shown = std::make_shared<const std::vector<ProfileRecord>>(std::move(records));
     fgProfiles->rows().setRows(static_cast<int>(shown->size()),
-        [this, shown](int row) { return rowFor(shown->at(static_cast<std::size_t>(row))); });
+                               [this, shown](int row) { return rowFor(shown->at(static_cast<std::size_t>(row))); });
     if (kept >= 0)
         fgProfiles->verticalScrollBar()->setValue(scrolled);
     selectRow(std::max(kept, 0));
@@ -165,11 +166,17 @@ void qrvrcProfilesList::showRecords(std::vector<ProfileRecord> records)
 GridRow qrvrcProfilesList::rowFor(const ProfileRecord& record)
 {
     const CodePage& codePage = m_client.codePage;
-    GridRow row{.cells = {codePage.toText(record.id), codePage.toText(record.name), {},
-                    codePage.toText(record.players), codePage.toText(record.map), codePage.toText(record.gameType),
-                    codePage.toText(record.timer), codePage.toText(record.statusText), {}},
-        .pictures = {},
-        .data = record.status};
+    GridRow row{.cells = {codePage.toText(record.id),
+                          codePage.toText(record.name),
+                          {},
+                          codePage.toText(record.players),
+                          codePage.toText(record.map),
+                          codePage.toText(record.gameType),
+                          codePage.toText(record.timer),
+                          codePage.toText(record.statusText),
+                          {}},
+                .pictures = {},
+                .data = record.status};
     const qreal ratio = devicePixelRatioF();
     if (QPixmap mod = m_pictures->modPicture(record.modPicture, ratio); !mod.isNull())
         row.pictures.push_back({Mod, std::move(mod), codePage.toText(record.modPicture)});
@@ -214,7 +221,7 @@ void qrvrcProfilesList::updateSelection()
         state.isHosting = !fgProfiles->rows().text(row, Map).isEmpty();
         state.isStartable = m_selected.gameVersions.at(static_cast<std::size_t>(m_selected.row)) == startableVersion;
     }
-    m_controls->applyRow(state);
+    m_controls->apply(state);
 }
 
 void qrvrcProfilesList::popUpMenu(const QPoint& position)

@@ -31,7 +31,7 @@ class qrvrcProfilesList : public WorkingWindow
 public:
     /// All outlive the window. `selected` is written here alone.
     qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
-        SelectedProfile& selected, QWidget* parent);
+                      SelectedProfile& selected, QWidget* parent);
     ~qrvrcProfilesList() override;
 
     /// Asks the tracker for its profiles and shows them; returns when they are shown or the wait for them has ended.

@@ -2,7 +2,7 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QLabel>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -15,7 +15,7 @@ namespace {
 // Texts from the host must not push the buttons off the screen.
 constexpr qsizetype maxBoxCharacters = 3000;
 constexpr qsizetype maxBoxLines = 40;
-constexpr int minTextWidth = 260;            // pixels
+constexpr int minTextWidth = 260;           // pixels
 constexpr qsizetype maxWordCharacters = 70; // a box wraps its text between words only
 
 /// `text` with places to break in words that would be wider than the box.
@@ -63,8 +63,8 @@ public:
         setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         setText(boxText(text));
         // Wide enough for the title to be read, and plain buttons whatever the desktop's theme draws on them.
-        if (auto* label = findChild<QLabel*>(u"qt_msgbox_label"_s))
-            label->setMinimumWidth(minTextWidth);
+        auto* const grid = static_cast<QGridLayout*>(layout());
+        grid->addItem(new QSpacerItem(minTextWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
         for (QAbstractButton* button : this->buttons())
             button->setIcon({});
         setEnabled(true);

@@ -11,9 +11,9 @@
 namespace {
 
 constexpr qreal gridFontPoints = 8.25; // what the column widths are made for
-constexpr int rowPadding = 4;     // pixels added to a line of text
-constexpr int minRowHeight = 20;  // pixels; the status pictures are 16 high
-constexpr int minColumnWidth = 4; // pixels; the style's own minimum is wider than a picture column
+constexpr int rowPadding = 4;          // pixels added to a line of text
+constexpr int minRowHeight = 20;       // pixels; the status pictures are 16 high
+constexpr int minColumnWidth = 4;      // pixels; the style's own minimum is wider than a picture column
 constexpr int emptyTextInset = 12;
 constexpr int headerMargin = 6; // pixels that a header keeps free of text, both sides together
 constexpr int headerFontSteps = 3;

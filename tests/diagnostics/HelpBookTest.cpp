@@ -124,7 +124,7 @@ private Q_SLOTS:
     {
         const HelpBook book(pathOf(shippedBook));
         std::multiset<std::string> listed;
-        for (const HelpBook::ContentsEntry& entry : book.contents()) {
+        for (const HelpContentsEntry& entry : book.contents()) {
             QVERIFY(!entry.title.empty());
             listed.insert(entry.page);
         }

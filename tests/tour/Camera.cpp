@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
+#include <QtMath>
 
 #include <algorithm>
 
@@ -13,8 +14,8 @@ namespace tour {
 
 namespace {
 
-constexpr int looksAlike = 3;     // looks in a row that must see the same
-constexpr int toleratedStep = 64; // of 255, between what a window paints and what the screen shows
+constexpr std::chrono::milliseconds rest{250}; // a view must not change for so long: longer than any poll of the client
+constexpr int toleratedStep = 64;              // of 255, between what a window paints and what the screen shows
 constexpr int toleratedShare = 50; // one pixel in so many may be off: text smoothing, a blinking text cursor
 
 /// How far above the others a window stands.
@@ -79,26 +80,72 @@ QImage composed(const QList<QWidget*>& windows, const QRect& area, qreal ratio)
     return canvas;
 }
 
-/// Whether `view` shows the window as it paints itself, that is, neither blank nor covered.
-bool showsWindow(const QImage& view, QWidget& window, const QRect& area, qreal ratio)
+bool canReadScreen()
 {
-    QImage painted = window.grab().toImage().convertToFormat(QImage::Format_RGB32);
-    painted.setDevicePixelRatio(1);
-    const QPoint at = inPixels(window.geometry().translated(-area.topLeft()), ratio).topLeft();
-    qint64 off = 0;
+    return QGuiApplication::platformName() != u"offscreen"_s;
+}
+
+/// What there is to see of the program.
+struct View
+{
+    QImage image; ///< in pixels of the screen; null while a window is still to be painted
+    QRect area = {};
+    qreal ratio = 1; ///< pixels of the screen in one of `area`
+    QWidget* foremost = nullptr;
+};
+
+View look()
+{
+    const QList<QWidget*> windows = shownWindows();
+    if (windows.isEmpty())
+        return {};
+    const QScreen& screen = *windows.front()->screen();
+    const QRect area = areaOf(windows) & screen.geometry();
+    const qreal ratio = screen.devicePixelRatio();
+    return {canReadScreen() ? fromScreen(screen, area) : composed(windows, area, ratio), area, ratio, windows.back()};
+}
+
+bool isBlank(const QImage& view)
+{
+    QImage plain(view.size(), view.format());
+    plain.fill(view.pixel(0, 0));
+    return view == plain;
+}
+
+/// Whether `view` holds `painted` with its left upper corner at that place.
+bool holds(const QImage& view, const QImage& painted, const QPoint& at)
+{
+    if (!view.rect().contains(QRect(at, painted.size())))
+        return false;
+    qint64 mayBeOff = qint64{painted.width()} * painted.height() / toleratedShare;
     for (int y = 0; y < painted.height(); ++y) {
         for (int x = 0; x < painted.width(); ++x) {
-            const QPoint there = at + QPoint(x, y);
-            if (!view.valid(there))
-                return false;
             const QRgb left = painted.pixel(x, y);
-            const QRgb right = view.pixel(there);
+            const QRgb right = view.pixel(at + QPoint(x, y));
             const int step = std::max({std::abs(qRed(left) - qRed(right)), std::abs(qGreen(left) - qGreen(right)),
                                        std::abs(qBlue(left) - qBlue(right))});
-            off += step > toleratedStep ? 1 : 0;
+            if (step > toleratedStep && --mayBeOff < 0)
+                return false;
         }
     }
-    return off * toleratedShare < qint64{painted.width()} * painted.height();
+    return true;
+}
+
+/// Whether the view shows its foremost window as that paints itself, that is, neither blank nor covered.
+bool showsWindow(const View& view)
+{
+    QImage painted = view.foremost->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    painted.setDevicePixelRatio(1);
+    const QPoint at = inPixels(view.foremost->geometry().translated(-view.area.topLeft()), view.ratio).topLeft();
+    // Two rounded lengths lie between the corners: the window manager counts in pixels.
+    const int slack = qCeil(2 * (view.ratio - 1));
+    for (int dy = -slack; dy <= slack; ++dy) {
+        for (int dx = -slack; dx <= slack; ++dx) {
+            if (holds(view.image, painted, at + QPoint(dx, dy)))
+                return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
@@ -107,26 +154,27 @@ void Camera::prepare(const QString& file)
 {
     m_folder.remove(file);
     m_seen = {};
-    m_timesSeen = 0;
 }
 
 bool Camera::take(const QString& file)
 {
-    const QList<QWidget*> windows = shownWindows();
-    if (windows.isEmpty())
+    const View view = look();
+    if (view.image.isNull())
         return false;
-    const bool canReadScreen = QGuiApplication::platformName() != u"offscreen"_s;
-    const QScreen& screen = *windows.front()->screen();
-    const QRect area = areaOf(windows) & screen.geometry();
-    const qreal ratio = screen.devicePixelRatio();
-    const QImage view = canReadScreen ? fromScreen(screen, area) : composed(windows, area, ratio);
-    if (view.isNull())
+    if (view.image != m_seen) {
+        m_seen = view.image;
+        m_sinceChange.start();
+    }
+    if (!m_sinceChange.hasExpired(rest.count()) || isBlank(view.image))
         return false;
-    m_timesSeen = view == m_seen ? m_timesSeen + 1 : 1;
-    m_seen = view;
-    if (m_timesSeen < looksAlike || !showsWindow(view, *windows.back(), area, ratio))
+    if (canReadScreen() && !showsWindow(view))
         return false;
-    return view.save(m_folder.filePath(file), "PNG");
+    return view.image.save(m_folder.filePath(file), "PNG");
+}
+
+void Camera::takeAtOnce(const QString& file)
+{
+    look().image.save(m_folder.filePath(file), "PNG");
 }
 
 } // namespace tour

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QString>
 #include <QWidget>
@@ -17,14 +18,16 @@ public:
 
     /// Forgets what was seen, and removes an older picture of that name.
     void prepare(const QString& file);
-    /// Looks once, and saves the picture when the view has come to rest and shows what the foremost window paints. To be
-    /// called again until it is true.
+    /// Looks once, and saves the picture when the view has come to rest and shows what the foremost window paints. To
+    /// be called again until it is true.
     bool take(const QString& file);
+    /// Saves the view as it is, at rest or not.
+    void takeAtOnce(const QString& file);
 
 private:
     QDir m_folder;
     QImage m_seen;
-    int m_timesSeen = 0;
+    QElapsedTimer m_sinceChange;
 };
 
 } // namespace tour

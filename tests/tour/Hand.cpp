@@ -11,6 +11,13 @@ namespace tour {
 
 namespace {
 
+/// Who gets the keys: an open menu before anybody else.
+QWindow* keyReceiver()
+{
+    const QWidget* popup = QApplication::activePopupWidget();
+    return popup ? popup->windowHandle() : QGuiApplication::focusWindow();
+}
+
 void clickAt(const QWidget* widget, const QPoint& position, Qt::MouseButton button = Qt::LeftButton)
 {
     const QWidget* window = widget->window();
@@ -18,6 +25,11 @@ void clickAt(const QWidget* widget, const QPoint& position, Qt::MouseButton butt
 }
 
 } // namespace
+
+bool hasWindowManager()
+{
+    return QGuiApplication::platformName() != QStringLiteral("offscreen");
+}
 
 void click(const QString& name)
 {
@@ -61,14 +73,14 @@ void clickEntry(QMenu* menu, const QString& action)
 void type(const QByteArray& text)
 {
     for (const char character : text) {
-        if (QWindow* window = QGuiApplication::focusWindow())
+        if (QWindow* window = keyReceiver())
             QTest::keyClick(window, character);
     }
 }
 
 void press(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
-    if (QWindow* window = QGuiApplication::focusWindow())
+    if (QWindow* window = keyReceiver())
         QTest::keyClick(window, key, modifiers);
 }
 

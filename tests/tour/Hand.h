@@ -38,6 +38,9 @@ Widget* seen(const QString& name, const QString& container = {})
 // What a user does with mouse and keyboard. Everything enters where the window system hands events over, so a window
 // that a modal one blocks takes nothing. What is not on the screen cannot be clicked; nothing happens then.
 
+/// Whether another window becomes active by itself when the active one goes.
+bool hasWindowManager();
+
 /// Clicks in the middle of a widget.
 void click(const QString& name);
 void click(QAbstractButton* button);

@@ -18,7 +18,8 @@ void Script::add(const QString& what, std::function<void()> act, std::function<b
 
 void Script::await(const QString& what, std::function<bool()> until)
 {
-    add(what, [] {}, std::move(until));
+    add(
+        what, [] {}, std::move(until));
 }
 
 void Script::start()
@@ -54,8 +55,10 @@ void Script::tick()
     } else if (step.until()) {
         ++m_at;
         m_begun = false;
-    } else if (m_sinceBegun.durationElapsed() > limit) {
+    } else if (m_sinceBegun.hasExpired(limit.count())) {
         m_failed = true;
+        if (onFailure)
+            onFailure();
         QCoreApplication::exit(EXIT_FAILURE);
     }
 }

@@ -17,6 +17,8 @@ class Script : public QObject
 public:
     /// How long an expectation may take to come true. Generous: a slow machine is no fault.
     std::chrono::milliseconds limit = std::chrono::seconds(30);
+    /// Called when a step fails, while everything still stands as it failed.
+    std::function<void()> onFailure;
 
     /// @param what   what is expected, as a sentence that can follow "did not come true: "
     /// @param act    may open modal boxes; the script goes on in their event loops
@@ -24,6 +26,9 @@ public:
     void add(const QString& what, std::function<void()> act, std::function<bool()> until);
     /// A step that only waits.
     void await(const QString& what, std::function<bool()> until);
+
+    /// What the step added last waits for.
+    std::function<bool()> lastExpectation() const { return m_steps.back().until; }
 
     /// Begins as soon as an event loop runs, which is left with exit code 1 when a step fails.
     void start();

@@ -1,0 +1,128 @@
+// A "GetProfiles" reply on its way from the dispatcher to the screen.
+
+#include "Painting.h"
+#include "QuietDesk.h"
+#include "practice/Answers.h"
+#include "profiles/ProfileRecord.h"
+#include "profiles/qrvrcProfilesList.h"
+#include "ui/Grid.h"
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <chrono>
+#include <ctime>
+#include <memory>
+#include <string>
+
+namespace {
+
+/// The reply to a client that holds all pictures, which is every reply but the first. With time to pass between them
+/// the replies differ as they do in life.
+class Replies
+{
+public:
+    explicit Replies(int profiles) : m_world(practice::World::many(profiles, 1))
+    {
+        m_first = bodyFor({});
+        for (std::string& body : m_later) {
+            body = bodyFor(m_world.pictures.keys().join('|').toBase64());
+            m_world.advance(std::chrono::seconds(5));
+        }
+    }
+
+    const std::string& first() const { return m_first; }
+    const std::string& next() { return m_later[++m_turn % m_later.size()]; }
+
+private:
+    std::string bodyFor(const QByteArray& heldPictures)
+    {
+        const practice::Account who = *m_world.account("admin");
+        const practice::Request request{"GetProfiles", "admin_" + heldPictures, {}};
+        return practice::answerRequest(m_world, who, request).body.toStdString();
+    }
+
+    practice::World m_world;
+    std::string m_first;
+    std::array<std::string, 2> m_later;
+    std::size_t m_turn = 0;
+};
+
+class ShownList
+{
+public:
+    ShownList()
+    {
+        m_desk.frame->showWindow(QStringLiteral("qrvrcProfilesList"));
+        settle();
+        m_desk.frame->core().session.loggedIn = true;
+        m_list = m_desk.frame->findChild<qrvrcProfilesList*>();
+        m_counter = std::make_unique<PaintCounter>(m_list->findChild<GridView*>()->viewport());
+    }
+
+    void handle(const std::string& body)
+    {
+        m_counter->reset();
+        m_desk.frame->core().replies.pendingRequest = "GetProfiles";
+        m_desk.frame->core().replies.HandleData(body);
+    }
+    void paint() { m_counter->waitForPaint(); }
+    int rows() const { return m_list->rowCount(); }
+
+private:
+    QuietDesk m_desk;
+    qrvrcProfilesList* m_list = nullptr;
+    std::unique_ptr<PaintCounter> m_counter;
+};
+
+double threadSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+/// Reply to records alone.
+void decodeProfiles(benchmark::State& state)
+{
+    Replies replies(static_cast<int>(state.range(0)));
+    for ([[maybe_unused]] const auto step : state) {
+        for (const ProfileElement& element : splitProfilesReply(replies.next()))
+            benchmark::DoNotOptimize(decodeProfileRecord(element.text));
+    }
+}
+
+/// Reply to painted rows. The counters split it into the handler and what the event loop does afterwards.
+void showProfiles(benchmark::State& state)
+{
+    Replies replies(static_cast<int>(state.range(0)));
+    ShownList list;
+    list.handle(replies.first());
+    list.paint();
+    settle();
+    double handling = 0;
+    double painting = 0;
+    for ([[maybe_unused]] const auto step : state) {
+        const double start = threadSeconds();
+        list.handle(replies.next());
+        const double handled = threadSeconds();
+        list.paint();
+        handling += handled - start;
+        painting += threadSeconds() - handled;
+    }
+    if (list.rows() != state.range(0))
+        state.SkipWithError("the list does not show its profiles");
+    const auto mean = [&state](double seconds) { return seconds * 1e6 / static_cast<double>(state.iterations()); };
+    state.counters["handler_us"] = mean(handling);
+    state.counters["paint_us"] = mean(painting);
+}
+
+void profileCounts(benchmark::internal::Benchmark* row)
+{
+    row->Arg(50)->Arg(1000)->Arg(10000)->Unit(benchmark::kMicrosecond);
+}
+
+BENCHMARK(decodeProfiles)->Name("profiles to records")->Apply(profileCounts);
+BENCHMARK(showProfiles)->Name("profiles to the shown list")->Apply(profileCounts);
+
+} // namespace

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "app/ShippedFiles.h"
+#include "app/qrvrcMain.h"
+#include "diagnostics/MessageBoxes.h"
+
+#include <QTemporaryDir>
+
+#include <memory>
+
+/// Nothing that is measured opens a box; one that opens all the same ends the run.
+class NoBoxes : public MessageBoxes
+{
+public:
+    void show(const QString& title, const QString& text) override { refuse(title, text); }
+    bool confirm(const QString& title, const QString& question) override
+    {
+        refuse(title, question);
+        return false;
+    }
+    void showTrapped(const QString& title, const QString& errorText, const ReportDelivery&) override
+    {
+        refuse(title, errorText);
+    }
+
+private:
+    static void refuse(const QString& title, const QString& text)
+    {
+        qFatal("a box opened: %s: %s", qPrintable(title), qPrintable(text));
+    }
+};
+
+/// The client on a folder of its own that holds the shipped files, shown.
+class QuietDesk
+{
+public:
+    QuietDesk()
+    {
+        fillAppFolder(AppFolder(folder()), QRVRC_SHIPPED_DIR);
+        frame = std::make_unique<qrvrcMain>(Setup{.folder = folder(),
+                                                  .makerHost = QUrl(QStringLiteral("http://maker.example")),
+                                                  .version = "3.0.1.0",
+                                                  .boxes = &m_boxes});
+        if (!frame->MDIFormLoad())
+            qFatal("the client does not start");
+        frame->show();
+    }
+
+    std::filesystem::path folder() const { return m_folder.path().toStdU16String(); }
+
+private:
+    QTemporaryDir m_folder;
+    NoBoxes m_boxes;
+
+public:
+    std::unique_ptr<qrvrcMain> frame;
+};

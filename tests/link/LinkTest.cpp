@@ -1,0 +1,224 @@
+#include "support/LinkRig.h"
+
+#include <QSignalSpy>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using practice::Fault;
+
+namespace {
+
+const Request profilesRequest{"GetProfiles", "GetProfiles_admin_", {}};
+const Request statusRequest{"GetStatus", "GetStatus_admin", {}};
+
+} // namespace
+
+class LinkTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyWaitEndsWhateverTheTrackerDoes_data()
+    {
+        QTest::addColumn<Fault>("fault");
+        QTest::addColumn<int>("end");
+        QTest::addColumn<int>("handled");
+        constexpr int replied = int(WaitEnd::Replied);
+        constexpr int dropped = int(WaitEnd::LinkDropped);
+        constexpr int timedOut = int(WaitEnd::TimedOut);
+        QTest::newRow("an answer") << Fault::none() << replied << 1;
+        QTest::newRow("late") << Fault::late(20ms) << replied << 1;
+        QTest::newRow("in chunks of 1 byte") << Fault::chunks(1) << replied << 1;
+        QTest::newRow("in chunks of 9 bytes") << Fault::chunks(9) << replied << 1;
+        QTest::newRow("twice") << Fault::twice() << replied << 1;
+        QTest::newRow("letters for a length") << Fault::wrongPrefix() << replied << 1;
+        QTest::newRow("far too large a length") << Fault::hugePrefix() << replied << 1;
+        QTest::newRow("nothing in it") << Fault::emptyBody() << replied << 1;
+        QTest::newRow("garbage") << Fault::garbage(3) << replied << 1;
+        QTest::newRow("cut off at once") << Fault::cutOffAfter(0) << dropped << 0;
+        QTest::newRow("cut off in the length") << Fault::cutOffAfter(3) << dropped << 0;
+        QTest::newRow("cut off in the body") << Fault::cutOffAfter(60) << dropped << 0;
+        QTest::newRow("reset") << Fault::reset() << dropped << 0;
+        QTest::newRow("never") << Fault::never() << timedOut << 0;
+        QTest::newRow("silent in the body") << Fault::silentAfter(60) << timedOut << 0;
+        QTest::newRow("no end marker") << Fault::noEnd() << timedOut << 0;
+        QTest::newRow("no markers") << Fault::noMarkers() << timedOut << 0;
+    }
+    void everyWaitEndsWhateverTheTrackerDoes()
+    {
+        QFETCH(const Fault, fault);
+        QFETCH(const int, end);
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        int handled = 0;
+        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { ++handled; });
+        QSignalSpy told(&rig.link, &clsWinSock::hostUnusable);
+        rig.tracker.answerNext("GetProfiles", fault);
+        const bool mustTimeOut = end == int(WaitEnd::TimedOut);
+        if (mustTimeOut)
+            rig.link.replyLimit = 30ms;
+        QCOMPARE(int(ask(rig.link, profilesRequest)), end);
+        QTEST(handled, "handled");
+        QCOMPARE(rig.link.isConnected(), end == int(WaitEnd::Replied));
+        QCOMPARE(told.count(), mustTimeOut ? 1 : 0);
+        QVERIFY(rig.replies.pendingRequest.empty());
+        QVERIFY(rig.link.ReplyReceived && !rig.link.isAwaitingReply());
+        QCOMPARE(rig.locks, 0);
+        if (end == int(WaitEnd::Replied)) // what went before leaves nothing behind
+            QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+    }
+
+    void eachChunkRestartsTheLimit()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        // A hundred pieces with pauses take longer than the limit, which only a whole pause may exceed.
+        rig.tracker.answerNextWith("GetProfiles", QByteArray(985, 'x'));
+        rig.tracker.answerNext("GetProfiles", Fault::chunks(10, 17ms));
+        rig.link.replyLimit = 1500ms;
+        QElapsedTimer passed;
+        passed.start();
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QVERIFY(passed.elapsed() > 1500);
+    }
+
+    void aLateReplyIsNotTakenForAnotherRequests()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        std::vector<std::string> bodies;
+        for (const char* name : {"GetProfiles", "GetStatus"})
+            rig.replies.on(name, &rig.link, [&](std::string_view body) { bodies.emplace_back(body); });
+        rig.tracker.answerNextWith("GetProfiles", "too late");
+        rig.tracker.answerNext("GetProfiles", Fault::late(60ms));
+        rig.link.replyLimit = 20ms;
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::TimedOut);
+        rig.link.replyLimit = 1min;
+        QVERIFY(rig.logIn());
+        rig.tracker.answerNextWith("GetStatus", "status");
+        rig.tracker.answerNext("GetStatus", Fault::late(120ms));
+        QCOMPARE(ask(rig.link, statusRequest), WaitEnd::Replied);
+        QCOMPARE(bodies, std::vector<std::string>{"status"});
+    }
+
+    void aDropForgetsWhatWasUnderWay()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        rig.session.superAdmin = true;
+        QSignalSpy lost(&rig.link, &clsWinSock::linkLost);
+        rig.tracker.sendRaw("0000900[ST]half a rep");
+        QSignalSpy chunks(&rig.link, &clsWinSock::chunkArrived);
+        QTRY_COMPARE(chunks.count(), 1);
+        rig.link.SendData("GetProfiles", "GetProfiles_admin_", {});
+        rig.tracker.answerNext("GetProfiles", Fault::never());
+        QVERIFY(!rig.link.ReplyReceived);
+        QTRY_VERIFY(!rig.tracker.requests().isEmpty() && rig.tracker.requests().constLast().startsWith("GetProfiles"));
+        rig.tracker.closeLinks();
+        QTRY_COMPARE(lost.count(), 1);
+        QCOMPARE(rig.link.state(), SocketState::PeerClosing);
+        QVERIFY(rig.link.ReplyReceived && !rig.link.isAwaitingReply());
+        QVERIFY(rig.replies.pendingRequest.empty());
+        QVERIFY(!rig.session.superAdmin);
+        QVERIFY(rig.session.loggedIn); // only a login reply changes it
+        rig.link.SendData("GetStatus", "GetStatus_admin", {});
+        QVERIFY(rig.link.ReplyReceived && rig.replies.pendingRequest.empty());
+        QCOMPARE(ask(rig.link, statusRequest), WaitEnd::LinkDropped);
+
+        QVERIFY(rig.logIn()); // the half reply is not in the way
+        QCOMPARE(lost.count(), 1);
+    }
+
+    void repliesBeforeTheLoginAreDropped()
+    {
+        LinkRig rig;
+        QVERIFY(rig.connect());
+        int handled = 0;
+        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { ++handled; });
+        rig.replies.onPluginMessage(&rig.link, [&](const std::string&, const std::string&) { ++handled; });
+        for (const char* body : {"Profiles_", "Plugin_qrvStats_x"}) {
+            rig.tracker.answerNextWith("GetProfiles", body);
+            QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        }
+        QCOMPARE(handled, 0);
+        QVERIFY(!rig.session.loggedIn);
+    }
+
+    void loginRepliesCountWheneverTheyCome_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<bool>("loggedIn");
+        QTest::addColumn<bool>("connected");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("a success") << "Success_a_b_U3VwZXI=_8001"_ba << true << true << QString();
+        QTest::newRow("a failure") << "a_Login Failed: kicked._b"_ba << false << false << u"a_Login Failed: kicked._b"_s;
+        QTest::newRow("a success with too few fields")
+            << "Success_a_b"_ba << true << false
+            << u"The tracker's answer to the login cannot be understood. The connection was closed."_s;
+    }
+    void loginRepliesCountWheneverTheyCome()
+    {
+        QFETCH(const QByteArray, body);
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        QString told;
+        QStringList privileges;
+        QObject::connect(&rig.link, &clsWinSock::loginFailed, &rig.link,
+                         [&](const std::string& text) { told = QString::fromStdString(text); });
+        QObject::connect(&rig.link, &clsWinSock::hostUnusable, &rig.link, [&](const QString& text) { told = text; });
+        QObject::connect(&rig.link, &clsWinSock::loginSucceeded, &rig.link,
+                         [&](const std::string& text) { privileges += QString::fromStdString(text); });
+        QSignalSpy handled(&rig.link, &clsWinSock::replyHandled);
+        rig.tracker.send(body);
+        QTRY_COMPARE(handled.count(), 1);
+        QTEST(rig.session.loggedIn, "loggedIn");
+        QTEST(rig.link.isConnected(), "connected");
+        QTEST(told, "told");
+        const bool succeeded = rig.link.isConnected();
+        QCOMPARE(privileges, succeeded ? QStringList{u"U3VwZXI="_s} : QStringList());
+        QCOMPARE(rig.session.supportPort, succeeded ? 8001 : 8000);
+    }
+
+    void onlyLargeRepliesShowProgress_data()
+    {
+        QTest::addColumn<int>("announced");
+        QTest::addColumn<QStringList>("steps");
+        QTest::newRow("511") << 511 << QStringList();
+        QTest::newRow("512") << 512 << QStringList{u"move 8"_s, u"move 512"_s};
+        QTest::newRow("513") << 513 << QStringList{u"open 513 8"_s, u"move 8"_s, u"move 513"_s};
+    }
+    void onlyLargeRepliesShowProgress()
+    {
+        QFETCH(const int, announced);
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        QStringList steps;
+        QObject::connect(&rig.link, &clsWinSock::progress, &rig.link, [&](qint32 total, qint32 received, bool update) {
+            steps += update ? u"move %1"_s.arg(received) : u"open %1 %2"_s.arg(total).arg(received);
+        });
+        QSignalSpy chunks(&rig.link, &clsWinSock::chunkArrived);
+        QSignalSpy handled(&rig.link, &clsWinSock::replyHandled);
+        rig.tracker.sendRaw(QByteArray::number(announced).rightJustified(7, '0') + "[ST]body");
+        QTRY_COMPARE(chunks.count(), 1);
+        rig.tracker.sendRaw(QByteArray(announced - 12, 'x') + "[ND]");
+        QTRY_COMPARE(handled.count(), 1);
+        QTEST(steps, "steps");
+    }
+
+    void textsForTheSupportLinkTravelUnframed()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        rig.link.SendDataS("Announce_admin"); // not connected: nothing happens
+        QVERIFY(rig.link.ReplyReceived);
+        rig.tracker.forgetRequests();
+        rig.wSupport.connectTo(u"127.0.0.1"_s, rig.tracker.port());
+        QTRY_COMPARE(rig.wSupport.state(), SocketState::Connected);
+        rig.link.SendDataS("Announce_admin[ND]", "ignored");
+        QVERIFY(!rig.link.ReplyReceived);
+        QTRY_COMPARE(rig.tracker.requests(), QList<QByteArray>{"Announce_admin"});
+    }
+};
+
+QTEST_GUILESS_MAIN(LinkTest)
+#include "LinkTest.moc"

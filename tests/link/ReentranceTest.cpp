@@ -1,0 +1,191 @@
+#include "support/LinkRig.h"
+
+#include <QEventLoop>
+#include <QSignalSpy>
+#include <QTimer>
+
+#include <new>
+#include <stdexcept>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using practice::Fault;
+
+namespace {
+
+const Request profilesRequest{"GetProfiles", "GetProfiles_admin_", {}};
+const Request statusRequest{"GetStatus", "GetStatus_admin", {}};
+
+/// Two messages in one reply, as the body of one.
+QByteArray twoMessages(const QByteArray& first, const QByteArray& second)
+{
+    return first + "[ND]0000099[ST]" + second;
+}
+
+} // namespace
+
+/// Handlers that fail, wait, or are called while others are at it.
+class ReentranceTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void twoAsksAtOnceAreAnsweredInOrder()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        rig.tracker.forgetRequests();
+        std::vector<std::string> bodies;
+        for (const char* name : {"GetProfiles", "GetStatus"})
+            rig.replies.on(name, &rig.link, [&](std::string_view body) { bodies.emplace_back(body); });
+        rig.tracker.answerNextWith("GetProfiles", "profiles");
+        rig.tracker.answerNextWith("GetStatus", "status");
+        rig.tracker.answerNext("GetProfiles", Fault::late(20ms));
+        std::optional<WaitEnd> second;
+        QTimer::singleShot(0, &rig.link, [&] { second = ask(rig.link, statusRequest); });
+        const WaitEnd first = ask(rig.link, profilesRequest);
+        QCOMPARE(first, WaitEnd::Replied);
+        QCOMPARE(second, std::optional(WaitEnd::Replied));
+        QCOMPARE(bodies, (std::vector<std::string>{"profiles", "status"}));
+        QCOMPARE(rig.tracker.requests().size(), 2);
+    }
+
+    void aSilentTrackerIsToldOnceHoweverManyWait()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        QSignalSpy told(&rig.link, &clsWinSock::hostUnusable);
+        rig.tracker.answerAll(Fault::never());
+        rig.link.replyLimit = 30ms;
+        QList<WaitEnd> ends;
+        for (int i = 0; i < 3; ++i)
+            QTimer::singleShot(0, &rig.link, [&] { ends += ask(rig.link, statusRequest); });
+        ends += ask(rig.link, profilesRequest);
+        QCOMPARE(ends.size(), 4);
+        QVERIFY(!ends.contains(WaitEnd::Replied));
+        QCOMPARE(told.count(), 1);
+        QVERIFY(!rig.link.isConnected());
+        QCOMPARE(rig.tracker.requests().count("GetStatus_admin_VB6_"), 0); // none was sent over a pending one
+    }
+
+    void aReplyThatComesWhileAHandlerWaitsIsHandledThere()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        QStringList steps;
+        const auto note = [&](const QString& what) { steps += u"%1, locked %2"_s.arg(what).arg(rig.locks); };
+        QEventLoop loop;
+        rig.replies.onPluginMessage(&rig.link, [&](const std::string&, const std::string& payload) {
+            note(u"plugin "_s + QString::fromStdString(payload));
+            loop.quit();
+        });
+        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view body) {
+            const std::string before(body);
+            note(u"profiles"_s);
+            rig.tracker.send("Plugin_x_inside");
+            loop.exec();
+            QCOMPARE(std::string(body), before);
+            note(u"profiles again"_s);
+        });
+        rig.tracker.answerNextWith("GetProfiles", twoMessages("first", "Plugin_x_behind"));
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QCOMPARE(steps,
+                 (QStringList{u"profiles, locked 1"_s, u"plugin inside, locked 2"_s, u"profiles again, locked 1"_s,
+                              u"plugin behind, locked 1"_s}));
+        QCOMPARE(rig.locks, 0);
+    }
+
+    void aHandlerThatTakesLongDoesNotExpireTheWaitBeneathIt()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        rig.link.replyLimit = 1000ms;
+        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { pauseFor(1100ms); });
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QVERIFY(rig.link.isConnected());
+    }
+
+    void aHandlerThatFailsIsReportedAndHoldsNothingUp_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("an error of ours") << 0 << u"Error 13: Type mismatch"_s;
+        QTest::newRow("the library's") << 1 << u"Error 51: Internal error: stop"_s;
+        QTest::newRow("no memory") << 2 << u"Error 7: Out of memory"_s;
+    }
+    void aHandlerThatFailsIsReportedAndHoldsNothingUp()
+    {
+        QFETCH(const int, kind);
+        QFETCH(const QString, error);
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        std::string behind;
+        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) {
+            if (kind == 0)
+                throw RuntimeError(ErrorNumber::TypeMismatch);
+            if (kind == 1)
+                throw std::runtime_error("stop");
+            throw std::bad_alloc();
+        });
+        rig.replies.onPluginMessage(&rig.link,
+                                    [&](const std::string&, const std::string& payload) { behind = payload; });
+        rig.tracker.answerNextWith("GetProfiles", twoMessages("x", "Plugin_x_behind"));
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QCOMPARE(rig.boxes.count(u"QRVRC Error!"_s), 1);
+        const QStringList lines = rig.boxes.onlyText().split(u"\r\n"_s);
+        QCOMPARE(lines.value(1), error);
+        QCOMPARE(lines.value(2), u"Function/Sub: HandleData"_s);
+        QCOMPARE(behind, std::string("behind"));
+        QCOMPARE(rig.locks, 0);
+        QVERIFY(rig.replies.pendingRequest.empty());
+        QCOMPARE(ask(rig.link, statusRequest), WaitEnd::Replied);
+    }
+
+    void aPluginMessageTakesThePlaceOfTheAnswer()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        int profiles = 0;
+        std::string component;
+        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { ++profiles; });
+        rig.replies.onPluginMessage(&rig.link,
+                                    [&](const std::string& name, const std::string&) { component = name; });
+        rig.tracker.answerNextWith("GetProfiles", "Plugin_qrvStats_a_b");
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QCOMPARE(profiles, 0);
+        QCOMPARE(component, std::string("qrvrcStats"));
+        QVERIFY(rig.replies.pendingRequest.empty());
+    }
+
+    void handlersGoWithTheirOwners()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        int calls = 0;
+        auto owner = std::make_unique<QObject>();
+        rig.replies.on("GetProfiles", owner.get(), [&](std::string_view) { ++calls; });
+        rig.replies.onPluginMessage(owner.get(), [&](const std::string&, const std::string&) { ++calls; });
+        owner.reset();
+        rig.tracker.answerNextWith("GetProfiles", twoMessages("x", "Plugin_x_y"));
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QCOMPARE(calls, 0);
+        QVERIFY(rig.boxes.boxes.isEmpty());
+    }
+
+    void aHandlerMayCloseTheLink()
+    {
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        int behind = 0;
+        rig.replies.onPluginMessage(&rig.link, [&](const std::string&, const std::string&) { ++behind; });
+        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { rig.link.close(); });
+        rig.tracker.answerNextWith("GetProfiles", twoMessages("x", "Plugin_x_y"));
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::LinkDropped);
+        QCOMPARE(behind, 1); // it had arrived
+        QCOMPARE(rig.locks, 0);
+        QVERIFY(rig.logIn());
+    }
+};
+
+QTEST_GUILESS_MAIN(ReentranceTest)
+#include "ReentranceTest.moc"

@@ -1,0 +1,89 @@
+#include "link/StatusReply.h"
+
+#include "base/RaisedError.h"
+#include "link/Request.h"
+
+using namespace std::string_literals;
+
+using Plugins = std::vector<TrackerPlugin>;
+
+class StatusReplyTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aStatusReplyNamesTheTrackersPlugins_data()
+    {
+        QTest::addColumn<std::string>("body");
+        QTest::addColumn<int>("error");
+        QTest::addColumn<Plugins>("plugins");
+        constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
+        constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
+        QTest::newRow("three and four fields")
+            << "Status_QUJD-1-REVG|R0hJ-2-SktM-x"s << 0 << Plugins{{"ABC", {}}, {"GHI", "x"}};
+        QTest::newRow("a version with a fifth field") << "Status_QUJD-1-REVG-1.0-2"s << 0 << Plugins{{"ABC", "1.0"}};
+        QTest::newRow("a name alone") << "Status_QUJD"s << 0 << Plugins{{"ABC", {}}};
+        QTest::newRow("an empty version") << "Status_QUJD-1-REVG-"s << 0 << Plugins{{"ABC", ""}};
+        QTest::newRow("no plugins") << "Status_"s << 0 << Plugins();
+        QTest::newRow("nothing") << ""s << 0 << Plugins();
+        QTest::newRow("blank entries") << "Status_ | |QUJD-1-x|"s << 0 << Plugins{{"ABC", {}}};
+        QTest::newRow("words behind the first entry") << "Status_QUJD_R0hJ|R0hJ"s << 0
+                                                      << Plugins{{"ABC", {}}, {"GHI", {}}};
+        QTest::newRow("a blank first entry has no word") << " |QUJD-1-x"s << 0 << Plugins{{"ABC", {}}};
+        QTest::newRow("no leading word") << "QUJD-1-x"s << subscript << Plugins();
+        QTest::newRow("the second name is no Base64") << "Status_QUJD-1-x|%%%%-1-x"s << mismatch
+                                                      << Plugins{{"ABC", {}}};
+    }
+    void aStatusReplyNamesTheTrackersPlugins()
+    {
+        QFETCH(const std::string, body);
+        QFETCH(const Plugins, plugins);
+        Plugins decoded;
+        const int error = raisedBy([&] {
+            for (const std::string_view entry : splitStatusReply(body))
+                decoded.push_back(decodeStatusEntry(entry));
+        });
+        QTEST(error, "error");
+        QVERIFY(decoded == plugins);
+    }
+
+    void aPluginMessageNamesItsComponent_data()
+    {
+        QTest::addColumn<std::string>("body");
+        QTest::addColumn<bool>("isOne");
+        QTest::addColumn<int>("error");
+        QTest::addColumn<std::string>("component");
+        QTest::addColumn<std::string>("payload");
+        QTest::newRow("payload with separators") << "Plugin_qrvStats_a_b"s << true << 0 << "qrvrcStats"s << "a_b"s;
+        QTest::newRow("every occurrence is renamed") << "Plugin_qrvXqrvY_p"s << true << 0 << "qrvrcXqrvrcY"s << "p"s;
+        QTest::newRow("other letter case stays") << "Plugin_QRVStats_p"s << true << 0 << "QRVStats"s << "p"s;
+        QTest::newRow("a longer first word") << "Plugins_qrvStats"s << true << 0 << "qrvrcStats"s << ""s;
+        QTest::newRow("payload of separators") << "Plugin_x___"s << true << 0 << "x"s << "__"s;
+        QTest::newRow("no component") << "Plugin"s << true << numberOf(ErrorNumber::SubscriptOutOfRange) << ""s << ""s;
+        QTest::newRow("other letter case is none") << "plugin_qrvStats"s << false << 0 << "qrvrcStats"s << ""s;
+        QTest::newRow("too short") << "Plugi"s << false << numberOf(ErrorNumber::SubscriptOutOfRange) << ""s << ""s;
+    }
+    void aPluginMessageNamesItsComponent()
+    {
+        QFETCH(const std::string, body);
+        QTEST(isPluginMessage(body), "isOne");
+        PluginMessage message;
+        const int error = raisedBy([&] { message = decodePluginMessage(body); });
+        QTEST(error, "error");
+        QTEST(message.component, "component");
+        QTEST(message.payload, "payload");
+    }
+
+    void requestsAreFramed()
+    {
+        QCOMPARE(framed({"GetProfiles", "GetProfiles_x", {}}), "[ST]GetProfiles_x_VB6_[ND]"s);
+        QCOMPARE(framed({"SetProfile", "SetProfile_x", "1_y"}), "[ST]SetProfile_x_VB6_1_y[ND]"s);
+        QCOMPARE(framed(rawRequest("abc")), "[ST]abc[ND]"s);
+        QCOMPARE(framed({"rcdata", "abc", {}}), "[ST]abc_VB6_[ND]"s);
+        QCOMPARE(framed(loginRequest("u", "p", "3.0.1.0")), "[ST]login_u_p_3.0.1.0_VB6_[ND]"s);
+        QCOMPARE(framed(getStatusRequest("u")), "[ST]GetStatus_u_VB6_[ND]"s);
+    }
+};
+
+QTEST_APPLESS_MAIN(StatusReplyTest)
+#include "StatusReplyTest.moc"

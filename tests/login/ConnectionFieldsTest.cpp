@@ -1,0 +1,106 @@
+#include "login/ConnectionFields.h"
+
+#include "base/RaisedError.h"
+
+using namespace std::string_literals;
+
+class ConnectionFieldsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFirstFaultIsTold_data()
+    {
+        QTest::addColumn<ConnectionFields>("fields");
+        QTest::addColumn<std::string>("fault");
+        QTest::newRow("all is there") << ConnectionFields{"n", "h", "1", "u", "p"} << ""s;
+        QTest::newRow("nothing is there") << ConnectionFields{} << "Profile Name field is empty!"s;
+        QTest::newRow("blanks are nothing") << ConnectionFields{" \t", "h", "1", "u", "p"}
+                                            << "Profile Name field is empty!"s;
+        QTest::newRow("no host and nothing behind it") << ConnectionFields{"n", " ", "", "", ""}
+                                                       << "Host field is empty!"s;
+        QTest::newRow("no port") << ConnectionFields{"n", "h", "", "", ""} << "Port field is empty!"s;
+        QTest::newRow("no user name") << ConnectionFields{"n", "h", "1", " ", ""} << "Username field is empty!"s;
+        QTest::newRow("no password") << ConnectionFields{"n", "h", "1", "u", ""} << "Password field is empty!"s;
+        QTest::newRow("a password of blanks") << ConnectionFields{"n", "h", "1", "u", "  "}
+                                              << "Password field is empty!"s;
+        QTest::newRow("the entry for new profiles") << ConnectionFields{"New Profile", "h", "1", "u", "p"}
+                                                    << "Please choose another Profile Name!"s;
+        for (const char character : {'[', ']', '\n', '\r'}) {
+            QTest::addRow("a name with character %d", character)
+                << ConnectionFields{std::string("a") + character, "h", "1", "u", "p"}
+                << "The Profile Name cannot hold brackets or line breaks!"s;
+        }
+    }
+    void theFirstFaultIsTold()
+    {
+        QFETCH(const ConnectionFields, fields);
+        QTEST(std::string(firstFault(fields).value_or("")), "fault");
+    }
+
+    void aStoredConnectionIsReadByPosition()
+    {
+        using Lines = std::vector<std::string>;
+        QVERIFY(storedConnection("n", Lines{"Host=h", "Port=1", "User=u", "Pass=p=q"}) ==
+                (ConnectionFields{"n", "h", "1", "u", "p=q"}));
+        QVERIFY(storedConnection("n", Lines{"Pass=h", "x=1", "=u", "Host=p", "more=z"}) ==
+                (ConnectionFields{"n", "h", "1", "u", "p"}));
+        QVERIFY(storedConnection("n", Lines{"Host=h", "Port"}) == (ConnectionFields{"n", "h", "", "", ""}));
+        QVERIFY(!storedConnection("n", Lines{"Host=h"}));
+        QVERIFY(!storedConnection("n", {}));
+    }
+
+    void hostsAreDottedAddressesOrNames_data()
+    {
+        QTest::addColumn<std::string>("host");
+        QTest::addColumn<bool>("isAddress");
+        QTest::addColumn<std::string>("connected");
+        QTest::newRow("address") << "10.0.0.7"s << true << "10.0.0.7"s;
+        QTest::newRow("values are not looked at") << "999.1.1.1"s << true << "999.1.1.1"s;
+        QTest::newRow("three parts") << "10.0.7"s << false << "10.0.7"s;
+        QTest::newRow("five parts") << "1.2.3.4.5"s << false << "1.2.3.4.5"s;
+        QTest::newRow("four digits") << "10.0.0.0007"s << false << "10.0.0.0007"s;
+        QTest::newRow("an empty part") << "10..0.7"s << false << "10..0.7"s;
+        QTest::newRow("a negative part") << "10.-1.0.7"s << false << "10.-1.0.7"s;
+        QTest::newRow("name") << "host.example"s << false << "host.example"s;
+        QTest::newRow("scheme and www") << "http://www.host.example"s << false << "host.example"s;
+        QTest::newRow("every www") << "www.www.wwwx.example"s << false << "wwwx.example"s;
+        QTest::newRow("another scheme") << "https://host.example"s << false << "https://host.example"s;
+        QTest::newRow("empty") << ""s << false << ""s;
+    }
+    void hostsAreDottedAddressesOrNames()
+    {
+        QFETCH(const std::string, host);
+        QTEST(isDottedAddress(host), "isAddress");
+        QTEST(hostToConnect(host), "connected");
+        QCOMPARE(hostToConnect(" " + host + " "), hostToConnect(host));
+    }
+
+    void portsAreNumbersInRange_data()
+    {
+        QTest::addColumn<std::string>("text");
+        QTest::addColumn<int>("port");
+        QTest::newRow("lowest") << "1"s << 1;
+        QTest::newRow("highest") << "65535"s << 65535;
+        QTest::newRow("blanks around") << " 80 "s << 80;
+        QTest::newRow("leading zeros") << "00080"s << 80;
+        QTest::newRow("one too high") << "65536"s << -1;
+        QTest::newRow("zero") << "0"s << -1;
+        QTest::newRow("beyond 32 bits") << "4294967376"s << -1;
+        QTest::newRow("signs") << "+80"s << -1;
+        QTest::newRow("negative") << "-80"s << -1;
+        QTest::newRow("letters") << "80a"s << -1;
+        QTest::newRow("hexadecimal") << "0x50"s << -1;
+        QTest::newRow("fraction") << "80.5"s << -1;
+        QTest::newRow("empty") << ""s << -1;
+    }
+    void portsAreNumbersInRange()
+    {
+        QFETCH(const std::string, text);
+        const auto port = portNumber(text);
+        QTEST(port ? int(*port) : -1, "port");
+    }
+};
+
+QTEST_APPLESS_MAIN(ConnectionFieldsTest)
+#include "ConnectionFieldsTest.moc"

@@ -1,0 +1,249 @@
+#include "support/Desk.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char* store = "\\profiles.ini";
+
+using Lines = std::vector<std::string>;
+
+Lines section(Desk& desk, const char* name)
+{
+    return desk.core().store.GetIniSection(name, desk.path(store));
+}
+
+QStringList profileNames(Desk& desk)
+{
+    const auto& list = desk.control<QComboBox>(u"cboProfile"_s);
+    QStringList names;
+    for (int index = 0; index < list.count(); ++index)
+        names += list.itemText(index);
+    return names;
+}
+
+QStringList fieldTexts(Desk& desk)
+{
+    return {desk.text(u"txtProfile"_s), desk.text(u"txtHost"_s), desk.text(u"txtPort"_s), desk.text(u"txtUser"_s),
+            desk.text(u"txtPass"_s)};
+}
+
+std::string portOf(const Desk& desk)
+{
+    return "Port=" + std::to_string(desk.tracker.port());
+}
+
+QString status(Desk& desk)
+{
+    return desk.control<QLabel>(u"lblStatus"_s).text();
+}
+
+} // namespace
+
+class LoginWindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFirstThingMissingIsTold()
+    {
+        Desk desk;
+        QVERIFY(desk.open());
+        const QList<std::pair<QString, QString>> steps{{u"txtProfile"_s, u"Profile Name field is empty!"_s},
+                                                       {u"txtHost"_s, u"Host field is empty!"_s},
+                                                       {u"txtPort"_s, u"Port field is empty!"_s},
+                                                       {u"txtUser"_s, u"Username field is empty!"_s},
+                                                       {u"txtPass"_s, u"Password field is empty!"_s}};
+        for (const auto& [field, message] : steps) {
+            desk.boxes.boxes.clear();
+            desk.click(u"cmdConnect"_s);
+            QCOMPARE(desk.boxes.onlyText(), message);
+            QCOMPARE(desk.boxes.boxes.constFirst().title, u"Failed!"_s);
+            desk.type(field, u"x"_s);
+        }
+        QVERIFY(!desk.exists(store));
+        QVERIFY(desk.control(u"cmdConnect"_s).isEnabled());
+    }
+
+    void whatCannotBeConnectedIsToldAndKept_data()
+    {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("port too high") << u"txtPort"_s << u"65536"_s << u"Invalid Port format!"_s << true;
+        QTest::newRow("port of letters") << u"txtPort"_s << u"http"_s << u"Invalid Port format!"_s << true;
+        QTest::newRow("impossible host") << u"txtHost"_s << u"no such host"_s << u"Invalid IP format!"_s << true;
+        QTest::newRow("brackets in the name") << u"txtProfile"_s << u"a]b"_s
+                                              << u"The Profile Name cannot hold brackets or line breaks!"_s << false;
+        QTest::newRow("a letter that the host does not know")
+            << u"txtPass"_s << u"pa\u0416"_s << u"The character '\u0416' cannot be sent to the host!"_s << false;
+    }
+    void whatCannotBeConnectedIsToldAndKept()
+    {
+        QFETCH(const QString, field);
+        QFETCH(const QString, text);
+        QFETCH(const bool, saved);
+        Desk desk;
+        QVERIFY(desk.open());
+        desk.typeProfile(u"Home"_s, u"u"_s, u"p"_s, 1);
+        desk.type(field, text);
+        const QStringList typed = fieldTexts(desk);
+        desk.click(u"cmdConnect"_s);
+        QTRY_VERIFY(!desk.boxes.boxes.isEmpty());
+        QTEST(desk.boxes.onlyText(), "message");
+        QCOMPARE(desk.exists(store), saved);
+        QTRY_VERIFY(desk.control(u"cmdConnect"_s).isEnabled()); // the next poll gives it back
+        QCOMPARE(fieldTexts(desk), typed);
+        QCOMPARE(desk.link().state(), SocketState::Closed);
+    }
+
+    void aNewProfileIsSavedAndChosen()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        QCOMPARE(section(desk, "Home of admin"), (Lines{"Host=127.0.0.1", portOf(desk), "User=admin", "Pass=admin"}));
+        QCOMPARE(profileNames(desk), (QStringList{u"New Profile"_s, u"Home of admin"_s}));
+        QCOMPARE(desk.control<QComboBox>(u"cboProfile"_s).currentText(), u"Home of admin"_s);
+        QVERIFY(!desk.control(u"txtProfile"_s).isEnabled());
+        QVERIFY(!desk.control(u"cmdConnect"_s).isEnabled());
+        QCOMPARE(std::filesystem::status(desk.path(store)).permissions(),
+                 std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+        QTRY_COMPARE(status(desk), u"Connected"_s);
+    }
+
+    void aTypedNameThatExistsUpdatesItsProfile()
+    {
+        Desk desk;
+        desk.put(store, "; mine\r\n[Home]\r\nHost=old\r\nPort=1\r\nUser=u\r\nPass=p\r\n[Other]\r\nHost=x\r\nPort=2\r\n");
+        QVERIFY(desk.open());
+        QTRY_COMPARE(profileNames(desk).size(), 3);
+        desk.typeProfile(u"home"_s, u"guest"_s, u"guest"_s, desk.tracker.port());
+        desk.click(u"cmdConnect"_s);
+        QTRY_VERIFY(desk.core().session.loggedIn);
+        QCOMPARE(profileNames(desk), (QStringList{u"New Profile"_s, u"Home"_s, u"Other"_s}));
+        QCOMPARE(section(desk, "Home"), (Lines{"Host=127.0.0.1", portOf(desk), "User=guest", "Pass=guest"}));
+        QVERIFY(desk.bytesOf(store).startsWith("; mine\r\n[Home]"));
+        QVERIFY(desk.settles());
+    }
+
+    void aSavedProfileFillsTheFieldsByPosition()
+    {
+        Desk desk;
+        desk.put(store, "[\xC4rger]\nServer=host.example\nx=17\ny=\xFC\nz=p=q\n[Short]\nHost=h\n");
+        QVERIFY(desk.open());
+        QTRY_COMPARE(profileNames(desk), (QStringList{u"New Profile"_s, u"Ärger"_s, u"Short"_s}));
+        desk.chooseProfile(u"Ärger"_s);
+        QCOMPARE(fieldTexts(desk), (QStringList{u"Ärger"_s, u"host.example"_s, u"17"_s, u"ü"_s, u"p=q"_s}));
+        for (const auto* field : {u"txtProfile", u"txtHost", u"txtPort", u"txtUser", u"txtPass"})
+            QVERIFY(!desk.control(QString::fromUtf16(field)).isEnabled());
+        desk.chooseProfile(u"Short"_s); // has too little to be loaded
+        QCOMPARE(desk.text(u"txtHost"_s), u"host.example"_s);
+        desk.chooseProfile(u"New Profile"_s);
+        QCOMPARE(fieldTexts(desk).join(QString()), QString());
+        QVERIFY(desk.control(u"txtProfile"_s).isEnabled());
+        QVERIFY(desk.control(u"txtHost"_s).isEnabled());
+    }
+
+    void aDeletedProfileIsGone()
+    {
+        Desk desk;
+        desk.put(store, "[A]\nHost=a\nPort=1\n[B]\nHost=b\nPort=2\n[A]\nUser=again\n");
+        QVERIFY(desk.open());
+        QTRY_COMPARE(profileNames(desk).size(), 3);
+        desk.click(u"cmdDelete"_s);
+        QCOMPARE(desk.boxes.onlyText(), u"No Profiles Selected!"_s);
+        desk.chooseProfile(u"A"_s);
+        desk.click(u"cmdDelete"_s);
+        QCOMPARE(desk.bytesOf(store), "[B]\nHost=b\nPort=2\n");
+        QCOMPARE(profileNames(desk), (QStringList{u"New Profile"_s, u"B"_s}));
+        QCOMPARE(desk.control<QComboBox>(u"cboProfile"_s).currentText(), u"New Profile"_s);
+        QCOMPARE(fieldTexts(desk).join(QString()), QString());
+        QVERIFY(desk.control(u"txtProfile"_s).isEnabled());
+        QCOMPARE(desk.boxes.boxes.size(), 1);
+    }
+
+    void aStoreThatCannotBeUsedIsToldOnceAndStopsNobody_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("damaged") << "\xFF\xFE[\0H\0]\0\r\0\n\0"_ba;
+        QTest::newRow("a folder") << QByteArray();
+    }
+    void aStoreThatCannotBeUsedIsToldOnceAndStopsNobody()
+    {
+        QFETCH(const QByteArray, bytes);
+        Desk desk;
+        if (bytes.isEmpty())
+            std::filesystem::create_directory(desk.path(store));
+        else
+            desk.put(store, bytes);
+        QVERIFY(desk.open());
+        QTRY_COMPARE(desk.boxes.boxes.size(), 1);
+        QVERIFY(desk.boxes.onlyText().endsWith(u"Function/Sub: Login_FormLoad"_s));
+        QVERIFY(desk.logIn());
+        QCOMPARE(desk.boxes.boxes.size(), 1);
+        QCOMPARE(desk.bytesOf(store), bytes);
+    }
+
+    void afterADropTheFieldsCanBeChangedAndAreStored()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        desk.tracker.closeLinks();
+        QTRY_COMPARE(status(desk), u"Not Connected"_s);
+        QVERIFY(desk.control(u"qrvrcLogin"_s).isVisible());
+        QVERIFY(desk.control(u"txtUser"_s).isEnabled());
+        desk.type(u"txtUser"_s, u"moderator"_s);
+        desk.type(u"txtPass"_s, u"moderator"_s);
+        desk.click(u"cmdConnect"_s);
+        QTRY_COMPARE(desk.core().session.user, std::string("moderator"));
+        QVERIFY(desk.settles());
+        QCOMPARE(section(desk, "Home of admin"),
+                 (Lines{"Host=127.0.0.1", portOf(desk), "User=moderator", "Pass=moderator"}));
+        QCOMPARE(profileNames(desk).size(), 2);
+        QVERIFY(desk.boxes.boxes.isEmpty());
+    }
+
+    void disconnectingForgetsTheAccount()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        QVERIFY(desk.core().session.superAdmin);
+        QVERIFY(!desk.core().plugins.trackerNames.empty());
+        desk.clickTab(u"tsMain"_s, u"Login"_s);
+        desk.click(u"cmdDisconnect"_s);
+        QCOMPARE(desk.link().state(), SocketState::Closed);
+        QVERIFY(desk.core().session.user.empty());
+        QVERIFY(!desk.core().session.superAdmin);
+        QVERIFY(desk.core().plugins.trackerNames.empty());
+        QVERIFY(desk.control(u"cmdConnect"_s).isEnabled());
+        QCOMPARE(status(desk), u"Not Connected"_s);
+        QTRY_COMPARE(desk.tracker.links(), 0);
+        QVERIFY(desk.logIn(u"guest"_s));
+        QVERIFY(!desk.core().session.superAdmin);
+        QCOMPARE(desk.core().plugins.trackerVersions.size(), desk.core().plugins.trackerNames.size());
+    }
+
+    void aProfileNamedAtTheStartIsConnected()
+    {
+        Desk desk;
+        desk.put(store, "[Home]\nHost=127.0.0.1\nPort=" + QByteArray::number(desk.tracker.port()) +
+                            "\nUser=admin\nPass=admin\n");
+        QVERIFY(desk.open());
+        desk.frame().connectProfile(u"Nowhere"_s);
+        QCOMPARE(desk.boxes.onlyText(), u"There is no connection profile named 'Nowhere'."_s);
+        desk.frame().connectProfile(u"Home"_s);
+        QTRY_VERIFY(desk.core().session.loggedIn);
+        QCOMPARE(desk.boxes.boxes.size(), 1);
+        QVERIFY(desk.settles());
+    }
+};
+
+QTEST_MAIN(LoginWindowTest)
+#include "LoginWindowTest.moc"

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "app/qrvrcMain.h"
+#include "practice/Tracker.h"
+#include "support/RecordingDialogs.h"
+
+#include <QTemporaryDir>
+
+#include <filesystem>
+#include <memory>
+
+class QAbstractItemModel;
+class QTabBar;
+
+/// The whole client on a folder of its own, beside a practice tracker on loopback, used through its controls as a user
+/// does. Nobody takes its error reports.
+class Desk
+{
+public:
+    explicit Desk(practice::World world = practice::World::small());
+    ~Desk();
+
+    RecordingDialogs boxes;
+    practice::Tracker tracker;
+
+    /// Makes the frame as a start of the program does, and shows it.
+    /// @return what the start says about going on
+    bool open();
+    qrvrcMain& frame() { return *m_frame; }
+    ClientCore& core() { return m_frame->core(); }
+    clsWinSock& link() { return core().link; }
+
+    std::filesystem::path path(const char* layoutName) const;
+    /// Makes the file hold `bytes`; its folder is made too.
+    void put(const char* layoutName, const QByteArray& bytes) const;
+    /// Empty when there is no such file.
+    QByteArray bytesOf(const char* layoutName) const;
+    bool exists(const char* layoutName) const { return std::filesystem::exists(path(layoutName)); }
+
+    /// A control by its name, wherever in the frame; ends the program when there is none.
+    template <typename Control = QWidget>
+    Control& control(const QString& name)
+    {
+        auto* found = m_frame->findChild<Control*>(name);
+        if (!found)
+            qFatal("there is no control %s", qPrintable(name));
+        return *found;
+    }
+    /// Clicks the middle of a control with the left mouse button.
+    void click(const QString& name);
+    /// Clicks the tab with this caption.
+    void clickTab(const QString& strip, const QString& caption);
+    /// Replaces the text of a field by typing.
+    void type(const QString& field, const QString& text);
+    QString text(const QString& field);
+    QStringList tabs(const QString& strip);
+
+    /// Types a new connection profile into the login window. The host is this machine.
+    void typeProfile(const QString& name, const QString& user, const QString& password, quint16 port);
+    /// Chooses a saved connection profile with the keyboard.
+    void chooseProfile(const QString& name);
+    /// Opens the client if need be, logs in by way of a new connection profile, and waits until the profile list stands
+    /// still: its own refresh by the clock is off, so that requests come only from what a test does.
+    /// @param user  also the password
+    /// @return whether the profile list was reached
+    bool logIn(const QString& user = QStringLiteral("admin"));
+
+    QAbstractItemModel& grid();
+    /// Texts of one column of the profile list, from top to bottom.
+    QStringList column(int column);
+    /// Selects a profile by a click on its row.
+    void clickRow(int row);
+    /// Lets the profile list follow the tracker by the clock once.
+    /// @return whether it asked and has its answer
+    bool refreshQuietly();
+    /// Waits until no request is under way.
+    bool settles();
+
+    /// The newest request of that name; empty when there was none.
+    QByteArray lastRequest(const QByteArray& name) const;
+    qsizetype requestCount(const QByteArray& name) const;
+
+private:
+    QTemporaryDir m_folder;
+    std::unique_ptr<qrvrcMain> m_frame;
+};

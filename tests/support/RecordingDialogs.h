@@ -1,0 +1,35 @@
+#pragma once
+
+#include "diagnostics/MessageBoxes.h"
+
+#include <QList>
+
+/// Boxes that nobody sees: each is written down and closed at once, as by a user who is quick.
+class RecordingDialogs : public MessageBoxes
+{
+public:
+    struct Box
+    {
+        QString title;
+        QString text;
+
+        bool operator==(const Box&) const = default;
+    };
+
+    QList<Box> boxes;                ///< all so far, questions and trapped errors too, oldest first
+    QList<bool> deliveries;          ///< outcomes of the error reports, in the order in which they came
+    bool answer = true;              ///< to every question
+    std::function<void()> whileOpen; ///< runs while a box is open
+
+    void show(const QString& title, const QString& text) override;
+    bool confirm(const QString& title, const QString& question) override;
+    void showTrapped(const QString& title, const QString& errorText, const ReportDelivery& deliver) override;
+
+    /// How many boxes of that title there were.
+    qsizetype count(const QString& title) const;
+    /// The text of the only box so far; says what was shown instead when there is not exactly one.
+    QString onlyText() const;
+
+private:
+    void open(const QString& title, const QString& text);
+};
