@@ -30,7 +30,7 @@ private:
     }
 };
 
-/// The client on a folder of its own that holds the shipped files, shown.
+/// The client on a folder that holds the shipped files, shown.
 class QuietDesk
 {
 public:
@@ -46,10 +46,14 @@ public:
         frame->show();
     }
 
-    std::filesystem::path folder() const { return m_folder.path().toStdU16String(); }
+    /// One for all desks of a run: the profiles' folders, of which there may be thousands, are made once.
+    static std::filesystem::path folder()
+    {
+        static const QTemporaryDir all;
+        return all.path().toStdU16String();
+    }
 
 private:
-    QTemporaryDir m_folder;
     NoBoxes m_boxes;
 
 public:

@@ -21,6 +21,7 @@ declare -A packages=(
     "
     # What ./run needs where there is no display.
     [headless]="
+        fonts-dejavu-core   # the window manager's titles; what it finds otherwise does not fit into them
         fonts-liberation2   # as above
         openbox             # a window manager: without one no window becomes active
         scrot               # takes the picture of the screen
@@ -80,7 +81,7 @@ install_missing() { # purpose...
             echo "Missing Debian packages, to be installed as root: $missing" >&2
             exit 1
         fi
-        read -r -p "Missing Debian packages: $missing. Install them with sudo? [y/N] " answer
+        read -r -p "Missing Debian packages: $missing. Install them with sudo? [y/N] " answer || answer=n
         if [[ ! $answer =~ ^[yY] ]]; then
             echo "Not installed, and nothing works without: $missing" >&2
             exit 1

@@ -13,7 +13,7 @@ struct Room
     Answer (*answer)(World&, const Account&, const Request&);
 };
 
-constexpr std::array<Room, 17> rooms{{
+constexpr std::array<Room, 18> rooms{{
     {"GetStatus", answerGetStatus},
     {"GetProfiles", answerGetProfiles},
     {"GetProfile", answerGetProfile},
@@ -31,6 +31,7 @@ constexpr std::array<Room, 17> rooms{{
     {"GetPlayerStats", answerGetPlayerStats},
     {"GetFileList", answerGetFileList},
     {"GetRemFile", answerGetRemFile},
+    {"RCData", answerRawRequest},
 }};
 
 } // namespace

@@ -46,5 +46,9 @@ Answer answerKickProfileAdmin(World& world, const Account& who, const Request& r
 Answer answerGetPlayerStats(World& world, const Account& who, const Request& request);
 Answer answerGetFileList(World& world, const Account& who, const Request& request);
 Answer answerGetRemFile(World& world, const Account& who, const Request& request);
+/// A raw request: a message to one of the tracker's plugins, or nothing that the tracker knows. The reply ends the
+/// client's wait whatever comes of it: with an empty body, which no part of the client takes for its own, or with a
+/// body that begins with "Plugin", which the client hands to its counterpart of the plugin.
+Answer answerRawRequest(World& world, const Account& who, const Request& request);
 
 } // namespace practice

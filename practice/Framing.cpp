@@ -57,7 +57,7 @@ Request Request::parse(const QByteArray& body)
 {
     constexpr char separator[] = "_VB6_";
     const qsizetype at = body.lastIndexOf(separator); // a tail holds none, a user name might
-    if (at < 0)
+    if (at < 0 || body.startsWith("Plugin_"))         // plugins may say anything to each other
         return {"RCData", body, {}};
     const QByteArray head = body.left(at);
     const QByteArray tail = body.mid(at + static_cast<qsizetype>(sizeof separator) - 1);

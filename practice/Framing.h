@@ -22,6 +22,8 @@ public:
     /// @return the bodies completed by `bytes`, in order: what stands between "[ST]" and "[ND]", or everything before
     /// "[ND]" when there is no "[ST]"
     QList<QByteArray> take(const QByteArray& bytes);
+    /// Whether a request has begun and not ended.
+    bool isInside() const { return !m_pending.isEmpty(); }
     /// Whether the pending bytes exceed maxPending; the connection is then to be ended.
     bool overflown() const { return m_pending.size() > maxPending; }
 
@@ -33,7 +35,7 @@ private:
 /// A request body taken apart.
 struct Request
 {
-    QByteArray name; ///< "Login" for a login, "RCData" for a body without "_VB6_"
+    QByteArray name; ///< "Login" for a login, "RCData" for a body without "_VB6_" or for a plugin
     QByteArray rest; ///< what stands between the name's "_" and "_VB6_"; for RCData the whole body
     QByteArray tail; ///< what follows "_VB6_"
 

@@ -1,6 +1,7 @@
 #include "practice/Options.h"
 
 #include <QCommandLineParser>
+#include <QRegularExpression>
 
 namespace practice {
 
@@ -47,6 +48,20 @@ Misbehaviour misbehaviourOf(const QString& text)
     return {bytes.left(equals), *fault};
 }
 
+/// Names and versions travel between separators that they must not hold.
+PluginChoice pluginOf(const QString& text)
+{
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(u"([A-Za-z][A-Za-z0-9 ]*)=([A-Za-z0-9.]*)"_s));
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        throw BadUsage{u"--plugin takes NAME=VERSION in letters, digits, blanks and dots, not \"%1\""_s.arg(text)};
+    PluginChoice choice{.name = match.captured(1).toLatin1(), .version = match.captured(2).toLatin1()};
+    if (choice.version == "none")
+        choice.version.reset();
+    return choice;
+}
+
 } // namespace
 
 std::variant<Options, Notice, UsageError> readOptions(const QStringList& arguments)
@@ -64,6 +79,10 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
          u"Answers every REQUEST (* for all) with FAULT: %1. May be repeated."_s.arg(
              QString::fromLatin1(Fault::names())),
          u"REQUEST=FAULT"_s},
+        {u"plugin"_s,
+         u"The tracker's plugin demands VERSION, a file version without dots; \"none\" takes the plugin away, nothing "
+         "leaves the version empty. May be repeated."_s,
+         u"NAME=VERSION"_s},
         {u"verbose"_s, u"Names every request on standard error."_s},
     });
     const QCommandLineOption version({u"version"_s}, u"Shows the version and ends."_s);
@@ -89,6 +108,8 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
         options.verbose = parser.isSet(u"verbose"_s);
         for (const QString& text : parser.values(u"misbehave"_s))
             options.misbehaviours += misbehaviourOf(text);
+        for (const QString& text : parser.values(u"plugin"_s))
+            options.plugins += pluginOf(text);
         return options;
     } catch (const BadUsage& bad) {
         return UsageError{bad.text};

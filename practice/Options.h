@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
 #include <variant>
 
 namespace practice {
@@ -16,6 +17,13 @@ struct Misbehaviour
 {
     QByteArray request;
     Fault fault;
+};
+
+/// A plugin of the tracker and the version that it demands of its counterpart.
+struct PluginChoice
+{
+    QByteArray name;
+    std::optional<QByteArray> version; ///< nothing takes the plugin away; empty for a plugin that tells no version
 };
 
 /// What the command line asks for.
@@ -28,6 +36,7 @@ struct Options
     bool still = false; ///< the world does not move on
     bool verbose = false;
     QList<Misbehaviour> misbehaviours;
+    QList<PluginChoice> plugins;
 };
 
 /// A text for standard output after which the program ends well.

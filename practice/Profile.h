@@ -95,6 +95,7 @@ struct HostProcess
     int id = 0;
     QByteArray name;
     QByteArray gameVersion;
+    int startedFor = 0; ///< the profile for which the tracker started it; 0 when it was there already
 };
 
 } // namespace practice

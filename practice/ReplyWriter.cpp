@@ -102,10 +102,16 @@ ReplyWriter::ReplyWriter(QTcpSocket& socket, QObject* parent) : QObject(parent),
 void ReplyWriter::reply(const QByteArray& body, const Fault& fault)
 {
     const Delivery delivery = planDelivery(body, fault);
-    if (fault.kind() == Fault::Kind::Late)
-        QTimer::singleShot(fault.delay(), this, [this, delivery] { deliver(delivery); });
-    else
+    m_endless = !delivery.bytes.endsWith("[ND]");
+    if (fault.kind() == Fault::Kind::Late) {
+        ++m_late;
+        QTimer::singleShot(fault.delay(), this, [this, delivery] {
+            --m_late;
+            deliver(delivery);
+        });
+    } else {
         deliver(delivery);
+    }
 }
 
 void ReplyWriter::deliver(const Delivery& delivery)

@@ -34,6 +34,8 @@ public:
     /// Queues the framed `body`; a late one is queued when its time has come.
     void reply(const QByteArray& body, const Fault& fault);
     void deliver(const Delivery& delivery);
+    /// Whether the client still waits for a reply: one is late or not out yet, or the last one never gets its end.
+    bool owesReply() const { return m_late > 0 || !m_queue.isEmpty() || m_endless; }
     /// Closes once everything queued so far is out.
     void closeAfterwards();
     /// Closes the connection at once in such a way that the peer sees a reset.
@@ -46,6 +48,8 @@ private:
     QTcpSocket& m_socket;
     QQueue<Delivery> m_queue;
     QTimer m_next;
+    int m_late = 0;         // replies whose time has not come
+    bool m_endless = false; // whether the last reply lacks its end
 };
 
 } // namespace practice

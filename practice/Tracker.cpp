@@ -17,8 +17,7 @@ const QByteArray notLoggedIn = "Login Failed: log in first.";
 
 Tracker::Tracker(World world, QObject* parent) : QObject(parent), m_world(std::move(world))
 {
-    m_second.setInterval(std::chrono::seconds(1));
-    connect(&m_second, &QTimer::timeout, this, [this] { m_world.advance(std::chrono::seconds(1)); });
+    connect(&m_second, &QTimer::timeout, this, &Tracker::moveOn);
     connect(&m_server, &QTcpServer::newConnection, this, &Tracker::acceptLinks);
 }
 
@@ -88,12 +87,38 @@ void Tracker::resetLinks()
         session->writer().reset();
 }
 
-void Tracker::setLively(bool lively)
+void Tracker::setLively(bool lively, std::chrono::milliseconds second)
 {
     if (lively)
-        m_second.start();
+        m_second.start(second);
     else
         m_second.stop();
+}
+
+int Tracker::sendPluginNews()
+{
+    QList<TrackerSession*> listeners;
+    for (TrackerSession* session : std::as_const(m_sessions)) {
+        const Account* account = m_world.account(session->account);
+        if (account && account->mayUse(matchWatch) && !session->isAnswering())
+            listeners += session;
+    }
+    const QByteArray line = m_world.plugin(matchWatch) && !listeners.isEmpty() ? m_world.eliminate() : QByteArray();
+    if (line.isEmpty())
+        return 0;
+    for (TrackerSession* session : std::as_const(listeners))
+        session->writer().deliver({.bytes = framed("Plugin_qrvWatch_" + line)});
+    return static_cast<int>(listeners.size());
+}
+
+void Tracker::moveOn()
+{
+    m_world.advance(std::chrono::seconds(1));
+    m_sinceNews += std::chrono::seconds(1);
+    if (m_world.newsEvery == std::chrono::seconds(0) || m_sinceNews < m_world.newsEvery)
+        return;
+    m_sinceNews = {};
+    sendPluginNews();
 }
 
 void Tracker::acceptLinks()

@@ -61,8 +61,13 @@ public:
     void resetLinks();
     int links() const { return static_cast<int>(m_sessions.size()); }
 
-    /// Whether the world moves on by a second every second.
-    void setLively(bool lively);
+    /// Whether the world moves on by a second every `second`, and its plugins send their news.
+    void setLively(bool lively, std::chrono::milliseconds second = std::chrono::seconds(1));
+
+    /// Sends a message of "Match Watch" to its counterparts: on links whose account may use the plugin and which wait
+    /// for no reply, because the message would take that reply's place.
+    /// @return how many links got it; 0 also when there is no such plugin, or nothing to tell
+    int sendPluginNews();
 
 Q_SIGNALS:
     /// A request has come in and is not answered yet, so that a fault set here still applies to it.
@@ -70,6 +75,7 @@ Q_SIGNALS:
     void linksChanged(int links);
 
 private:
+    void moveOn();
     void acceptLinks();
     void handle(TrackerSession* session, const QByteArray& body);
     Answer answerFor(TrackerSession& session, const Request& request);
@@ -83,6 +89,7 @@ private:
     QTcpServer m_server;
     quint16 m_port = 0;
     QTimer m_second;
+    std::chrono::seconds m_sinceNews{0};
     QList<TrackerSession*> m_sessions; // owned through QObject parenthood
     QList<QByteArray> m_requests;
     QHash<QByteArray, QQueue<Fault>> m_nextFaults;

@@ -20,6 +20,8 @@ public:
 
     QByteArray peerAddress() const;
     ReplyWriter& writer() { return m_writer; }
+    /// Whether a request is on its way in or its reply on its way out.
+    bool isAnswering() const { return m_reader.isInside() || m_writer.owesReply(); }
 
 Q_SIGNALS:
     void bodyReceived(const QByteArray& body);

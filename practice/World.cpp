@@ -1,6 +1,7 @@
 #include "practice/World.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace practice {
 
@@ -9,6 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype maxLogLines = 500;
+constexpr int processIdStep = 4; // the host's system hands out multiples of it
 
 QByteArray folderOf(const LogFile& file)
 {
@@ -57,6 +59,26 @@ const HostProcess* World::process(int id) const
     return find(processes, &HostProcess::id, id);
 }
 
+const TrackerPlugin* World::plugin(const QByteArray& name) const
+{
+    const TrackerPlugin* found = find(plugins, &TrackerPlugin::name, name);
+    return found && found->enabled ? found : nullptr;
+}
+
+void World::setPluginVersion(const QByteArray& name, const QByteArray& demanded)
+{
+    if (TrackerPlugin* known = find(plugins, &TrackerPlugin::name, name))
+        known->version = demanded;
+    else
+        plugins += TrackerPlugin{
+            .name = name, .file = "qrv" + QByteArray(name).replace(' ', "") + ".dll", .version = demanded};
+}
+
+void World::removePlugin(const QByteArray& name)
+{
+    plugins.removeIf([&](const TrackerPlugin& candidate) { return candidate.name == name; });
+}
+
 QList<PrivilegeSection> World::sections() const
 {
     QList<PrivilegeSection> all = standardSections();
@@ -88,6 +110,20 @@ bool World::detach(int profileId)
     if (!target || !target->isAttached())
         return false;
     target->leaveGame();
+    return true;
+}
+
+bool World::startGame(int profileId)
+{
+    const Profile* target = profile(profileId);
+    const bool startable = target && !target->isAttached() && target->gameVersion == deltaForce;
+    if (!startable || find(processes, &HostProcess::startedFor, profileId))
+        return false;
+    int highest = 0;
+    for (const HostProcess& running : std::as_const(processes))
+        highest = std::max(highest, running.id);
+    const int id = (highest / processIdStep + 1 + below(40)) * processIdStep;
+    processes += {.id = id, .name = deltaForce, .gameVersion = deltaForce, .startedFor = profileId};
     return true;
 }
 

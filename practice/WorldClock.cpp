@@ -11,6 +11,12 @@ namespace {
 constexpr int scoreSeconds = 20;
 constexpr int shortestMapSeconds = 12 * 60;
 constexpr int longestMapSeconds = 30 * 60;
+constexpr int mostFirstPlayers = 6; // who stand ready when a game opens
+
+bool isPlaying(const Profile& profile)
+{
+    return profile.state == GameState::Hosting || profile.state == GameState::HostingSquad;
+}
 
 } // namespace
 
@@ -34,7 +40,7 @@ void World::advanceOneSecond(Profile& profile)
 {
     if (profile.state == GameState::NotHosting || profile.state == GameState::NotActive)
         return;
-    const bool playing = profile.state == GameState::Hosting || profile.state == GameState::HostingSquad;
+    const bool playing = isPlaying(profile);
     if (playing)
         play(profile);
     profile.secondsLeft = std::max(0, profile.secondsLeft - 1);
@@ -55,6 +61,9 @@ void World::advanceOneSecond(Profile& profile)
     } else {
         profile.enter(GameState::Hosting);
         profile.secondsLeft = shortestMapSeconds + below(longestMapSeconds - shortestMapSeconds);
+        const int first = profile.players.isEmpty() ? std::min(2 + below(mostFirstPlayers - 1), profile.maxPlayers) : 0;
+        for (int i = 0; i < first; ++i)
+            addPlayer(profile);
     }
 }
 
@@ -87,6 +96,29 @@ void World::play(Profile& profile)
         player.deaths += below(40) == 0 ? 1 : 0;
         player.medicSaves += below(60) == 0 ? 1 : 0;
     }
+}
+
+QByteArray World::eliminate()
+{
+    QList<Profile*> matches;
+    for (Profile& profile : profiles) {
+        if (isPlaying(profile) && profile.players.size() > 1)
+            matches += &profile;
+    }
+    if (matches.isEmpty())
+        return {};
+    Profile& match = *matches[below(static_cast<int>(matches.size()))];
+    const int players = static_cast<int>(match.players.size());
+    const int first = below(players);
+    Player& killer = match.players[first];
+    Player& victim = match.players[(first + 1 + below(players - 1)) % players];
+    WeaponUse& use = killer.weapons[below(static_cast<int>(killer.weapons.size()))];
+    ++killer.kills;
+    ++use.kills;
+    ++victim.deaths;
+    QByteArray line = match.name + ": " + killer.name + " eliminated " + victim.name + " (" + use.weapon + ')';
+    // Whoever names himself like a marker must not cut the message.
+    return line.replace("[ST]", "(ST)").replace("[ND]", "(ND)");
 }
 
 void World::addPlayer(Profile& profile)

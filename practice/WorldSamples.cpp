@@ -37,17 +37,20 @@ QList<Account> sampleAccounts(const QList<Profile>& profiles)
     some.grant("Profiles", "Attach Profiles to Games").grant("Profiles", "Detach Profiles from Games");
     some.grant("Profiles", "Start Game from QRV").grant("Profile Admins", "View Connectivity Log");
     some.grant("Profile Admins", "View Users").grant("Profile Admins", "Kick User").grant("Options", "View Options");
+    some.grant(autoStart, "Start Server");
+    Privileges none;
+    none.grant(autoStart, restrictAccess).grant(matchWatch, restrictAccess);
     return {
         {.name = "admin", .password = "admin", .super = true, .profiles = all},
         {.name = "moderator", .password = "moderator", .privileges = some, .profiles = all},
-        {.name = "guest", .password = "guest", .profiles = all},
+        {.name = "guest", .password = "guest", .privileges = none, .profiles = all},
     };
 }
 
 QList<TrackerPlugin> samplePlugins()
 {
-    return {{.name = "BHD Auto Start", .file = "qrvAutoStart.dll", .version = "1.0.0.2"},
-            {.name = "Chat Relay", .file = "qrvChatRelay.dll", .version = "1.2.0.0"}};
+    return {{.name = autoStart, .file = "qrvBHDGS.dll", .version = "1000"},
+            {.name = matchWatch, .file = "qrvWatch.dll", .version = "1000"}};
 }
 
 QMap<QByteArray, QByteArray> samplePictures()
@@ -152,6 +155,7 @@ World World::lively(quint32 seed, const QDateTime& now)
     world.clock = now;
     world.chance.seed(seed);
     world.supportPort = 8000;
+    world.newsEvery = std::chrono::seconds(10);
     world.pictures = samplePictures();
     world.plugins = samplePlugins();
     world.statsSystems = {"Quorvane Alpha", "Quorvane Classic", "Standard PHP Stats"};
@@ -160,7 +164,7 @@ World World::lively(quint32 seed, const QDateTime& now)
         for (int i = 0; i < sketch.players; ++i)
             world.addPlayer(profile);
         if (profile.isAttached())
-            world.processes += {profile.process, processName(profile.gameVersion), profile.gameVersion};
+            world.processes += HostProcess{profile.process, processName(profile.gameVersion), profile.gameVersion};
         world.profiles += profile;
     }
     world.processes += {{2120, "dfserver.exe", deltaForce}, {2264, "dfserver.exe", deltaForce}};
@@ -195,7 +199,7 @@ World World::small()
         Profile profile = drawn(sketch, static_cast<int>(world.profiles.size()) + 1);
         if (profile.isAttached()) {
             profile.process = 100 * profile.id;
-            world.processes += {profile.process, processName(profile.gameVersion), profile.gameVersion};
+            world.processes += HostProcess{profile.process, processName(profile.gameVersion), profile.gameVersion};
         }
         for (int slot = 0; slot < sketch.players; ++slot) {
             const QByteArray name = playerName(slot + 5 * (profile.id / 3));
@@ -239,7 +243,7 @@ World World::many(int profiles, int playersEach, quint32 seed)
             const QByteArray name = playerName(slot);
             profile.players += newcomer(name, identityOf(name, slot), slot, slot % 2 + 1);
         }
-        world.processes += {profile.process, processName(profile.gameVersion), profile.gameVersion};
+        world.processes += HostProcess{profile.process, processName(profile.gameVersion), profile.gameVersion};
         world.profiles += profile;
     }
     world.accounts = sampleAccounts(world.profiles);

@@ -66,6 +66,12 @@ int complain(const QString& text)
 int serve(QCoreApplication& app, const Options& options)
 {
     Tracker tracker(worldFor(options));
+    for (const PluginChoice& choice : options.plugins) {
+        if (choice.version)
+            tracker.world().setPluginVersion(choice.name, *choice.version);
+        else
+            tracker.world().removePlugin(choice.name);
+    }
     WebSide web;
     for (const Misbehaviour& misbehaviour : options.misbehaviours) {
         if (misbehaviour.request == "*")

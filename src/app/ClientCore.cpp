@@ -22,9 +22,29 @@ ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterfac
                }),
       replies(reporter, interface),
       link(wsMain, wSupport, session, replies),
+      components(folder),
       client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection},
-      pluginHost(client, plugins)
+      pluginHost(client, plugins, components, problems, pluginAccess(), setup.version)
 {}
+
+PluginAccess ClientCore::pluginAccess()
+{
+    return {
+        .isRestricted = [this](const std::string& plugin) { return permissions.isPluginRestricted(plugin); },
+        .privileges =
+            [this](const std::string& plugin) {
+                const auto listOf = [](const PermissionRecord::Privileges& privileges) {
+                    std::vector<std::string> texts;
+                    for (const auto& [name, value] : privileges)
+                        texts.push_back(name + '=' + value);
+                    return ComponentValue::listOf(texts);
+                };
+                const PermissionRecord* found = permissions.find(plugin);
+                const PermissionRecord record = found ? *found : PermissionRecord();
+                return std::array<ComponentValue, 2>{listOf(record.privileges), listOf(record.further)};
+            },
+    };
+}
 
 HelperServices ClientCore::services(const QUrl& makerHost, HelpOpener showHelp)
 {

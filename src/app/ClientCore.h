@@ -8,8 +8,10 @@
 #include "navigation/PermissionRecords.h"
 #include "navigation/SelectedProfile.h"
 #include "platform/CodePage.h"
+#include "platform/Component.h"
 #include "platform/Inet.h"
 #include "platform/Winsock.h"
+#include "plugins/ComponentEntries.h"
 #include "plugins/PluginHost.h"
 #include "plugins/PluginTable.h"
 #include "store/AppFolder.h"
@@ -31,6 +33,8 @@ struct Setup
     std::filesystem::path folder; ///< the application folder; exists
     QUrl makerHost;               ///< web host behind the built-in addresses
     std::string version;          ///< four parts
+    /// This executable, which tries components that are new in a process of their own; empty to try none.
+    std::filesystem::path program = {};
     /// The boxes to speak through; null for real windows.
     MessageBoxes* boxes = nullptr;
 };
@@ -59,9 +63,12 @@ struct ClientCore
     PluginTable plugins;           ///< written by the plugin host
     SelectedProfile selected;      ///< written by the profile list
     bool updatesAvailable = false; ///< written by the update check
+    ProblemFiles problems;         ///< written by the component check
+    Components components;
     Client client;
     PluginHost pluginHost;
 
 private:
+    PluginAccess pluginAccess();
     HelperServices services(const QUrl& makerHost, HelpOpener showHelp);
 };

@@ -44,6 +44,17 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
             line.wish = argument == "--version" ? CommandLine::Wish::ShowVersion : CommandLine::Wish::ShowHelp;
             return line;
         }
+        if (argument == "--probe-component" && index + 2 < arguments.size()) {
+            line.wish = CommandLine::Wish::ProbeComponent;
+            line.componentFile = arguments[++index];
+            line.componentClass = arguments[++index];
+            continue;
+        }
+        if (argument == "--register-component" && index + 1 < arguments.size()) {
+            line.wish = CommandLine::Wish::RegisterComponent;
+            line.componentFile = arguments[++index];
+            continue;
+        }
         const Option* option = optionNamed(name);
         if (!option)
             return complain("unknown argument '" + argument + "' (see --help)");

@@ -15,7 +15,7 @@ QString asText(const std::filesystem::path& path)
 void removeIfPresent(const std::filesystem::path& path)
 {
     std::error_code fault;
-    std::filesystem::remove(path, fault);
+    std::filesystem::remove_all(path, fault);
     if (fault)
         throwFileError(fault, path);
 }
@@ -31,7 +31,6 @@ HandOver handOverUpdates(const AppFolder& folder)
             QProcess::startDetached(asText(folder.path("\\QRVV3Updater.exe")), {}, asText(folder.root()));
         return started ? HandOver::UpdaterStarted : HandOver::UpdaterMissing;
     }
-    removeIfPresent(folder.path("\\Updates\\updates.ini"));
     removeIfPresent(folder.path("\\Updates"));
     return HandOver::Nothing;
 }

@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+#include "app/ComponentProbe.h"
 #include "app/Look.h"
 #include "app/ShippedFiles.h"
 #include "app/qrvrcMain.h"
@@ -50,6 +51,16 @@ QString textOf(const std::filesystem::path& path)
     return QString::fromStdU16String(path.u16string());
 }
 
+/// Registers a component file of an application folder, as the component check does when the user asks it to.
+int registerComponent(const std::filesystem::path& folder, const std::filesystem::path& file)
+{
+    const AppFolder appFolder(folder);
+    if (Components(appFolder).registerFile(std::filesystem::absolute(file)))
+        return 0;
+    std::cerr << "qrvv3rc: '" << file.string() << "' cannot be registered\n";
+    return 1;
+}
+
 int run(Application& application, const CommandLine& line, const QUrl& makerHost)
 {
     const std::filesystem::path executable = pathOf(QCoreApplication::applicationDirPath());
@@ -73,7 +84,10 @@ int run(Application& application, const CommandLine& line, const QUrl& makerHost
     }
 
     applyLook();
-    qrvrcMain frame({.folder = folder, .makerHost = makerHost, .version = QRVRC_VERSION});
+    qrvrcMain frame({.folder = folder,
+                     .makerHost = makerHost,
+                     .version = QRVRC_VERSION,
+                     .program = pathOf(QCoreApplication::applicationFilePath())});
     application.reporter = &frame.core().reporter;
     if (!frame.MDIFormLoad())
         return 0;
@@ -101,6 +115,12 @@ int main(int argc, char** argv)
     case CommandLine::Wish::ShowHelp:
         std::cout << commandLineHelp();
         return 0;
+    case CommandLine::Wish::ProbeComponent:
+        return runComponentProbe(argc, argv, QFile::decodeName(line.appFolder.value_or(".").c_str()).toStdU16String(),
+                                 QFile::decodeName(line.componentFile.c_str()).toStdU16String(), line.componentClass);
+    case CommandLine::Wish::RegisterComponent:
+        return registerComponent(QFile::decodeName(line.appFolder.value_or(".").c_str()).toStdU16String(),
+                                 QFile::decodeName(line.componentFile.c_str()).toStdU16String());
     case CommandLine::Wish::Run:
         break;
     }

@@ -3,7 +3,6 @@
 #include "link/Client.h"
 #include "ui/StripTabBar.h"
 
-#include <QApplication>
 #include <QIcon>
 #include <QLabel>
 #include <QStackedWidget>
@@ -34,7 +33,7 @@ qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* pare
 {
     setObjectName(u"qrvrcAbout"_s);
     auto* emblem = new QLabel;
-    emblem->setPixmap(QApplication::windowIcon().pixmap(QSize(96, 96), devicePixelRatioF()));
+    emblem->setPixmap(QIcon(u":/emblem.png"_s).pixmap(QSize(96, 96), devicePixelRatioF()));
     emblem->setAlignment(Qt::AlignCenter);
     auto* tsAbout = new StripTabBar(u"tsAbout"_s, client.pictures, "\\background.gif", this);
     tsAbout->setAccessibleName(u"About"_s);
@@ -51,7 +50,7 @@ qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* pare
     layout->setContentsMargins(40, 24, 40, 24);
     layout->setSpacing(18);
     layout->addWidget(emblem);
-    layout->addWidget(tsAbout, 0, Qt::AlignHCenter);
+    layout->addWidget(tsAbout);
     layout->addWidget(pages, 1);
 }
 

@@ -1,5 +1,6 @@
 #include "app/qrvrcMain.h"
 
+#include "app/ComponentProbe.h"
 #include "app/HelpKey.h"
 #include "app/Housekeeping.h"
 #include "app/PendingWindow.h"
@@ -10,6 +11,9 @@
 #include "link/LoginExchange.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
+#include "plugins/ComponentCheck.h"
+#include "profiles/ProfileActions.h"
+#include "profiles/qrvrcNotePad.h"
 #include "profiles/qrvrcProfilesList.h"
 #include "ui/Dialogs.h"
 #include "ui/Twips.h"
@@ -57,6 +61,9 @@ qrvrcMain::qrvrcMain(const Setup& setup)
           [this](const std::filesystem::path& file, const QString& topic) { showHelp(file, topic); })),
       m_version(setup.version)
 {
+    if (!setup.program.empty())
+        m_core->components.setProbe(
+            childProcessProbe(QString::fromStdU16String(setup.program.u16string()), setup.folder));
     buildFrame();
     registerWindows();
     wireLink();
@@ -89,6 +96,7 @@ void qrvrcMain::buildFrame()
     m_pages->setGeometry(1, navigationHeight, inner.width() - 3, inner.height() - 30);
     m_progress = new qrvrcProgress(this);
     connect(m_menu, &qrvrcMenu::windowWanted, this, &qrvrcMain::showWindow);
+    connect(m_menu, &qrvrcMenu::pluginWanted, this, &qrvrcMain::showPlugin);
 }
 
 void qrvrcMain::registerWindows()
@@ -106,18 +114,27 @@ void qrvrcMain::registerWindows()
         Pending{u"qrvrcUpdate", u"Update", u"Update"},
         Pending{u"qrvrcHelp", u"Help", u"Help"},
         Pending{u"qrvrcProfileAdmin", u"Admin", u"Profile Admins"},
+        Pending{u"qrvrcModify", u"Modify Profile", u"Profile List"},
+        Pending{u"qrvrcPlayerStats", u"View Player Stats", u"Profile List"},
+        Pending{u"qrvrcFileManager", u"Remote File Viewer", u"Profile List"},
     };
     WindowRegistry& windows = m_core->windows;
     windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
     windows.add(u"qrvrcProfilesList"_s, [this] {
-        auto* list =
-            new qrvrcProfilesList(m_core->client, m_core->permissions, m_core->plugins, m_core->selected, m_pages);
+        const ActionHooks hooks{
+            .navigation = m_menu,
+            .startGame = [this](std::int32_t profileId) { startGame(profileId); },
+            .showWindow = [this](const QString& name) { showWindow(name); },
+        };
+        auto* list = new qrvrcProfilesList(m_core->client, m_core->permissions, m_core->plugins, m_core->selected,
+                                           hooks, m_pages);
         connect(list, &qrvrcProfilesList::quitRequested, this, &qrvrcMain::close);
-        connect(list, &qrvrcProfilesList::actionChosen, this, [this](const QString&) {
-            m_core->reporter.ReportMsg(MessageKind::Error, u"This action is not part of this version yet."_s);
-        });
+        connect(list, &qrvrcProfilesList::pluginChosen, this, &qrvrcMain::showPlugin);
+        connect(&m_core->pluginHost, &PluginHost::tableChanged, list, &qrvrcProfilesList::followPlugins);
+        list->followPlugins();
         return list;
     });
+    windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
     for (const Pending& window : pending) {
         const QString name = QString::fromUtf16(window.window);
@@ -182,9 +199,24 @@ bool qrvrcMain::MDIFormLoad()
             m_core->folder.makeFolder(folder);
         goesOn = !updaterTakesOver();
     });
-    if (goesOn)
-        loadNavigation();
-    return goesOn;
+    if (!goesOn || !componentsAreChecked())
+        return false;
+    loadNavigation();
+    return true;
+}
+
+bool qrvrcMain::componentsAreChecked()
+{
+    ComponentCheck check(
+        m_core->client,
+        {.create = [this](const std::string& progId) { m_core->components.createObject(progId); },
+         .registerFile = [this](const std::filesystem::path& file) { return m_core->components.registerFile(file); },
+         .showText =
+             [this](const QString& caption, const QString& text) {
+                 static_cast<qrvrcNotePad*>(m_core->windows.window(u"qrvrcNotePad"_s))->showText(caption, text);
+             }},
+        m_core->problems);
+    return check.run(this);
 }
 
 bool qrvrcMain::updaterTakesOver()
@@ -229,6 +261,7 @@ void qrvrcMain::showWindow(const QString& name)
     auto* window = static_cast<WorkingWindow*>(m_core->windows.window(name));
     if (!window)
         return;
+    m_core->pluginHost.hideInterface();
     if (m_front != window) {
         window->setGeometry(m_pages->rect());
         if (m_front)
@@ -238,6 +271,17 @@ void qrvrcMain::showWindow(const QString& name)
     }
     if (window->isEnabled())
         window->Form_Activate();
+}
+
+void qrvrcMain::showPlugin(const std::string& plugin, const std::string& menuItem)
+{
+    m_core->reporter.trap("frmMenu_tsSM_Click",
+                          [&] { m_core->pluginHost.showInterface(plugin, m_core->selected.id, menuItem, *this); });
+}
+
+void qrvrcMain::startGame(std::int32_t profileId)
+{
+    m_core->pluginHost.showInterface(std::string(startPlugin), profileId, {}, *this);
 }
 
 void qrvrcMain::showHelp(const std::filesystem::path& file, const QString& topic)

@@ -28,7 +28,7 @@ public:
     ~qrvrcMain() override;
 
     /// Does what a start needs before the frame is shown.
-    /// @return false when the program is to end at once, because an updater has taken over
+    /// @return false when the program is to end at once: an updater has taken over, or the user quits
     bool MDIFormLoad();
     /// Chooses a saved connection profile and presses Connect; says so when there is no such profile.
     void connectProfile(const QString& name);
@@ -52,6 +52,9 @@ private:
     void wireLink();
     void loadNavigation();
     bool updaterTakesOver();
+    bool componentsAreChecked();
+    void showPlugin(const std::string& plugin, const std::string& menuItem);
+    void startGame(std::int32_t profileId);
     void showHelp(const std::filesystem::path& file, const QString& topic);
     void unload();
     qrvrcLogin& login();

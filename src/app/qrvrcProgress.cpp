@@ -37,7 +37,6 @@ qrvrcProgress::qrvrcProgress(QWidget* parent) : QDialog(parent)
     setWindowTitle(u"Recieving Data....."_s);
     setWindowModality(Qt::ApplicationModal);
     setCursor(Qt::WaitCursor);
-    buildControls();
     tmrProgress = new QTimer(this);
     tmrProgress->setObjectName(u"tmrProgress"_s);
     tmrProgress->setInterval(100ms);
@@ -66,6 +65,8 @@ void qrvrcProgress::buildControls()
 void qrvrcProgress::DoProgress(qint32 total, qint32 received, bool update)
 {
     if (!update) {
+        if (!pbData)
+            buildControls(); // most runs never see a large reply
         pbData->setRange(0, std::max(total, 1));
         pbData->setValue(0);
         lblExpected->setText(QString::number(total));

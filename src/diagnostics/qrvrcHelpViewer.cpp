@@ -13,6 +13,7 @@
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QStyle>
+#include <QScreen>
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -124,7 +125,7 @@ qrvrcHelpViewer::qrvrcHelpViewer(QWidget* parent) : QWidget(parent, Qt::Window)
 {
     setObjectName(u"qrvrcHelpViewer"_s);
     setWindowTitle(tr("Help"));
-    resize(usualSize);
+    resize(usualSize.boundedTo(screen()->availableSize() - QSize(20, 40)));
     buildControls();
     wireSignals();
 }
@@ -183,6 +184,8 @@ void qrvrcHelpViewer::buildControls()
     tvContents->setObjectName(u"tvContents"_s);
     tvContents->setAccessibleName(tr("Contents"));
     tvContents->setHeaderHidden(true);
+    tvContents->setRootIsDecorated(false); // always open, so there is nothing to unfold
+    tvContents->setItemsExpandable(false);
     tvContents->setStyleSheet(u"QTreeView::item { padding: 3px; }"_s);
     tvContents->setTabKeyNavigation(false);
 

@@ -57,5 +57,6 @@ struct LoginSuccess
     bool operator==(const LoginSuccess&) const = default;
 };
 
-/// @throws RuntimeError SubscriptOutOfRange for fewer than five fields, TypeMismatch for a port that is no number
+/// @throws RuntimeError SubscriptOutOfRange for fewer than five fields, TypeMismatch for a port that is no number, Overflow for one
+///         that does not fit
 LoginSuccess decodeLoginSuccess(std::string_view reply);

@@ -13,7 +13,6 @@
 #include "ui/EventWait.h"
 #include "ui/ImageButton.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QIcon>
@@ -34,7 +33,7 @@ constexpr auto lookupLimit = 30s;
 
 // Pixels.
 constexpr int frameWidth = 430;
-constexpr int emblemSide = 144;
+constexpr int emblemSide = 128;
 constexpr int rowHeight = 32;
 constexpr int firstRowTop = 32;
 constexpr int fieldLeft = 140;
@@ -93,7 +92,7 @@ void qrvrcLogin::buildControls()
     lblStatus->setGeometry(fieldLeft, 24, frameWidth - fieldLeft - 20, fieldHeight);
 
     lblEmblem = new QLabel(this);
-    lblEmblem->setPixmap(QApplication::windowIcon().pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
+    lblEmblem->setPixmap(QIcon(u":/emblem.png"_s).pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
     lblEmblem->setAlignment(Qt::AlignCenter);
 
     Timer1 = new QTimer(this);
@@ -111,6 +110,7 @@ QLineEdit* qrvrcLogin::addField(const QString& name, const QString& caption, con
     field->setObjectName(name);
     field->setAccessibleName(caption.chopped(1));
     field->setGeometry(fieldLeft, top, frameWidth - fieldLeft - 20, fieldHeight);
+    field->setTextMargins(2, 0, 2, 0);
     label->setBuddy(field);
     connect(field, &QLineEdit::returnPressed, this, &qrvrcLogin::connectToHost);
     return field;
@@ -338,8 +338,10 @@ void qrvrcLogin::poll()
     const SocketState state = m_client.link.state();
     m_client.link.StatusText =
         statusText(state == SocketState::Closed && m_isResolving ? SocketState::ResolvingHost : state);
-    if (state == SocketState::PeerClosing)
+    if (state == SocketState::PeerClosing) {
         m_client.link.close();
+        return; // the loss of the link has been shown
+    }
     if (state == SocketState::Closed && !m_isResolving) {
         if (!cmdConnect->isEnabled() || lblStatus->text() != m_client.link.StatusText)
             showNotConnected();
@@ -363,6 +365,7 @@ void qrvrcLogin::showNotConnected()
 
 void qrvrcLogin::Form_Activate()
 {
+    m_client.helpSection.clear();
     if (focusWidget())
         focusWidget()->setFocus(); // where the user was
     else

@@ -213,6 +213,8 @@ void qrvrcMenu::openServerManager()
     tsSM->removeAllTabs();
     tsSM->addKeyedTab(u"Admin"_s, adminKey);
     for (const Plugin& plugin : m_plugins.plugins) {
+        if (!plugin.isOffered() || !plugin.serverMenu)
+            continue;
         for (const std::string& item : plugin.serverMenuItems)
             tsSM->addKeyedTab(m_client.codePage.toText(item), m_client.codePage.toText(plugin.name));
     }
@@ -242,6 +244,13 @@ void qrvrcMenu::serverManagerClicked()
         m_client.reporter.ReportMsg(
             MessageKind::ActionRequired,
             u"You must select an active profile before you can use this section of the Server Manager!"_s);
+        return;
+    }
+    const int index = tsSM->currentIndex();
+    const std::string name = m_client.codePage.toBytes(tsSM->key(index));
+    if (const Plugin* plugin = m_plugins.find(name)) {
+        m_client.helpSection = m_client.codePage.toText(plugin->helpFile);
+        Q_EMIT pluginWanted(name, m_client.codePage.toBytes(tsSM->tabText(index)));
     }
 }
 

@@ -35,6 +35,8 @@ public:
 Q_SIGNALS:
     /// The window of that name belongs in front.
     void windowWanted(const QString& name);
+    /// The window that a plugin's tab stands for belongs in front.
+    void pluginWanted(const std::string& plugin, const std::string& menuItem);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

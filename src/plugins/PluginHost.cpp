@@ -1,25 +1,136 @@
 #include "plugins/PluginHost.h"
 
 #include "base/RuntimeError.h"
+#include "base/Text.h"
+#include "diagnostics/Reporter.h"
 #include "link/Client.h"
 #include "link/ReplyDispatcher.h"
+#include "link/Session.h"
 #include "link/StatusReply.h"
+#include "platform/FileVersion.h"
+#include "plugins/ComponentEntries.h"
+#include "plugins/PluginRules.h"
 #include "plugins/PluginTable.h"
+#include "store/AppFolder.h"
 #include "store/clsMFD.h"
 
-PluginHost::PluginHost(Client& client, PluginTable& table) : m_client(client), m_table(table)
+#include <QPointer>
+#include <QWidget>
+
+#include <utility>
+
+namespace {
+
+constexpr std::string_view pluginFolder = "\\Plugins\\";
+constexpr std::string_view gameModule = "\\qrvrcGMF.dll";
+
+std::string classOf(std::string_view base)
+{
+    return std::string(trimmed(base)) + ".clsPlugin";
+}
+
+std::vector<std::string> textsOf(const ComponentValue& value)
+{
+    std::vector<std::string> texts;
+    for (const ComponentValue& item : *value.toList())
+        texts.push_back(item.toString());
+    return texts;
+}
+
+/// A file's version as digits without dots; "0" for a file that is missing or has none.
+std::string versionDigits(const std::filesystem::path& file)
+{
+    const std::string digits = without(fileVersionOf(file).value_or(std::string()), ".");
+    return digits.empty() ? "0" : digits;
+}
+
+} // namespace
+
+PluginHost::PluginHost(Client& client, PluginTable& table, Components& components, const ProblemFiles& problems,
+                       PluginAccess access, std::string clientVersion)
+    : m_client(client),
+      m_table(table),
+      m_components(components),
+      m_problems(problems),
+      m_access(std::move(access)),
+      m_clientVersion(std::move(clientVersion))
 {
     m_client.replies.on("GetStatus", this, [this](std::string_view body) { showStatus(body); });
-    m_client.replies.onPluginMessage(this, [](const std::string& component, const std::string&) {
-        throw RuntimeError(ErrorNumber::CannotCreateObject, component + ".clsPlugin");
-    });
+    m_client.replies.onPluginMessage(
+        this, [this](const std::string& component, const std::string& payload) { passOn(component, payload); });
 }
 
 void PluginHost::LoadPlugins()
 {
+    m_client.reporter.trap("LoadPlugins", [this] { loadFiles(); });
+    Q_EMIT tableChanged();
+}
+
+void PluginHost::loadFiles()
+{
     m_table.plugins.clear();
     m_table.updateNeeded.clear();
     m_table.disabled.clear();
+    for (const std::string& file : m_client.folder.fileNames(pluginFolder)) {
+        if (!equalsIgnoringCase(file.substr(file.size() - std::min<std::size_t>(file.size(), 4)), ".dll"))
+            continue;
+        Plugin plugin;
+        plugin.base = componentBase(file);
+        if (plugin.base.empty() || m_problems.contains(plugin.base + ".dll") || m_problems.contains(file))
+            continue;
+        try {
+            load(file, plugin);
+        } catch (const RuntimeError& error) {
+            if (error.description().find(file) != std::string::npos)
+                throw;
+            throw RuntimeError(error.number(), file + ": " + error.description());
+        }
+        m_table.plugins.push_back(std::move(plugin));
+    }
+}
+
+void PluginHost::load(const std::string& file, Plugin& plugin)
+{
+    plugin.component = m_components.createObject(classOf(plugin.base));
+    const ObjectRef data = plugin.component->call("GetData").toObject();
+    if (!data)
+        throw RuntimeError(ErrorNumber::ObjectNotSet, file);
+    plugin.name = data->call("Name").toString();
+    plugin.file = data->call("File").toString();
+    plugin.version = data->call("Version").toString();
+    plugin.author = data->call("Author").toString();
+    plugin.description = data->call("Description").toString();
+    plugin.game = data->call("Game");
+    plugin.hasInterface = data->call("HasInterface").toBoolean();
+    m_client.reporter.trap("PluginAllowed", [&] { plugin.restricted = m_access.isRestricted(plugin.name); });
+    plugin.profileMenu = data->call("ProfileMenu").toBoolean();
+    plugin.serverMenu = data->call("ServerMenu").toBoolean();
+    plugin.profileMenuItems = textsOf(data->call("ProfileMenuItems"));
+    plugin.serverMenuItems = textsOf(data->call("ServerMenuItems"));
+    plugin.helpFile = data->call("HelpFile").toString();
+    judge(file, plugin, *data);
+}
+
+void PluginHost::judge(const std::string& file, Plugin& plugin, ComponentObject& data)
+{
+    const PluginFacts facts{
+        .name = plugin.name,
+        .file = file,
+        .minClient = data.call("MinRCCVer").toString(),
+        .minModule = data.call("MinGMFVer").toString(),
+        .fileVersion = versionDigits(m_client.folder.path(std::string(pluginFolder) + file)),
+    };
+    const InstalledVersions installed{
+        .client = without(m_clientVersion, "."),
+        .module = versionDigits(m_client.folder.path(gameModule)),
+    };
+    const PluginVerdict verdict = judgePlugin(facts, m_table.trackerNames, m_table.trackerVersions, installed);
+    plugin.enabled = verdict.enabled;
+    if (verdict.updateNeeded.empty())
+        return;
+    if (m_table.updateNeeded.find(verdict.updateNeeded) == std::string::npos)
+        m_table.updateNeeded += verdict.updateNeeded + "\r\n";
+    m_table.disabled += plugin.name + " (" + file + ")\r\n";
 }
 
 void PluginHost::forgetTracker()
@@ -43,4 +154,40 @@ void PluginHost::showStatus(std::string_view body)
         m_client.store.UpdateWarning(m_table.updateNeeded + "\r\n\r\nThe following files have been disabled: \r\n" +
                                      m_table.disabled);
     }
+}
+
+void PluginHost::passOn(const std::string& component, const std::string& payload)
+{
+    // The name comes from the host: only what is one of the plugins here is created.
+    const bool isPlugin = std::any_of(m_table.plugins.begin(), m_table.plugins.end(),
+                                      [&component](const Plugin& plugin) { return trimmed(plugin.base) == component; });
+    if (!isPlugin)
+        throw RuntimeError(ErrorNumber::CannotCreateObject, component + ".clsPlugin is no plugin of this client");
+    m_components.createObject(classOf(component))->call("RemoteData", {payload});
+}
+
+void PluginHost::showInterface(const std::string& name, std::int32_t profileId, const std::string& menuItem,
+                               const QWidget& frame)
+{
+    const Plugin* plugin = m_table.find(name);
+    if (!plugin)
+        throw RuntimeError(ErrorNumber::ObjectNotSet, name);
+    const ObjectRef component = plugin->component; // held, because the plugin's window may let the table change
+    if (!menuItem.empty())
+        hideInterface();
+    std::array<ComponentValue, 2> privileges = m_access.privileges(name);
+    component->call("SetPrivis", {privileges[0], privileges[1], m_client.session.superAdmin});
+    component->call("LoadInterface", {profileId, static_cast<std::int32_t>(frame.winId()),
+                                      ComponentValue::listOf({menuItem}), m_client.session.user});
+    if (!menuItem.empty())
+        m_shown = name;
+}
+
+void PluginHost::hideInterface()
+{
+    const Plugin* plugin = m_table.find(std::exchange(m_shown, {}));
+    if (!plugin)
+        return;
+    const ObjectRef component = plugin->component;
+    m_client.reporter.trap("frmMenu_tsSM_Click", [&] { component->call("HideInterface", {m_client.session.user}); });
 }

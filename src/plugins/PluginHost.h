@@ -1,29 +1,71 @@
 #pragma once
 
+#include "platform/Component.h"
+
 #include <QObject>
 
+#include <array>
+#include <functional>
+#include <string>
 #include <string_view>
 
+class QWidget;
 struct Client;
+struct Plugin;
 struct PluginTable;
+struct ProblemFiles;
 
-/// Builds the plugin table, and tells it what the tracker says of its own plugins.
+/// What the plugin host needs to know of the account.
+struct PluginAccess
+{
+    /// Whether the account may not use a plugin of that name.
+    std::function<bool(const std::string& plugin)> isRestricted;
+    /// The two privilege lists of the plugin's permission record, "name=value" each; empty when it has none.
+    std::function<std::array<ComponentValue, 2>(const std::string& plugin)> privileges;
+};
+
+/// Loads the plugins into one table, decides which of them may be used, shows their windows and hands them what their
+/// counterparts on the tracker send.
 class PluginHost : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Registers for "GetStatus" and for messages to plugins. Both arguments outlive the host.
-    PluginHost(Client& client, PluginTable& table);
+    /// Registers for "GetStatus" and for messages to plugins. All arguments outlive the host.
+    /// @param clientVersion  four parts
+    PluginHost(Client& client, PluginTable& table, Components& components, const ProblemFiles& problems,
+               PluginAccess access, std::string clientVersion);
 
-    /// Builds the table anew.
+    /// Builds the table anew. A file that cannot be loaded ends the load and is named; what was loaded stays.
     void LoadPlugins();
     /// Forgets the tracker's plugins and builds the table anew, after a disconnect.
     void forgetTracker();
+    /// Hands a plugin the account's privileges and shows its window. A window of another plugin that was shown by a
+    /// menu item is hidden first.
+    /// @param menuItem  the entry that was used, handed on in the list; empty for none
+    /// @param frame     the main window, for its native handle
+    /// @throws RuntimeError ObjectNotSet for a plugin that is not in the table, and what the plugin raises
+    void showInterface(const std::string& plugin, std::int32_t profileId, const std::string& menuItem,
+                       const QWidget& frame);
+    /// Hides the window that a menu item showed, if any.
+    void hideInterface();
+
+Q_SIGNALS:
+    /// The table has been built anew.
+    void tableChanged();
 
 private:
+    void loadFiles();
+    void load(const std::string& file, Plugin& plugin);
+    void judge(const std::string& file, Plugin& plugin, ComponentObject& data);
     void showStatus(std::string_view body);
+    void passOn(const std::string& component, const std::string& payload);
 
     Client& m_client;
     PluginTable& m_table;
+    Components& m_components;
+    const ProblemFiles& m_problems;
+    PluginAccess m_access;
+    std::string m_clientVersion;
+    std::string m_shown; ///< name of the plugin whose window a menu item shows
 };

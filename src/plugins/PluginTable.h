@@ -1,19 +1,38 @@
 #pragma once
 
+#include "platform/Component.h"
+
 #include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// One plugin as the rest of the program sees it.
+/// Name of the plugin that starts games.
+inline constexpr std::string_view startPlugin = "BHD Auto Start";
+
+/// One plugin as the rest of the program sees it. Texts in the host's code page, as the plugin gave them.
 struct Plugin
 {
     std::string name;
-    std::string file;
-    std::string helpFile; ///< the help section while the plugin's window is shown
+    ObjectRef component;
     bool enabled = false;
+    std::string file;
+    std::string version;
+    std::string author;
+    std::string description;
+    ComponentValue game;
+    bool hasInterface = false;
+    bool profileMenu = false;
+    bool serverMenu = false;
+    std::vector<std::string> profileMenuItems;
     bool restricted = false; ///< the account may not use it
     std::vector<std::string> serverMenuItems;
+    std::string helpFile; ///< the help section while the plugin's window is shown
+    /// The file's name without ".dll": what its class is named after.
+    std::string base;
+
+    /// Whether the account can use it now.
+    bool isOffered() const { return enabled && !restricted; }
 };
 
 /// The plugins of this client and what the tracker says of its own. Written by the plugin host.
@@ -28,9 +47,16 @@ struct PluginTable
     /// Disabled plugins, a line each.
     std::string disabled;
 
+    /// The first plugin of that name, or null; valid until the table is built anew.
+    const Plugin* find(std::string_view name) const
+    {
+        const auto found =
+            std::find_if(plugins.begin(), plugins.end(), [name](const Plugin& plugin) { return plugin.name == name; });
+        return found == plugins.end() ? nullptr : &*found;
+    }
     bool isEnabled(std::string_view name) const
     {
-        return std::any_of(plugins.begin(), plugins.end(),
-                           [name](const Plugin& plugin) { return plugin.enabled && plugin.name == name; });
+        const Plugin* plugin = find(name);
+        return plugin && plugin->enabled;
     }
 };

@@ -24,6 +24,12 @@ void setShown(ImageButton* button, bool shown, bool enabled)
     button->setEnabled(shown && enabled);
 }
 
+/// Whether the button can be used once its window can.
+bool isUsable(const ImageButton* button)
+{
+    return !button->isHidden() && button->isEnabledTo(button->parentWidget());
+}
+
 } // namespace
 
 ProfileControls::ProfileControls(const Controls& controls, const Permissions& permissions)
@@ -38,7 +44,7 @@ void ProfileControls::reset()
     setShown(c.cmdModify, true, false);
     for (ImageButton* button : {c.cmdDetach, c.cmdStart, c.cmdStop})
         setShown(button, false, false);
-    for (QAction* entry : {c.mnuAttach, c.mnuDetach, c.mnuStart, c.mnuStop, c.mnuMode, c.mnuModify})
+    for (QAction* entry : {c.mnuAttach, c.mnuDetach, c.mnuStart, c.mnuStop, c.mnuMode, c.mnuModify, c.mnuDelete})
         entry->setEnabled(false);
 }
 
@@ -51,14 +57,17 @@ void ProfileControls::applyPrivileges()
         QAction* entry;
     };
     const Controls& c = m_controls;
+    // Nobody who may not edit a profile may delete it.
     const std::array rules{
-        Rule{editProfiles, c.cmdModify, c.mnuModify},   Rule{attachProfiles, c.cmdAttach, c.mnuAttach},
-        Rule{detachProfiles, c.cmdDetach, c.mnuDetach}, Rule{startGame, c.cmdStart, c.mnuStart},
-        Rule{stopGame, c.cmdStop, c.mnuStop},           Rule{changeMode, nullptr, c.mnuMode},
+        Rule{editProfiles, nullptr, c.mnuDelete},       Rule{editProfiles, c.cmdModify, c.mnuModify},
+        Rule{attachProfiles, c.cmdAttach, c.mnuAttach}, Rule{detachProfiles, c.cmdDetach, c.mnuDetach},
+        Rule{startGame, c.cmdStart, c.mnuStart},        Rule{stopGame, c.cmdStop, c.mnuStop},
+        Rule{changeMode, nullptr, c.mnuMode},
     };
     if (m_permissions.isSuper) {
         c.cmdModify->setEnabled(true);
         c.mnuModify->setEnabled(true);
+        c.mnuDelete->setEnabled(true);
         return;
     }
     for (const Rule& rule : rules) {
@@ -89,7 +98,7 @@ void ProfileControls::apply(const RowState& row)
         const Controls& c = m_controls;
         for (ImageButton* button : {c.cmdAttach, c.cmdDetach, c.cmdStart, c.cmdStop, c.cmdModify})
             button->setEnabled(false);
-        for (QAction* entry : {c.mnuAttach, c.mnuDetach, c.mnuStart, c.mnuStop, c.mnuMode, c.mnuModify})
+        for (QAction* entry : {c.mnuAttach, c.mnuDetach, c.mnuStart, c.mnuStop, c.mnuMode, c.mnuModify, c.mnuDelete})
             entry->setEnabled(false);
         return;
     }
@@ -103,17 +112,18 @@ void ProfileControls::applyStartStop(const RowState& row)
     if (!row.hasStartPlugin) {
         setShown(m_controls.cmdStart, false, false);
         setShown(m_controls.cmdStop, false, false);
-        return;
-    }
-    if (!row.isStartable) {
+    } else if (!row.isStartable) {
         setShown(m_controls.cmdStart, !row.isHosting, false);
         setShown(m_controls.cmdStop, row.isHosting, false);
-        return;
+    } else {
+        if (const auto granted = isGranted(startGame))
+            setShown(m_controls.cmdStart, !row.isHosting, *granted);
+        if (const auto granted = isGranted(stopGame))
+            setShown(m_controls.cmdStop, row.isHosting, *granted);
     }
-    if (const auto granted = isGranted(startGame))
-        setShown(m_controls.cmdStart, !row.isHosting, *granted);
-    if (const auto granted = isGranted(stopGame))
-        setShown(m_controls.cmdStop, row.isHosting, *granted);
+    // The entries offer what the buttons do.
+    m_controls.mnuStart->setEnabled(isUsable(m_controls.cmdStart));
+    m_controls.mnuStop->setEnabled(isUsable(m_controls.cmdStop));
 }
 
 void ProfileControls::applyAttachDetach(ImageButton* button, QAction* entry, std::string_view privilege, bool shown)

@@ -35,6 +35,7 @@ public:
         QAction* mnuStop;
         QAction* mnuMode;
         QAction* mnuModify;
+        QAction* mnuDelete;
     };
 
     ProfileControls(const Controls& controls, const Permissions& permissions);

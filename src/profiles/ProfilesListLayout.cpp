@@ -55,6 +55,7 @@ constexpr std::array modes{
 constexpr std::array behindMode{
     MenuEntry{nullptr, nullptr},
     MenuEntry{u"mnuModify", u"Modify Profile"},
+    MenuEntry{u"mnuDelete", u"Delete Profile"},
     MenuEntry{nullptr, nullptr},
     MenuEntry{u"mnuPlayers", u"View Player Stats"},
     MenuEntry{u"mnuFileManager", u"Remote File Viewer"},
@@ -123,12 +124,12 @@ void qrvrcProfilesList::buildLegend()
         auto* picture = new QLabel(fmeLegend);
         picture->setObjectName(QString::fromUtf16(entry.picture));
         picture->setPixmap(m_pictures->statusPicture(entry.status, devicePixelRatioF()));
-        picture->setGeometry(x, 24, 16, 16);
+        picture->setGeometry(x, 26, 16, 16);
         auto* label = new QLabel(ProfilePictures::statusMeaning(entry.status), fmeLegend);
         label->setObjectName(QString::fromUtf16(entry.label));
         label->adjustSize();
-        label->move(x + 22, 32 - label->height() / 2);
-        x += 141;
+        label->move(x + 22, 34 - label->height() / 2);
+        x += 148;
     }
 }
 

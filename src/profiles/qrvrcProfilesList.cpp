@@ -11,6 +11,7 @@
 #include "navigation/SelectedProfile.h"
 #include "platform/CodePage.h"
 #include "plugins/PluginTable.h"
+#include "profiles/ProfileActions.h"
 #include "profiles/ProfileControls.h"
 #include "profiles/ProfilePictures.h"
 #include "profiles/ProfileRecord.h"
@@ -24,24 +25,26 @@
 #include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::string_view startPlugin = "BHD Auto Start";
 constexpr std::string_view startableVersion = "Delta Force,  V1.5.0.5";
 
 } // namespace
 
 qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
-                                     SelectedProfile& selected, QWidget* parent)
+                                     SelectedProfile& selected, ActionHooks hooks, QWidget* parent)
     : WorkingWindow(parent),
       m_client(client),
       m_plugins(plugins),
       m_selected(selected),
-      m_pictures(std::make_unique<ProfilePictures>(client.folder, client.pictures))
+      m_pictures(std::make_unique<ProfilePictures>(client.folder, client.pictures)),
+      m_actions(std::make_unique<ProfileActions>(client, *this, std::move(hooks))),
+      m_records(std::make_shared<const std::vector<ProfileRecord>>())
 {
     setObjectName(u"qrvrcProfilesList"_s);
     buildControls();
@@ -51,7 +54,7 @@ qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissi
     m_controls = std::make_unique<ProfileControls>(
         ProfileControls::Controls{cmdAttach, cmdDetach, cmdStart, cmdStop, cmdModify, entry(u"mnuAttach"_s),
                                   entry(u"mnuDetach"_s), entry(u"mnuStart"_s), entry(u"mnuStop"_s),
-                                  mnuMode->menuAction(), entry(u"mnuModify"_s)},
+                                  mnuMode->menuAction(), entry(u"mnuModify"_s), entry(u"mnuDelete"_s)},
         permissions);
     m_controls->reset();
     wireSignals();
@@ -70,9 +73,13 @@ void qrvrcProfilesList::wireSignals()
     connect(&m_client.link, &clsWinSock::loginSucceeded, this, [this] { m_controls->reset(); });
     connect(&m_client.link, &clsWinSock::linkLost, this, [this] { showNoProfiles(u"Not connected."_s); });
     for (ImageButton* button : {cmdAttach, cmdDetach, cmdStart, cmdStop, cmdModify})
-        connect(button, &ImageButton::clicked, this, [this, button] { Q_EMIT actionChosen(button->objectName()); });
-    connect(mnuMain, &QMenu::triggered, this,
-            [this](const QAction* action) { Q_EMIT actionChosen(action->objectName()); });
+        connect(button, &ImageButton::clicked, this, [this, button] { m_actions->run(button->objectName()); });
+    connect(mnuMain, &QMenu::triggered, this, &qrvrcProfilesList::menuChosen);
+    auto* deleteKey = new QShortcut(QKeySequence::Delete, fgProfiles, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(deleteKey, &QShortcut::activated, this, [this] {
+        if (mnuMain->findChild<QAction*>(u"mnuDelete"_s)->isEnabled())
+            m_actions->run(u"mnuDelete"_s);
+    });
     m_client.replies.on("GetProfiles", this, [this](std::string_view body) { showProfiles(body); });
 }
 
@@ -106,7 +113,7 @@ void qrvrcProfilesList::FormReload()
 void qrvrcProfilesList::refreshQuietly()
 {
     // The list does not move under a menu, a box or a button that is held down.
-    if (!isVisible() || !isLoggedIn() || m_isAsking || m_client.link.isAwaitingReply() ||
+    if (!isVisible() || !isEnabled() || !isLoggedIn() || m_isAsking || m_client.link.isAwaitingReply() ||
         QApplication::activePopupWidget() || QApplication::activeModalWidget() ||
         QApplication::mouseButtons() != Qt::NoButton)
         return;
@@ -126,6 +133,10 @@ void qrvrcProfilesList::askForProfiles()
 
 void qrvrcProfilesList::showProfiles(std::string_view body)
 {
+    // A message to a plugin can take the place of the answer that another request still waits for; what comes then in
+    // place of this list is no list, and the next refresh brings one.
+    if (body.find('_') == std::string_view::npos)
+        return;
     std::vector<ProfileRecord> records;
     const std::vector<ProfileElement> elements = splitProfilesReply(body);
     records.reserve(elements.size());
@@ -155,9 +166,10 @@ void qrvrcProfilesList::showRecords(std::vector<ProfileRecord> records)
     }
     const int scrolled = fgProfiles->verticalScrollBar()->value();
     fgProfiles->setEmptyText(u"The tracker has no profiles."_s);
-    const auto shown = std::make_shared<const std::vector<ProfileRecord>>(std::move(records));
-    fgProfiles->rows().setRows(static_cast<int>(shown->size()),
-                               [this, shown](int row) { return rowFor(shown->at(static_cast<std::size_t>(row))); });
+    m_records = std::make_shared<const std::vector<ProfileRecord>>(std::move(records));
+    fgProfiles->rows().setRows(static_cast<int>(m_records->size()), [this, shown = m_records](int row) {
+        return rowFor(shown->at(static_cast<std::size_t>(row)));
+    });
     if (kept >= 0)
         fgProfiles->verticalScrollBar()->setValue(scrolled);
     selectRow(std::max(kept, 0));
@@ -189,6 +201,7 @@ void qrvrcProfilesList::showNoProfiles(const QString& why)
 {
     fgProfiles->setEmptyText(why);
     fgProfiles->rows().clear();
+    m_records = std::make_shared<const std::vector<ProfileRecord>>();
     m_selected = SelectedProfile();
     updateSelection();
 }
@@ -196,6 +209,39 @@ void qrvrcProfilesList::showNoProfiles(const QString& why)
 int qrvrcProfilesList::rowCount() const
 {
     return fgProfiles->rows().rowCount();
+}
+
+std::optional<ProfileRecord> qrvrcProfilesList::selectedRecord() const
+{
+    const int row = fgProfiles->selectedRow();
+    if (row < 0)
+        return {};
+    return m_records->at(static_cast<std::size_t>(row));
+}
+
+void qrvrcProfilesList::followPlugins()
+{
+    for (QAction* entry : std::exchange(m_pluginEntries, {}))
+        delete entry;
+    for (const Plugin& plugin : m_plugins.plugins) {
+        if (!plugin.isOffered() || !plugin.profileMenu)
+            continue;
+        if (m_pluginEntries.empty())
+            m_pluginEntries.push_back(mnuMain->addSeparator());
+        for (const std::string& item : plugin.profileMenuItems) {
+            QAction* entry = mnuMain->addAction(m_client.codePage.toText(item).replace(u'&', u"&&"_s));
+            connect(entry, &QAction::triggered, this,
+                    [this, name = plugin.name, item] { Q_EMIT pluginChosen(name, item); });
+            m_pluginEntries.push_back(entry);
+        }
+    }
+    updateSelection();
+}
+
+void qrvrcProfilesList::menuChosen(const QAction* action)
+{
+    // Behind the menu, which still has the keyboard: an action may open a window or wait.
+    QTimer::singleShot(0, this, [this, name = action->objectName()] { m_actions->run(name); });
 }
 
 void qrvrcProfilesList::selectRow(int row)

@@ -3,18 +3,21 @@
 #include "ui/WorkingWindow.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 class GridView;
 class ImageButton;
+class ProfileActions;
 class ProfileControls;
 class ProfilePictures;
 class QAction;
 class QGroupBox;
 class QMenu;
 class QTimer;
+struct ActionHooks;
 struct Client;
 struct GridRow;
 struct Permissions;
@@ -31,7 +34,7 @@ class qrvrcProfilesList : public WorkingWindow
 public:
     /// All outlive the window. `selected` is written here alone.
     qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
-                      SelectedProfile& selected, QWidget* parent);
+                      SelectedProfile& selected, ActionHooks hooks, QWidget* parent);
     ~qrvrcProfilesList() override;
 
     /// Asks the tracker for its profiles and shows them; returns when they are shown or the wait for them has ended.
@@ -39,13 +42,17 @@ public:
     void FormReload();
     /// Data rows shown.
     int rowCount() const;
+    /// The selected profile as the tracker told of it last; nothing when none is selected.
+    std::optional<ProfileRecord> selectedRecord() const;
+    /// Follows a plugin table that has been built anew: the start and stop buttons, the plugins' menu entries.
+    void followPlugins();
 
     void Form_Activate() override;
 
 Q_SIGNALS:
     void quitRequested();
-    /// An action on the selected profile was chosen; the name is that of its control ("cmdAttach", "mnuPlayers", ...).
-    void actionChosen(const QString& control);
+    /// A plugin's entry of the pop-up menu was chosen.
+    void pluginChosen(const std::string& plugin, const std::string& menuItem);
 
 private:
     enum Column { Id, GameName, Mod, Players, Map, GameType, Timer, StatusText, Status, ColumnCount };
@@ -65,6 +72,7 @@ private:
     void selectRow(int row);
     void updateSelection();
     void popUpMenu(const QPoint& position);
+    void menuChosen(const QAction* action);
     bool isLoggedIn() const;
 
     Client& m_client;
@@ -72,7 +80,10 @@ private:
     SelectedProfile& m_selected;
     std::unique_ptr<ProfilePictures> m_pictures;
     std::unique_ptr<ProfileControls> m_controls;
-    qint32 m_keptId = 0; ///< the profile that a quiet refresh keeps selected; 0 selects the first
+    std::unique_ptr<ProfileActions> m_actions;
+    std::shared_ptr<const std::vector<ProfileRecord>> m_records; ///< what the grid shows, row by row
+    std::vector<QAction*> m_pluginEntries; ///< a separator and the plugins' entries at the end of the menu
+    qint32 m_keptId = 0;                   ///< the profile that a quiet refresh keeps selected; 0 selects the first
     bool m_isAsking = false;
 
     QGroupBox* fmeProfiles = nullptr;

@@ -11,10 +11,16 @@ EventWait::EventWait(std::chrono::milliseconds limit)
                      [this] { end(WaitEnd::LinkDropped); });
 }
 
+EventWait::EventWait() : EventWait(std::chrono::milliseconds::zero())
+{
+    m_isLimited = false;
+}
+
 WaitEnd EventWait::run()
 {
     if (!m_end) {
-        m_silence.start();
+        if (m_isLimited)
+            m_silence.start();
         m_loop.exec();
     }
     return m_end.value_or(WaitEnd::LinkDropped); // no ending was reached: the program quits
@@ -26,8 +32,7 @@ void EventWait::end(WaitEnd how)
     m_loop.quit();
 }
 
-void pauseFor(std::chrono::milliseconds pause)
+bool pauseFor(std::chrono::milliseconds pause)
 {
-    // The pause ends in the only way that it can, or with the program; either way there is nothing to tell.
-    static_cast<void>(EventWait(pause).run());
+    return EventWait(pause).run() == WaitEnd::TimedOut;
 }

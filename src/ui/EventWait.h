@@ -22,6 +22,8 @@ class EventWait
 public:
     /// @param limit  how long silence may last; it counts anew after every signal given to `restartsLimitOn`
     explicit EventWait(std::chrono::milliseconds limit);
+    /// A wait that silence does not end: for what the user decides.
+    EventWait();
     EventWait(const EventWait&) = delete;
     EventWait& operator=(const EventWait&) = delete;
     ~EventWait() = default;
@@ -57,7 +59,21 @@ private:
     QEventLoop m_loop;
     QTimer m_silence;
     std::optional<WaitEnd> m_end;
+    bool m_isLimited = true;
 };
 
 /// Lets events run for `pause`; ends early when the program quits.
-void pauseFor(std::chrono::milliseconds pause);
+/// @return whether the program goes on
+bool pauseFor(std::chrono::milliseconds pause);
+
+/// Lets events run until `sender` emits `signal`, however long that takes; ends early when `sender` goes or the program
+/// quits.
+/// @return whether the signal came
+template <typename Sender, typename Signal>
+[[nodiscard]] bool waitForSignal(const Sender* sender, Signal signal)
+{
+    return EventWait()
+               .endsOn(sender, signal, WaitEnd::Replied)
+               .endsOn(sender, &QObject::destroyed, WaitEnd::LinkDropped)
+               .run() == WaitEnd::Replied;
+}

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int margin = 4;                    // pixels left and right of a text
+constexpr int margin = 2;                    // pixels left and right of a text
 constexpr int pictureMargin = 1;             // pixels around a picture
 constexpr qsizetype maxToolTipLength = 2000; // characters; more would not fit on a screen
 

@@ -47,6 +47,10 @@ GridView::GridView(const QString& name, QWidget* parent)
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setTextElideMode(Qt::ElideRight);
     horizontalHeader()->setSectionsClickable(false);
+    // What the columns leave of the header looks like the rows below it.
+    QPalette headerGround = horizontalHeader()->palette();
+    headerGround.setColor(QPalette::Window, headerGround.color(QPalette::Base));
+    horizontalHeader()->setPalette(headerGround);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->hide();
     fixRowHeight();
@@ -79,7 +83,8 @@ void GridView::setEmptyText(const QString& text)
 {
     m_emptyText = text;
     setAccessibleDescription(text);
-    viewport()->update();
+    if (m_model->rowCount() == 0) // otherwise it is not seen
+        viewport()->update();
 }
 
 void GridView::setBackground(PictureStore& pictures, std::string layoutName)

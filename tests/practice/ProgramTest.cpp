@@ -21,6 +21,9 @@ private Q_SLOTS:
         QTest::newRow("no such fault") << QStringList{u"--misbehave"_s, u"Login=fast"_s};
         QTest::newRow("fault without its number") << QStringList{u"--misbehave"_s, u"Login=chunks"_s};
         QTest::newRow("fault with one number too many") << QStringList{u"--misbehave"_s, u"Login=late:1:2"_s};
+        QTest::newRow("plugin without a version") << QStringList{u"--plugin"_s, u"Match Watch"_s};
+        QTest::newRow("plugin without a name") << QStringList{u"--plugin"_s, u"=1000"_s};
+        QTest::newRow("separator in a version") << QStringList{u"--plugin"_s, u"Match Watch=1-0"_s};
         QTest::newRow("fault without a request") << QStringList{u"--misbehave"_s, u"=never"_s};
     }
     void badUsageIsOneLineAndTwo()
@@ -62,6 +65,23 @@ private Q_SLOTS:
         QCOMPARE(program.exitStatus(), QProcess::NormalExit);
         QCOMPARE(program.exitCode(), 0);
         QVERIFY(program.readAllStandardError().contains("request Login\n"));
+    }
+    void pluginsAreChosenOnTheCommandLine()
+    {
+        QProcess program;
+        program.start(QStringLiteral(PRACTICE_PROGRAM), {u"--still"_s, u"--plugin"_s, u"BHD Auto Start=none"_s,
+                                                         u"--plugin"_s, u"Match Watch="_s, u"--plugin"_s, u"X=9999"_s});
+        QByteArray output;
+        QTRY_VERIFY((output += program.readAllStandardOutput()).count('\n') == 2);
+        const QByteArray first = output.left(output.indexOf('\n'));
+        QTcpSocket socket;
+        socket.connectToHost(u"127.0.0.1"_s, first.mid(first.lastIndexOf(':') + 1).toUShort());
+        socket.write("[ST]login_admin_admin_1_VB6_[ND][ST]GetStatus_admin_VB6_[ND]");
+        QByteArray received;
+        QTRY_VERIFY((received += socket.readAll()).count("[ND]") == 2);
+        QVERIFY(received.endsWith("[ST]Status_TWF0Y2ggV2F0Y2g=-1-cXJ2V2F0Y2guZGxs-|WA==-1-cXJ2WC5kbGw=-9999[ND]"));
+        program.terminate();
+        QVERIFY(program.waitForFinished());
     }
 };
 

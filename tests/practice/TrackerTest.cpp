@@ -1,8 +1,7 @@
 #include "practice/Tracker.h"
+#include "Caller.h"
 #include "practice/Framing.h"
 
-#include <QSignalSpy>
-#include <QTcpSocket>
 #include <QTest>
 #include <QtEndian>
 
@@ -10,42 +9,6 @@ using namespace practice;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// A client that speaks the wire by hand, and takes replies apart by its own rules.
-class Caller
-{
-public:
-    explicit Caller(const Tracker& tracker) : arrivals(&socket, &QTcpSocket::readyRead)
-    {
-        socket.connectToHost(QHostAddress::LocalHost, tracker.port());
-        QObject::connect(&socket, &QTcpSocket::readyRead, &socket, [this] { received += socket.readAll(); });
-    }
-
-    void write(const QByteArray& body) { socket.write("[ST]" + body + "[ND]"); }
-
-    /// The body of the reply to `body`; null when none comes or it is framed wrongly.
-    QByteArray ask(const QByteArray& body)
-    {
-        received.clear();
-        write(body);
-        const bool whole = QTest::qWaitFor([this] { return received.endsWith("[ND]"); });
-        const bool counted = received.left(7).toInt() == received.size() - 7;
-        if (!whole || !counted || received.mid(7, 4) != "[ST]")
-            return {};
-        return received.mid(11).chopped(4);
-    }
-
-    QByteArray login(const QByteArray& user, const QByteArray& password)
-    {
-        return ask("login_" + user + '_' + password + "_3.0.1.0_VB6_");
-    }
-
-    bool closed() const { return socket.state() == QAbstractSocket::UnconnectedState; }
-
-    QTcpSocket socket;
-    QSignalSpy arrivals;
-    QByteArray received;
-};
 
 QByteArray expanded(const QByteArray& envelope)
 {
@@ -313,6 +276,56 @@ private Q_SLOTS:
         const QByteArray path = "\\Backups\\Coop\\backup-20091129.bma";
         const QByteArray file = expanded(caller.ask("GetRemFile_admin_VB6_1|" + path.toBase64()));
         QVERIFY(file.startsWith("Backup Files of Alpha, 29/11/2009\r\n"));
+    }
+
+    void newsReachWhoMayHearThemAndWaitsForNothing()
+    {
+        Tracker tracker(World::small());
+        tracker.world().profiles[0].name = "A[ND]_lpha";
+        QVERIFY(tracker.listen());
+        Caller admin(tracker), guest(tracker), stranger(tracker), waiting(tracker), halfway(tracker);
+        admin.login("admin", "admin");
+        guest.login("guest", "guest");
+        stranger.login("nobody", "x");
+        for (Caller* caller : {&waiting, &halfway})
+            caller->login("moderator", "moderator");
+        tracker.answerNext("GetStatus", Fault::late(std::chrono::hours(1)));
+        tracker.forgetRequests();
+        waiting.write("GetStatus_moderator_VB6_");
+        QTRY_COMPARE(tracker.requests().size(), 1);
+        tracker.answerNext("GetStatus", Fault::silentAfter(20));
+        halfway.received.clear();
+        halfway.write("GetStatus_moderator_VB6_");
+        QTRY_COMPARE(halfway.received.size(), 20);
+
+        admin.received.clear();
+        QCOMPARE(tracker.sendPluginNews(), 1);
+        QTRY_VERIFY(admin.received.endsWith(")[ND]"));
+        QVERIFY(admin.received.contains("[ST]Plugin_qrvWatch_A(ND)_lpha: "));
+        QCOMPARE(admin.received.left(7).toInt() + 7, admin.received.size());
+        QCOMPARE(halfway.ask("GetProfile_moderator_VB6_99"), ""_ba);
+        QCOMPARE(tracker.sendPluginNews(), 2);
+        tracker.world().removePlugin("Match Watch");
+        QCOMPARE(tracker.sendPluginNews(), 0);
+    }
+
+    void newsComeEveryTenSecondsOfALivelyWorldOnly()
+    {
+        const QDateTime start(QDate(2009, 11, 29), QTime(20, 0));
+        for (const bool lively : {true, false}) {
+            Tracker tracker(lively ? World::lively(1, start) : World::small());
+            QVERIFY(tracker.listen());
+            Caller caller(tracker);
+            caller.login("admin", "admin");
+            caller.received.clear();
+            tracker.setLively(true, std::chrono::milliseconds(1));
+            QTRY_VERIFY(start.secsTo(tracker.world().clock) >= 35);
+            tracker.setLively(false);
+            const qint64 due = lively ? start.secsTo(tracker.world().clock) / 10 : 0;
+            caller.write("GetProfile_admin_VB6_99");
+            QTRY_VERIFY(caller.received.endsWith("0000008[ST][ND]")); // which comes behind the news
+            QCOMPARE(caller.received.count("[ST]Plugin_qrvWatch_"), due);
+        }
     }
 
     void aHostileClientIsBorneAndBounded()

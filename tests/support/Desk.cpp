@@ -5,6 +5,7 @@
 #include <QAbstractItemModel>
 #include <QComboBox>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTabBar>
 #include <QTableView>
@@ -100,6 +101,11 @@ QStringList Desk::tabs(const QString& strip)
     return captions;
 }
 
+QString Desk::linkStatus()
+{
+    return control(u"fmeStatus"_s).findChild<QLabel*>(u"lblStatus"_s)->text(); // the status bar has one of that name too
+}
+
 void Desk::typeProfile(const QString& name, const QString& user, const QString& password, quint16 port)
 {
     type(u"txtProfile"_s, name);
@@ -121,6 +127,7 @@ bool Desk::logIn(const QString& user)
 {
     if (!m_frame && !open())
         return false;
+    chooseProfile(u"New Profile"_s);
     typeProfile(u"Home of "_s + user, user, user, tracker.port());
     click(u"cmdConnect"_s);
     const qsizetype asked = requestCount("GetProfiles");

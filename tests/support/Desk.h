@@ -54,6 +54,8 @@ public:
     void type(const QString& field, const QString& text);
     QString text(const QString& field);
     QStringList tabs(const QString& strip);
+    /// What the login window says of the link.
+    QString linkStatus();
 
     /// Types a new connection profile into the login window. The host is this machine.
     void typeProfile(const QString& name, const QString& user, const QString& password, quint16 port);

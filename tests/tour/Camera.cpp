@@ -100,7 +100,7 @@ View look()
     if (windows.isEmpty())
         return {};
     const QScreen& screen = *windows.front()->screen();
-    const QRect area = areaOf(windows) & screen.geometry();
+    const QRect area = canReadScreen() ? areaOf(windows) & screen.geometry() : areaOf(windows);
     const qreal ratio = screen.devicePixelRatio();
     return {canReadScreen() ? fromScreen(screen, area) : composed(windows, area, ratio), area, ratio, windows.back()};
 }

@@ -71,9 +71,11 @@ bool Tour::start()
         return false;
     m_tracker.stopListening();
     m_tracker.setLively(false); // the pictures of one day look like those of another
-    m_script.onFailure = [this] {
+    const QString failurePicture = u"failure.png"_s;
+    m_camera.prepare(failurePicture); // an older one would tell of a failure that is over
+    m_script.onFailure = [this, failurePicture] {
         m_failure = whatStands();
-        m_camera.takeAtOnce(u"failure.png"_s);
+        m_camera.takeAtOnce(failurePicture);
     };
     m_script.start();
     return true;
@@ -94,6 +96,7 @@ QString Tour::whatStands() const
 
 void Tour::picture(const QString& file)
 {
+    m_camera.prepare(file); // a tour that fails leaves no picture of an earlier one
     m_script.add(
         u"the picture %1 is taken"_s.arg(file), [this, file] { m_camera.prepare(file); },
         [this, file, stillTrue = m_script.lastExpectation()] { return stillTrue() && m_camera.take(file); });

@@ -1,0 +1,106 @@
+// "Match Watch": a section of the server manager that lists what the plugin's counterpart on the tracker tells.
+
+#include "qrvrc_plugin.hpp"
+
+#include <QLabel>
+#include <QListWidget>
+#include <QPointer>
+#include <QStatusBar>
+#include <QTime>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int navigationHeight = 28; // the page begins below the client's navigation
+constexpr int maxEntries = 1000;
+
+/// The page in the client's frame. Messages arrive whether it is shown or not.
+class WatchPage : public QWidget
+{
+public:
+    explicit WatchPage(QWidget* frame) : QWidget(frame), m_profile(new QLabel(this)), m_messages(new QListWidget(this))
+    {
+        setObjectName(u"qrvrcWatch"_s);
+        setAccessibleName(u"Match Watch"_s);
+        setAutoFillBackground(true); // it lies over the client's own page
+        m_profile->setObjectName(u"lblProfile"_s);
+        m_messages->setObjectName(u"lstMessages"_s);
+        m_messages->setAccessibleName(u"Messages of the match"_s);
+        auto* layout = new QVBoxLayout(this);
+        layout->addWidget(m_profile);
+        layout->addWidget(m_messages);
+        hide();
+    }
+
+    void showFor(std::int32_t profileId)
+    {
+        m_profile->setText(u"Profile %1"_s.arg(profileId));
+        if (const QWidget* frame = parentWidget()) {
+            const auto* status = frame->findChild<QStatusBar*>();
+            const int bottom = status ? status->y() : frame->height();
+            setGeometry(1, navigationHeight, frame->width() - 3, bottom - navigationHeight - 2);
+        }
+        show();
+        raise();
+    }
+
+    void add(const std::string& payload)
+    {
+        if (m_messages->count() == maxEntries)
+            delete m_messages->takeItem(0);
+        m_messages->addItem(QTime::currentTime().toString(u"HH:mm:ss  "_s) +
+                            QString::fromStdString(qrvrc::toUtf8(payload)));
+        m_messages->scrollToBottom();
+    }
+
+private:
+    QLabel* m_profile;
+    QListWidget* m_messages;
+};
+
+/// The page belongs to the library, because every message of the tracker comes to an instance of its own. It is made
+/// for the first frame or message; the frame takes it along when it goes.
+WatchPage& page(QWidget* frame)
+{
+    static QPointer<WatchPage> shared;
+    if (!shared)
+        shared = new WatchPage(frame);
+    else if (frame && shared->parentWidget() != frame)
+        shared->setParent(frame);
+    return *shared;
+}
+
+class MatchWatch : public qrvrc::Plugin
+{
+public:
+    qrvrc::Data data() const override
+    {
+        qrvrc::Data data;
+        data.name = "Match Watch";
+        data.file = "qrvrcWatch.dll";
+        data.version = "1.0.0.0";
+        data.author = "QRVRC";
+        data.description = "Lists what happens in the match that the tracker follows.";
+        data.hasInterface = true;
+        data.serverMenu = true;
+        data.serverMenuItems = {"Match Watch"};
+        data.helpFile = "qrvrcWatch.html";
+        data.minRccVer = "3000";
+        return data;
+    }
+
+    void LoadInterface(std::int32_t profileId, std::int32_t window, std::vector<std::string>& /*list*/,
+                       const std::string& /*user*/) override
+    {
+        page(QWidget::find(static_cast<WId>(static_cast<std::uint32_t>(window)))).showFor(profileId);
+    }
+
+    void HideInterface(const std::string& /*text*/) override { page(nullptr).hide(); }
+    void RemoteData(const std::string& payload) override { page(nullptr).add(payload); }
+};
+
+} // namespace
+
+QRVRC_PLUGIN(MatchWatch, "qrvrcWatch.clsPlugin", "1.0.0.0");

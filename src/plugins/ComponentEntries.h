@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/SystemName.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What the component check knows without looking at a file. An entry is the name of a component file: bare for one in
+/// the program folder, with "\Plugins\" in front for a plugin.
+
+/// Files of components that the user left unregistered. Written by the component check, read by the plugin host, which
+/// does not load them.
+struct ProblemFiles
+{
+    std::vector<std::string> names; ///< with their ".dll", without a folder
+
+    /// Whether `name` is among them, in whatever letter case.
+    bool contains(std::string_view name) const;
+};
+
+/// The component files among the plain files of both folders: those of the program folder first, each in the order
+/// given.
+std::vector<std::string> componentEntries(const std::vector<std::string>& programFiles,
+                                          const std::vector<std::string>& pluginFiles);
+
+/// What an entry is tested by.
+struct ComponentClass
+{
+    std::string type;   ///< as problem lines call it; empty when the file is of no known type
+    std::string progId; ///< the class to create; empty when there is nothing to create
+
+    bool operator==(const ComponentClass&) const = default;
+};
+
+ComponentClass componentClass(std::string_view entry);
+
+/// The entry's file name without its folder. It comes from a disk and may be anything that a disk can hold.
+std::string_view componentFile(std::string_view entry);
+
+/// The file's name in the application folder, which begins with a backslash.
+/// @throws RuntimeError PermissionDenied when its name is no plain file name and thus must not be turned into a path
+std::string componentLayoutName(std::string_view entry);
+
+/// The line by which an entry that failed is listed.
+std::string problemLine(std::string_view entry);
+
+/// The entry that a problem line is about.
+std::string_view entryOfProblem(std::string_view line);
+
+/// The text that is exported: a head and the problem lines, each line but the last ending in CR LF.
+/// @param date  "yyyy-mm-dd"
+/// @param time  "hh:mm:ss"
+std::string problemReport(std::string_view date, std::string_view time, const SystemName& system,
+                          const std::vector<std::string>& problemLines);

@@ -1,0 +1,37 @@
+#include "plugins/PluginRules.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+
+PluginVerdict judgePlugin(const PluginFacts& plugin, const std::vector<std::string>& trackerNames,
+                          const std::vector<std::string>& trackerVersions, const InstalledVersions& installed)
+{
+    const auto named = std::find(trackerNames.begin(), trackerNames.end(), plugin.name);
+    if (named == trackerNames.end())
+        return {};
+    if (plugin.minModule > installed.module)
+        return {.enabled = false, .updateNeeded = "qrvrcGMF.dll"};
+    const auto position = static_cast<std::size_t>(named - trackerNames.begin());
+    const std::string trackerVersion = position < trackerVersions.size() ? trackerVersions[position] : std::string();
+    if (trackerVersion.empty())
+        return {.enabled = true, .updateNeeded = {}};
+    if (plugin.fileVersion < trackerVersion)
+        return {.enabled = false, .updateNeeded = plugin.file};
+    if (plugin.minClient > installed.client)
+        return {.enabled = false, .updateNeeded = "QRVV3RC.exe"};
+    return {.enabled = true, .updateNeeded = {}};
+}
+
+std::string componentBase(std::string_view fileName)
+{
+    constexpr std::string_view ending = ".dll";
+    std::string base;
+    for (std::size_t at = 0; at < fileName.size();) {
+        if (equalsIgnoringCase(fileName.substr(at, ending.size()), ending))
+            at += ending.size();
+        else
+            base += fileName[at++];
+    }
+    return base;
+}

@@ -1,0 +1,322 @@
+#include "plugins/qrvrcDllProgress.h"
+
+#include "base/RuntimeError.h"
+#include "diagnostics/MessageBoxes.h"
+#include "diagnostics/Reporter.h"
+#include "link/Client.h"
+#include "platform/CodePage.h"
+#include "platform/SystemName.h"
+#include "plugins/ComponentEntries.h"
+#include "store/AppFolder.h"
+#include "ui/ImageButton.h"
+
+#include <QDateTime>
+#include <QLabel>
+#include <QListWidget>
+#include <QMenu>
+#include <QProgressBar>
+#include <QScopedValueRollback>
+#include <QStyledItemDelegate>
+#include <QTimer>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr QSize usualSize(480, 300);
+constexpr QSize buttonSize(112, 30);
+constexpr int buttonGap = 12;
+constexpr int lineRole = Qt::UserRole; ///< the problem line's bytes
+
+const QString proceedQuestion = u"You still have unregistered ActiveX files!\r\n\r\n"
+                                "Any files left unregsitered will not be loaded by the Quorvane Ravelin RC.\r\n\r\n"
+                                "Too register them, tick the item in the list, then right click the list and "
+                                "select 'Register Selected ActiveX Files'.\r\n\r\n"
+                                "Do you wish to continue without registering the files"_s;
+
+/// Shows which lines are selected by a tick in front of them.
+class TickDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->features |= QStyleOptionViewItem::HasCheckIndicator;
+        option->checkState = option->state.testFlag(QStyle::State_Selected) ? Qt::Checked : Qt::Unchecked;
+    }
+};
+
+std::string lineOf(const QListWidgetItem& item)
+{
+    return item.data(lineRole).toByteArray().toStdString();
+}
+
+} // namespace
+
+qrvrcDllProgress::qrvrcDllProgress(Client& client, const ComponentServices& services, ProblemFiles& problems,
+                                   QWidget* parent)
+    : QDialog(parent, Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
+      m_client(client),
+      m_services(services),
+      m_problems(problems)
+{
+    setObjectName(u"qrvrcDllProgress"_s);
+    setWindowTitle(u"Authenticating ActiveX Files"_s);
+    setAttribute(Qt::WA_QuitOnClose, false); // the program goes on behind it
+    resize(usualSize);
+    buildControls();
+    buildMenu();
+    wireSignals();
+}
+
+void qrvrcDllProgress::buildControls()
+{
+    Label1 = new QLabel;
+    Label1->setObjectName(u"Label1"_s);
+    Label1->setTextFormat(Qt::PlainText);
+    Label1->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // a long name must not widen the window
+    ProgressBar1 = new QProgressBar;
+    ProgressBar1->setObjectName(u"ProgressBar1"_s);
+    ProgressBar1->setTextVisible(false);
+    List1 = new QListWidget;
+    List1->setObjectName(u"List1"_s);
+    List1->setAccessibleName(u"Problematic ActiveX files"_s);
+    List1->setSelectionMode(QAbstractItemView::MultiSelection);
+    List1->setItemDelegate(new TickDelegate(List1));
+    List1->setContextMenuPolicy(Qt::CustomContextMenu);
+    List1->hide();
+    Label2 = new QLabel(u"Right click the listbox for options."_s);
+    Label2->setObjectName(u"Label2"_s);
+    Label2->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    Label2->hide();
+    Timer1 = new QTimer(this);
+    Timer1->setObjectName(u"Timer1"_s);
+    Timer1->setInterval(100ms);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 16, 16, 16);
+    layout->setSpacing(buttonGap);
+    layout->addWidget(Label1);
+    layout->addWidget(ProgressBar1);
+    layout->addWidget(List1, 1);
+    layout->addWidget(Label2);
+    layout->addWidget(buildButtons(), 1, Qt::AlignRight | Qt::AlignBottom);
+    layout->setStretchFactor(List1, 100);
+    Timer1->start();
+}
+
+QWidget* qrvrcDllProgress::buildButtons()
+{
+    auto* bar = new QWidget;
+    bar->setFixedSize(2 * buttonSize.width() + buttonGap, buttonSize.height());
+    const auto add = [&](const QString& name, const QString& caption, int left) {
+        auto* button = new ImageButton(name, caption, m_client.pictures, bar);
+        button->setFontSize(9);
+        button->place({QPoint(left, 0), buttonSize});
+        button->setEnabled(false); // there is nothing to decide before all is tested
+        return button;
+    };
+    cmdExport = add(u"cmdExport"_s, u"Export"_s, 0);
+    cmdProceed = add(u"cmdProceed"_s, u"Proceed"_s, buttonSize.width() + buttonGap);
+    return bar;
+}
+
+void qrvrcDllProgress::buildMenu()
+{
+    mnuMain = new QMenu(this);
+    mnuMain->setObjectName(u"mnuMain"_s);
+    mnuRegister = mnuMain->addAction(u"Register Selected ActiveX Files"_s);
+    mnuRegister->setObjectName(u"mnuRegister"_s);
+    mnuDelete = mnuMain->addAction(u"Delete Selected ActiveX Files"_s);
+    mnuDelete->setObjectName(u"mnuDelete"_s);
+    mnuDelete->setShortcut(QKeySequence::Delete);
+    mnuDelete->setShortcutContext(Qt::WidgetShortcut);
+    List1->addAction(mnuDelete);
+}
+
+void qrvrcDllProgress::wireSignals()
+{
+    connect(Timer1, &QTimer::timeout, this, &qrvrcDllProgress::tick);
+    connect(cmdProceed, &ImageButton::clicked, this, &qrvrcDllProgress::reject);
+    connect(cmdExport, &ImageButton::clicked, this,
+            m_client.reporter.trapped("cmdExport_Click", [this] { exportProblems(); }));
+    connect(mnuRegister, &QAction::triggered, this, &qrvrcDllProgress::registerSelected);
+    connect(mnuDelete, &QAction::triggered, this, &qrvrcDllProgress::deleteSelected);
+    connect(List1, &QListWidget::customContextMenuRequested, this,
+            [this](QPoint position) { mnuMain->popup(List1->viewport()->mapToGlobal(position)); });
+}
+
+void qrvrcDllProgress::setEntryCount(int count)
+{
+    ProgressBar1->setRange(0, count);
+    ProgressBar1->setValue(0);
+}
+
+void qrvrcDllProgress::showTesting(int number, const std::string& entry)
+{
+    m_number = number;
+    Label1->setText(m_client.codePage.toText("Testing " + entry));
+}
+
+void qrvrcDllProgress::showAuthenticated(const std::string& entry)
+{
+    Label1->setText(m_client.codePage.toText(entry + " Authenticated"));
+}
+
+void qrvrcDllProgress::addProblem(const std::string& entry)
+{
+    const bool isKnown = !componentClass(entry).type.empty();
+    Label1->setText(
+        m_client.codePage.toText(entry + (isKnown ? " Failed Instantiation Test" : " Failed Authentication")));
+    const std::string line = problemLine(entry);
+    auto* item = new QListWidgetItem(m_client.codePage.toText(line), List1);
+    item->setData(lineRole, QByteArray::fromStdString(line));
+}
+
+void qrvrcDllProgress::tick()
+{
+    ProgressBar1->setValue(m_number);
+    if (!m_isTested)
+        return; // a component that lets events run while it is created must not end its own test
+    Timer1->stop();
+    if (List1->count() == 0)
+        accept();
+    else
+        listProblems();
+}
+
+void qrvrcDllProgress::listProblems()
+{
+    setWindowTitle(u"Problematic ActiveX Files"_s);
+    ProgressBar1->hide();
+    Label1->hide();
+    List1->show();
+    Label2->show();
+    cmdProceed->setEnabled(true);
+    cmdExport->setEnabled(true);
+    setTabOrder(List1, cmdExport);
+    setTabOrder(cmdExport, cmdProceed);
+    List1->setCurrentRow(0, QItemSelectionModel::NoUpdate);
+    List1->setFocus();
+}
+
+void qrvrcDllProgress::reject()
+{
+    if (m_isTested && !Timer1->isActive())
+        proceed();
+}
+
+void qrvrcDllProgress::proceed()
+{
+    if (m_isAsking)
+        return;
+    const QScopedValueRollback asking(m_isAsking, true);
+    if (List1->count() > 0 && !m_client.boxes.confirm(u"Caution!!!"_s, proceedQuestion))
+        return;
+    for (const std::string& line : problemLines())
+        m_problems.names.emplace_back(componentFile(entryOfProblem(line)));
+    accept();
+}
+
+void qrvrcDllProgress::exportProblems()
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    const auto stamp = [&now](const QString& format) { return now.toString(format).toStdString(); };
+    const std::string report =
+        problemReport(stamp(u"yyyy-MM-dd"_s), stamp(u"HH:mm:ss"_s), systemName(), problemLines());
+    m_services.showText(u"NotePad - Problematic ActiveX Files"_s, m_client.codePage.toText(report));
+}
+
+void qrvrcDllProgress::registerSelected()
+{
+    const std::vector<std::string> lines = selectedLines();
+    if (lines.empty())
+        m_client.reporter.ReportMsg(MessageKind::Failed,
+                                    u"You have not selected any items from the list to register!"_s);
+    for (const std::string& line : lines) {
+        const std::string entry(entryOfProblem(line));
+        const QString name = m_client.codePage.toText(entry);
+        if (RegisterFile(entry)) {
+            m_client.reporter.ReportMsg(MessageKind::Success, u"ActiveX File %1 Registered Successfully."_s.arg(name));
+            removeLine(line);
+        } else {
+            m_client.reporter.ReportMsg(MessageKind::Failed, u"Failed to Register ActiveX File "_s + name);
+        }
+    }
+}
+
+void qrvrcDllProgress::deleteSelected()
+{
+    const std::vector<std::string> lines = selectedLines();
+    if (lines.empty()) {
+        m_client.reporter.ReportMsg(MessageKind::Failed, u"You have not selected any items from the list to delete!"_s);
+        return;
+    }
+    if (!m_client.boxes.confirm(u"Confirmation Required"_s, u"Are you sure you wish to delete the selected items?"_s))
+        return;
+    for (const std::string& line : lines) {
+        const std::string entry(entryOfProblem(line));
+        const QString name = m_client.codePage.toText(entry);
+        if (deleteFile(entry)) {
+            m_client.reporter.ReportMsg(MessageKind::Success, u"ActiveX File %1 Deleted Successfully."_s.arg(name));
+            removeLine(line);
+        } else {
+            m_client.reporter.ReportMsg(MessageKind::Failed, u"Failed to Delete ActiveX File "_s + name);
+        }
+    }
+}
+
+bool qrvrcDllProgress::RegisterFile(const std::string& entry)
+{
+    bool isRegistered = false;
+    m_client.reporter.trap("RegisterFile", [&] {
+        isRegistered = m_services.registerFile(m_client.folder.path(componentLayoutName(entry)));
+    });
+    return isRegistered;
+}
+
+/// @return whether the file is gone
+bool qrvrcDllProgress::deleteFile(const std::string& entry) const
+{
+    try {
+        const std::filesystem::path file = m_client.folder.path(componentLayoutName(entry));
+        std::error_code fault;
+        std::filesystem::remove(file, fault);
+        return std::filesystem::symlink_status(file, fault).type() == std::filesystem::file_type::not_found;
+    } catch (const RuntimeError&) {
+        return false; // no file of this folder has such a name; the user is told that it stays
+    }
+}
+
+std::vector<std::string> qrvrcDllProgress::problemLines() const
+{
+    std::vector<std::string> lines;
+    for (int row = 0; row < List1->count(); ++row)
+        lines.push_back(lineOf(*List1->item(row)));
+    return lines;
+}
+
+std::vector<std::string> qrvrcDllProgress::selectedLines() const
+{
+    std::vector<std::string> lines;
+    for (int row = 0; row < List1->count(); ++row) {
+        if (List1->item(row)->isSelected())
+            lines.push_back(lineOf(*List1->item(row)));
+    }
+    return lines;
+}
+
+void qrvrcDllProgress::removeLine(const std::string& line)
+{
+    for (int row = 0; row < List1->count(); ++row) {
+        if (lineOf(*List1->item(row)) == line) {
+            delete List1->takeItem(row);
+            return;
+        }
+    }
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QDialog>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+class ImageButton;
+class QLabel;
+class QListWidget;
+class QMenu;
+class QProgressBar;
+class QTimer;
+struct Client;
+struct ProblemFiles;
+
+/// What the component check needs of other parts of the program.
+struct ComponentServices
+{
+    /// Creates a component and lets go of it; throws what stands in the way.
+    std::function<void(const std::string& progId)> create;
+    /// Calls a library's own registration. @return whether it succeeded
+    std::function<bool(const std::filesystem::path& file)> registerFile;
+    /// Opens the text viewer.
+    std::function<void(const QString& caption, const QString& text)> showText;
+};
+
+/// Follows the component check, and lets the user deal with the files that failed: register, delete, export, or proceed
+/// without them. `finished` is emitted when it is done; until then it cannot be closed without an answer.
+class qrvrcDllProgress : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// All but `parent` outlive the window.
+    /// @param problems  takes the files that the user proceeds without
+    qrvrcDllProgress(Client& client, const ComponentServices& services, ProblemFiles& problems, QWidget* parent);
+
+    void setEntryCount(int count);
+    /// @param number  of the entry under test, from 1
+    void showTesting(int number, const std::string& entry);
+    void showAuthenticated(const std::string& entry);
+    /// Shows and lists an entry that failed.
+    void addProblem(const std::string& entry);
+    /// From now on the window goes its own way: it ends with the next tick, or lists what failed.
+    void allTested() { m_isTested = true; }
+
+public Q_SLOTS:
+    /// Whatever would close the window asks what Proceed asks.
+    void reject() override;
+
+private:
+    void buildControls();
+    void buildMenu();
+    QWidget* buildButtons();
+    void wireSignals();
+    void tick();
+    void listProblems();
+    void proceed();
+    void exportProblems();
+    void registerSelected();
+    void deleteSelected();
+    bool RegisterFile(const std::string& entry);
+    bool deleteFile(const std::string& entry) const;
+    std::vector<std::string> problemLines() const;
+    /// The selected lines from top to bottom.
+    std::vector<std::string> selectedLines() const;
+    void removeLine(const std::string& line);
+
+    Client& m_client;
+    const ComponentServices& m_services;
+    ProblemFiles& m_problems;
+    int m_number = 0;
+    bool m_isTested = false;
+    bool m_isAsking = false;
+
+    QLabel* Label1 = nullptr;
+    QProgressBar* ProgressBar1 = nullptr;
+    QListWidget* List1 = nullptr;
+    QLabel* Label2 = nullptr;
+    ImageButton* cmdProceed = nullptr;
+    ImageButton* cmdExport = nullptr;
+    QMenu* mnuMain = nullptr;
+    QAction* mnuRegister = nullptr;
+    QAction* mnuDelete = nullptr;
+    QTimer* Timer1 = nullptr;
+};

@@ -1,0 +1,128 @@
+#include "practice/Tracker.h"
+
+#include <QFile>
+#include <QLockFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The program on a folder of its own; ended with this object.
+struct Program
+{
+    QProcess process;
+
+    explicit Program(const QStringList& arguments) { process.start(QStringLiteral(QRVRC_PROGRAM), arguments); }
+    ~Program()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+};
+
+QStringList onFolder(const QString& folder, const QStringList& more = {})
+{
+    return QStringList{u"--app-folder"_s, folder, u"--maker-host"_s, u"http://127.0.0.1:1"_s} + more;
+}
+
+} // namespace
+
+class ClientProgramTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void questionsAreAnsweredOnStandardOutput_data()
+    {
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<QByteArray>("output");
+        QTest::newRow("version") << u"--version"_s << QByteArray("qrvv3rc " QRVRC_VERSION "\n");
+        QTest::newRow("help") << u"--help"_s << "Usage: qrvv3rc [options]\n"_ba;
+    }
+    void questionsAreAnsweredOnStandardOutput()
+    {
+        QFETCH(const QString, option);
+        QFETCH(const QByteArray, output);
+        Program program({option});
+        QVERIFY(program.process.waitForFinished());
+        QCOMPARE(program.process.exitCode(), 0);
+        QVERIFY(program.process.readAllStandardOutput().startsWith(output));
+        QVERIFY(program.process.readAllStandardError().isEmpty());
+    }
+
+    void badUsageIsOneLineAndTwo_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QByteArray>("says");
+        QTest::newRow("unknown option") << QStringList{u"--nothing"_s} << "--nothing"_ba;
+        QTest::newRow("no value") << QStringList{u"--connect"_s} << "needs a value"_ba;
+        QTest::newRow("a maker host that is no address") << QStringList{u"--maker-host"_s, u"ftp://x"_s}
+                                                         << "no http or https address"_ba;
+        QTest::newRow("a folder that cannot be") << QStringList{u"--app-folder"_s, u"/dev/null/x"_s}
+                                                 << "cannot be written to"_ba;
+    }
+    void badUsageIsOneLineAndTwo()
+    {
+        QFETCH(const QStringList, arguments);
+        QFETCH(const QByteArray, says);
+        Program program(arguments);
+        QVERIFY(program.process.waitForFinished());
+        QCOMPARE(program.process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(program.process.exitCode(), 2);
+        QVERIFY(program.process.readAllStandardOutput().isEmpty());
+        const QByteArray errors = program.process.readAllStandardError();
+        QVERIFY2(errors.startsWith("qrvv3rc: ") && errors.contains(says), errors);
+        QCOMPARE(errors.count('\n'), 1);
+    }
+
+    void aSecondInstanceOnTheSameFolderEndsAtOnce()
+    {
+        QTemporaryDir folder;
+        const auto owner = [&] {
+            qint64 process = 0;
+            QString host;
+            QString name;
+            QLockFile(folder.filePath(u"instance.lock"_s)).getLockInfo(&process, &host, &name);
+            return process;
+        };
+        Program first(onFolder(folder.path()));
+        QVERIFY(first.process.waitForStarted());
+        QTRY_COMPARE(owner(), first.process.processId());
+        Program second(onFolder(folder.path()));
+        QVERIFY(second.process.waitForFinished());
+        QCOMPARE(second.process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(second.process.exitCode(), 0);
+        QCOMPARE(first.process.state(), QProcess::Running);
+        first.process.kill(); // leaves its lock behind, which is nobody's then
+        QVERIFY(first.process.waitForFinished());
+        Program third(onFolder(folder.path()));
+        QVERIFY(third.process.waitForStarted());
+        QTRY_COMPARE(owner(), third.process.processId());
+    }
+
+    void aStartWithAProfileConnects()
+    {
+        practice::Tracker tracker(practice::World::small());
+        QVERIFY(tracker.listen());
+        QTemporaryDir folder;
+        QFile profiles(folder.filePath(u"profiles.ini"_s));
+        QVERIFY(profiles.open(QFile::WriteOnly));
+        profiles.write("[My Home]\nHost=127.0.0.1\nPort=" + QByteArray::number(tracker.port()) +
+                       "\nUser=admin\nPass=admin\n");
+        profiles.close();
+        Program program(onFolder(folder.path(), {u"--connect=My Home"_s}));
+        QTRY_COMPARE(tracker.requests().size(), 3);
+        QCOMPARE(tracker.requests()[0], "login_admin_admin_" QRVRC_VERSION "_VB6_");
+        QCOMPARE(tracker.requests()[1], "GetStatus_admin_VB6_");
+        QCOMPARE(tracker.requests()[2], "GetProfiles_admin__VB6_");
+        QVERIFY(QFile::exists(folder.filePath(u"imgs/butup.gif"_s)));
+        program.process.kill();
+        QTRY_COMPARE(tracker.links(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(ClientProgramTest)
+#include "ClientProgramTest.moc"

@@ -1,0 +1,223 @@
+#include "support/Desk.h"
+
+#include <QTabBar>
+#include <QTest>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QStringList loggedOut{u"Login"_s, u"Options"_s, u"Plugins"_s, u"Update"_s, u"Help"_s, u"About"_s};
+const QStringList loggedIn{u"Login"_s,  u"Profile List"_s, u"Options"_s, u"Plugins"_s,
+                           u"Update"_s, u"Help"_s,         u"About"_s};
+const QStringList managers{u"Profile Manager"_s, u"Server Manager"_s};
+
+QString shownWindow(Desk& desk)
+{
+    QStringList shown;
+    for (const auto* name : {u"qrvrcLogin", u"qrvrcProfilesList", u"qrvrcOptions", u"qrvrcPlugins", u"qrvrcUpdate",
+                             u"qrvrcHelp", u"qrvrcAbout", u"qrvrcProfileAdmin"}) {
+        const auto* window = desk.frame().findChild<QWidget*>(QString::fromUtf16(name));
+        if (window && window->isVisible())
+            shown += window->objectName();
+    }
+    return shown.join(u'+');
+}
+
+QString chosenTab(Desk& desk, const QString& strip)
+{
+    const auto& bar = desk.control<QTabBar>(strip);
+    return bar.tabText(bar.currentIndex());
+}
+
+/// A plugin's component that writes down what it is called for.
+class RecordingComponent : public ComponentObject
+{
+public:
+    QStringList calls;
+
+    ComponentValue call(std::string_view member, std::vector<ComponentValue> arguments) override
+    {
+        QString call = QString::fromLatin1(member.data(), static_cast<qsizetype>(member.size()));
+        if (member == "LoadInterface")
+            call += u" for profile %1"_s.arg(arguments.at(0).toInt32());
+        calls += call;
+        return {};
+    }
+};
+
+/// Gives the client a plugin with two sections of its own.
+std::shared_ptr<RecordingComponent> addPlugin(Desk& desk)
+{
+    auto component = std::make_shared<RecordingComponent>();
+    Plugin plugin;
+    plugin.name = "Stats";
+    plugin.component = component;
+    plugin.enabled = true;
+    plugin.file = "qrvrcStats.dll";
+    plugin.helpFile = "stats.html";
+    plugin.serverMenu = true;
+    plugin.serverMenuItems = {"Ranks", "Weapons"};
+    desk.core().plugins.plugins.push_back(plugin);
+    return component;
+}
+
+} // namespace
+
+class NavigationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theStripsFollowTheLogin()
+    {
+        Desk desk;
+        QVERIFY(desk.open());
+        QCOMPARE(desk.tabs(u"tsMain"_s), loggedOut);
+        QVERIFY(desk.tabs(u"tsSection"_s).isEmpty() && desk.tabs(u"tsSM"_s).isEmpty());
+        QCOMPARE(shownWindow(desk), u"qrvrcLogin"_s);
+        QVERIFY(desk.logIn());
+        QCOMPARE(desk.tabs(u"tsMain"_s), loggedIn);
+        QCOMPARE(desk.tabs(u"tsSection"_s), managers);
+        QCOMPARE(chosenTab(desk, u"tsMain"_s), u"Profile List"_s);
+        QCOMPARE(shownWindow(desk), u"qrvrcProfilesList"_s);
+        QVERIFY(desk.core().session.superAdmin);
+    }
+
+    void aDropResetsTheStripsAtOnce_data()
+    {
+        QTest::addColumn<QString>("manager");
+        QTest::newRow("from the profile list") << managers[0];
+        QTest::newRow("from the server manager") << managers[1];
+    }
+    void aDropResetsTheStripsAtOnce()
+    {
+        QFETCH(const QString, manager);
+        Desk desk;
+        QVERIFY(desk.logIn());
+        desk.clickTab(u"tsSection"_s, manager);
+        QVERIFY(desk.settles());
+        desk.control<QTimer>(u"Timer1"_s).stop(); // the poll is not needed for it
+        desk.tracker.closeLinks();
+        QTRY_COMPARE(desk.tabs(u"tsMain"_s), loggedOut);
+        QVERIFY(desk.tabs(u"tsSection"_s).isEmpty() && desk.tabs(u"tsSM"_s).isEmpty());
+        QCOMPARE(chosenTab(desk, u"tsMain"_s), u"Login"_s);
+        QVERIFY(desk.control(u"tsMain"_s).isVisible());
+        QCOMPARE(shownWindow(desk), u"qrvrcLogin"_s);
+        QVERIFY(desk.control(u"cmdConnect"_s).isEnabled());
+    }
+
+    void aTabBringsItsWindowToTheFront()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        auto& strip = desk.control<QTabBar>(u"tsMain"_s);
+        for (const QString& caption : {u"About"_s, u"Help"_s, u"Update"_s, u"Plugins"_s, u"Options"_s, u"Login"_s}) {
+            desk.clickTab(u"tsMain"_s, caption);
+            QCOMPARE(shownWindow(desk), u"qrvrc"_s + caption);
+            QVERIFY(strip.isEnabled());
+        }
+        const qsizetype asked = desk.requestCount("GetProfiles");
+        desk.clickTab(u"tsMain"_s, u"Profile List"_s);
+        QCOMPARE(shownWindow(desk), u"qrvrcProfilesList"_s);
+        QTRY_COMPARE(desk.requestCount("GetProfiles"), asked + 1);
+        QVERIFY(desk.settles());
+        desk.clickTab(u"tsMain"_s, u"Profile List"_s); // the tab in front activates its window anew
+        QTRY_COMPARE(desk.requestCount("GetProfiles"), asked + 2);
+        QVERIFY(desk.settles());
+    }
+
+    void theStripsAreReachedAndUsedByKeyboard()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        auto& strip = desk.control<QTabBar>(u"tsMain"_s);
+        strip.setFocus();
+        QTest::keyClick(&strip, Qt::Key_Right);
+        QCOMPARE(shownWindow(desk), u"qrvrcOptions"_s);
+        QVERIFY(strip.hasFocus()); // so that the next key goes on
+        QTest::keyClick(&strip, Qt::Key_Right);
+        QCOMPARE(shownWindow(desk), u"qrvrcPlugins"_s);
+    }
+
+    void theServerManagerNeedsAProfile()
+    {
+        practice::World world = practice::World::small();
+        world.profiles.clear();
+        Desk desk(world);
+        QVERIFY(desk.logIn());
+        desk.clickTab(u"tsSection"_s, managers[1]);
+        QCOMPARE(desk.boxes.onlyText(),
+                 u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
+        QCOMPARE(desk.boxes.boxes.constFirst().title, u"Error!"_s);
+        QCOMPARE(chosenTab(desk, u"tsSection"_s), managers[0]);
+        QVERIFY(desk.tabs(u"tsSM"_s).isEmpty());
+        QCOMPARE(shownWindow(desk), u"qrvrcProfilesList"_s);
+        QVERIFY(desk.control(u"tsSection"_s).isEnabled());
+    }
+
+    void theServerManagerOffersAdminAndThePlugins()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        addPlugin(desk);
+        desk.clickTab(u"tsSection"_s, managers[1]);
+        QCOMPARE(desk.tabs(u"tsSM"_s), (QStringList{u"Admin"_s, u"Ranks"_s, u"Weapons"_s}));
+        QCOMPARE(chosenTab(desk, u"tsSM"_s), u"Admin"_s);
+        QCOMPARE(shownWindow(desk), u"qrvrcProfileAdmin"_s);
+        QCOMPARE(desk.core().helpSection, u"Profile Admins"_s);
+        QVERIFY(!desk.control(u"tsMain"_s).isVisible());
+        desk.clickTab(u"tsSection"_s, managers[0]);
+        QVERIFY(desk.control(u"tsMain"_s).isVisible() && !desk.control(u"tsSM"_s).isVisible());
+        QCOMPARE(chosenTab(desk, u"tsMain"_s), u"Profile List"_s);
+        QCOMPARE(shownWindow(desk), u"qrvrcProfilesList"_s);
+        QTRY_COMPARE(desk.column(1).size(), 3);
+        QVERIFY(desk.settles());
+    }
+
+    void aPluginsSectionNeedsAnActiveProfile_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<bool>("isActive");
+        QTest::newRow("hosting") << 0 << true;
+        QTest::newRow("not active") << 1 << false;
+        QTest::newRow("hosting as a squad") << 2 << true;
+    }
+    void aPluginsSectionNeedsAnActiveProfile()
+    {
+        QFETCH(const int, row);
+        QFETCH(const bool, isActive);
+        Desk desk;
+        QVERIFY(desk.logIn());
+        const auto component = addPlugin(desk);
+        desk.clickRow(row);
+        desk.clickTab(u"tsSection"_s, managers[1]);
+        desk.clickTab(u"tsSM"_s, u"Ranks"_s);
+        QCOMPARE(desk.boxes.boxes.size(), isActive ? 0 : 1);
+        QCOMPARE(chosenTab(desk, u"tsSM"_s), isActive ? u"Ranks"_s : u"Admin"_s);
+        QCOMPARE(component->calls, isActive ? QStringList({u"SetPrivis"_s, u"LoadInterface for profile %1"_s.arg(row + 1)})
+                                            : QStringList());
+        QCOMPARE(desk.core().helpSection, isActive ? u"stats.html"_s : u"Profile Admins"_s);
+        if (!isActive) {
+            const RecordingDialogs::Box box{
+                u"Action Required!"_s,
+                u"You must select an active profile before you can use this section of the Server Manager!"_s};
+            QVERIFY(desk.boxes.boxes.constFirst() == box);
+        }
+    }
+
+    void aClientThatQuitsReactsToNoClick()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        desk.core().session.quitting = true;
+        desk.clickTab(u"tsMain"_s, u"Options"_s);
+        desk.clickTab(u"tsSection"_s, managers[1]);
+        QCOMPARE(shownWindow(desk), u"qrvrcProfilesList"_s);
+        QVERIFY(desk.tabs(u"tsSM"_s).isEmpty());
+    }
+};
+
+QTEST_MAIN(NavigationTest)
+#include "NavigationTest.moc"

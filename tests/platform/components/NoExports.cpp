@@ -1,0 +1,7 @@
+// A library that is no plugin.
+int nothing();
+
+int nothing()
+{
+    return 0;
+}

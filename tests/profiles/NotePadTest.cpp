@@ -1,0 +1,109 @@
+#include "profiles/qrvrcNotePad.h"
+
+#include "link/Client.h"
+#include "store/FileBytes.h"
+#include "support/LinkRig.h"
+#include "ui/PictureStore.h"
+#include "ui/WindowRegistry.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct PadRig : LinkRig
+{
+    PictureStore pictures{folder};
+    WindowRegistry windows;
+    QString helpSection;
+    Client client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection};
+    qrvrcNotePad pad{client};
+    QPlainTextEdit& text = *pad.findChild<QPlainTextEdit*>(u"Text1"_s);
+    QLineEdit& wanted = *pad.findChild<QLineEdit*>(u"txtFind"_s);
+    QLabel& found = *pad.findChild<QLabel*>(u"lblFound"_s);
+
+    void show(const QString& shown)
+    {
+        pad.showText(u"Some file"_s, shown);
+        QVERIFY(QTest::qWaitForWindowActive(&pad));
+    }
+    void saveAs(const QString& file)
+    {
+        pad.findChild<QAction*>(u"mnuSaveAs"_s)->trigger();
+        auto* dialog = pad.findChild<QFileDialog*>();
+        dialog->selectFile(file);
+        static_cast<QDialog*>(dialog)->accept();
+    }
+};
+
+} // namespace
+
+class NotePadTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aSavedFileHoldsTheVeryBytes()
+    {
+        PadRig rig;
+        std::string bytes = "one\r\ntwo\nthree\rfour\r\n\r\n\t";
+        for (int value = 1; value < 256; ++value)
+            bytes += static_cast<char>(value);
+        rig.show(rig.codePage.toText(bytes));
+        QTest::keyClick(&rig.text, Qt::Key_X); // the text is not to be changed
+        const QString file = rig.directory.filePath(u"saved.txt"_s);
+        rig.saveAs(file);
+        QCOMPARE(readBytes(file.toStdU16String()), bytes);
+        QVERIFY(rig.boxes.boxes.isEmpty());
+    }
+
+    void aFileThatCannotBeWrittenIsReported()
+    {
+        PadRig rig;
+        rig.show(u"text"_s);
+        const QString folder = rig.directory.filePath(u"gone"_s);
+        QDir().mkdir(folder);
+        rig.pad.findChild<QAction*>(u"mnuSaveAs"_s)->trigger();
+        auto* dialog = rig.pad.findChild<QFileDialog*>();
+        dialog->selectFile(folder + u"/saved.txt"_s);
+        QDir().rmdir(folder);
+        Q_EMIT dialog->fileSelected(folder + u"/saved.txt"_s);
+        QCOMPARE(rig.boxes.boxes.size(), 1);
+        QVERIFY(rig.boxes.boxes[0].text.contains(u"mnuSaveAs_Click"_s));
+    }
+
+    void aSearchGoesRoundInBothDirectionsAndEscapeLeavesStepByStep()
+    {
+        PadRig rig;
+        rig.show(u"alpha\r\nbeta\r\nALPHA\r\n"_s);
+        QTest::keyClick(&rig.text, Qt::Key_F, Qt::ControlModifier);
+        QVERIFY(rig.wanted.hasFocus());
+        QTest::keyClicks(&rig.wanted, u"alpha"_s);
+        const auto step = [&](Qt::KeyboardModifier modifier) {
+            QTest::keyClick(&rig.wanted, Qt::Key_F3, modifier);
+            return rig.text.textCursor().blockNumber();
+        };
+        QCOMPARE(step(Qt::NoModifier), 0);
+        QCOMPARE(step(Qt::NoModifier), 2);
+        QCOMPARE(step(Qt::NoModifier), 0);
+        QCOMPARE(rig.found.text(), u"Continued from the beginning."_s);
+        QCOMPARE(step(Qt::ShiftModifier), 2);
+        QTest::keyClicks(&rig.wanted, u"?"_s);
+        QCOMPARE(step(Qt::NoModifier), 2);
+        QCOMPARE(rig.found.text(), u"Not found."_s);
+        QTest::keyClick(&rig.wanted, Qt::Key_Escape);
+        QVERIFY(rig.pad.isVisible());
+        QVERIFY(rig.text.hasFocus());
+        QTest::keyClick(&rig.text, Qt::Key_Escape);
+        QVERIFY(!rig.pad.isVisible());
+    }
+};
+
+QTEST_MAIN(NotePadTest)
+#include "NotePadTest.moc"
