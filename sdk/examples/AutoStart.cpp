@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QLabel>
+#include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -53,6 +54,9 @@ void showNotice(std::int32_t profileId, std::int32_t frame)
     layout->addWidget(new QLabel(u"Starting game for profile %1..."_s.arg(profileId), notice));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, notice);
     layout->addWidget(buttons);
+    buttons->button(QDialogButtonBox::Close)->setIcon({});
+    notice->setMinimumWidth(300); // for the title
+    notice->setWindowFlag(Qt::WindowMinMaxButtonsHint, false);
     QObject::connect(buttons, &QDialogButtonBox::rejected, notice, &QDialog::close);
     QTimer::singleShot(noticeTime, notice, &QDialog::close);
     notice->show();

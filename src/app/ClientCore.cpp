@@ -35,8 +35,9 @@ PluginAccess ClientCore::pluginAccess()
             [this](const std::string& plugin) {
                 const auto listOf = [](const PermissionRecord::Privileges& privileges) {
                     std::vector<std::string> texts;
+                    texts.reserve(privileges.size());
                     for (const auto& [name, value] : privileges)
-                        texts.push_back(name + '=' + value);
+                        texts.emplace_back(name).append("=").append(value);
                     return ComponentValue::listOf(texts);
                 };
                 const PermissionRecord* found = permissions.find(plugin);

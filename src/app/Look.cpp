@@ -19,6 +19,7 @@ void applyLook()
     palette.setColor(QPalette::Highlight, QColor(0x2F, 0x66, 0xA8));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Disabled, QPalette::Base, QColor(0xEC, 0xEF, 0xF3));
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(0x8F, 0xA3, 0xBC));
     QApplication::setPalette(palette);
     QFont font(QStringList{u"Segoe UI"_s, u"Tahoma"_s, u"Liberation Sans"_s, u"DejaVu Sans"_s, u"Sans Serif"_s});
     font.setPointSize(9);

@@ -101,9 +101,7 @@ int run(Application& application, const CommandLine& line, const QUrl& makerHost
     return status;
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int start(int argc, char** argv)
 {
     const CommandLine line = parseCommandLine(std::vector<std::string>(argv + 1, argv + argc));
     switch (line.wish) {
@@ -132,4 +130,16 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(QRVRC_VERSION));
     Application application(argc, argv);
     return run(application, line, makerHost);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return start(argc, argv);
+    } catch (const std::exception& fault) {
+        std::cerr << "qrvv3rc: " << fault.what() << '\n';
+        return 1;
+    }
 }

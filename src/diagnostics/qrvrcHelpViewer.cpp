@@ -9,11 +9,11 @@
 #include <QHBoxLayout>
 #include <QImageReader>
 #include <QLabel>
+#include <QScreen>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QStyle>
-#include <QScreen>
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QTreeWidget>

@@ -57,6 +57,7 @@ struct LoginSuccess
     bool operator==(const LoginSuccess&) const = default;
 };
 
-/// @throws RuntimeError SubscriptOutOfRange for fewer than five fields, TypeMismatch for a port that is no number, Overflow for one
+/// @throws RuntimeError SubscriptOutOfRange for fewer than five fields, TypeMismatch for a port that is no number,
+/// Overflow for one
 ///         that does not fit
 LoginSuccess decodeLoginSuccess(std::string_view reply);

@@ -7,6 +7,7 @@
 #include "link/ReplyDispatcher.h"
 #include "link/Session.h"
 #include "link/StatusReply.h"
+#include "link/clsWinSock.h"
 #include "platform/FileVersion.h"
 #include "plugins/ComponentEntries.h"
 #include "plugins/PluginRules.h"
@@ -22,6 +23,7 @@
 namespace {
 
 constexpr std::string_view pluginFolder = "\\Plugins\\";
+constexpr std::size_t maxUnknown = 20; // components that are told of in one run
 constexpr std::string_view gameModule = "\\qrvrcGMF.dll";
 
 std::string classOf(std::string_view base)
@@ -55,6 +57,9 @@ PluginHost::PluginHost(Client& client, PluginTable& table, Components& component
       m_access(std::move(access)),
       m_clientVersion(std::move(clientVersion))
 {
+    // What a tracker runs is known for one connection only: behind the names of an earlier one, the next tracker's
+    // versions would never be looked at.
+    connect(&m_client.link, &clsWinSock::linkLost, this, [this] { m_table.trackerNames.clear(); });
     m_client.replies.on("GetStatus", this, [this](std::string_view body) { showStatus(body); });
     m_client.replies.onPluginMessage(
         this, [this](const std::string& component, const std::string& payload) { passOn(component, payload); });
@@ -161,6 +166,9 @@ void PluginHost::passOn(const std::string& component, const std::string& payload
     // The name comes from the host: only what is one of the plugins here is created.
     const bool isPlugin = std::any_of(m_table.plugins.begin(), m_table.plugins.end(),
                                       [&component](const Plugin& plugin) { return trimmed(plugin.base) == component; });
+    // Once is enough to know of: the tracker may send such messages every few seconds, and make up names.
+    if (!isPlugin && (m_unknown.size() >= maxUnknown || !m_unknown.insert(component).second))
+        return;
     if (!isPlugin)
         throw RuntimeError(ErrorNumber::CannotCreateObject, component + ".clsPlugin is no plugin of this client");
     m_components.createObject(classOf(component))->call("RemoteData", {payload});

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -67,5 +68,6 @@ private:
     const ProblemFiles& m_problems;
     PluginAccess m_access;
     std::string m_clientVersion;
-    std::string m_shown; ///< name of the plugin whose window a menu item shows
+    std::set<std::string> m_unknown; ///< components that messages named and this client does not have
+    std::string m_shown;             ///< name of the plugin whose window a menu item shows
 };

@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QScopedValueRollback>
+#include <QScreen>
 #include <QStyledItemDelegate>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -25,7 +26,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr QSize usualSize(480, 300);
+constexpr QSize usualSize(540, 340);
 constexpr QSize buttonSize(112, 30);
 constexpr int buttonGap = 12;
 constexpr int lineRole = Qt::UserRole; ///< the problem line's bytes
@@ -41,6 +42,11 @@ class TickDelegate : public QStyledItemDelegate
 {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
+    }
 
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
@@ -69,6 +75,8 @@ qrvrcDllProgress::qrvrcDllProgress(Client& client, const ComponentServices& serv
     setWindowTitle(u"Authenticating ActiveX Files"_s);
     setAttribute(Qt::WA_QuitOnClose, false); // the program goes on behind it
     resize(usualSize);
+    if (!parentWidget() || !parentWidget()->isVisible()) // the frame is not there yet at a start
+        move(screen()->availableGeometry().center() - rect().center());
     buildControls();
     buildMenu();
     wireSignals();
@@ -296,6 +304,7 @@ bool qrvrcDllProgress::deleteFile(const std::string& entry) const
 std::vector<std::string> qrvrcDllProgress::problemLines() const
 {
     std::vector<std::string> lines;
+    lines.reserve(static_cast<std::size_t>(List1->count()));
     for (int row = 0; row < List1->count(); ++row)
         lines.push_back(lineOf(*List1->item(row)));
     return lines;

@@ -157,7 +157,8 @@ void ProfileActions::attachByMenu()
 {
     const WindowLock lock({m_hooks.navigation, &m_list});
     static_cast<void>(attach()); // refreshed in any case
-    pauseFor(afterMenuAttach);
+    if (isLoggedIn())
+        pauseFor(afterMenuAttach);
     m_list.FormReload();
 }
 
@@ -177,8 +178,8 @@ void ProfileActions::stopGame()
     if (!profile)
         return;
     const WindowLock lock({m_hooks.navigation, &m_list});
-    static_cast<void>(send(stopGameRequest(m_client.session.user, profile->id)));
-    pauseFor(afterStop);
+    if (send(stopGameRequest(m_client.session.user, profile->id)) == WaitEnd::Replied)
+        pauseFor(afterStop);
     m_list.FormReload();
 }
 

@@ -37,6 +37,7 @@ qrvrcProcesses::qrvrcProcesses(Client& client, const std::vector<ProcessRecord>&
     setObjectName(u"qrvrcProcesses"_s);
     setWindowTitle(u"Attach to Process"_s);
     setFixedSize(windowSize);
+    setWindowFlag(Qt::WindowMinMaxButtonsHint, false);
     buildControls();
     wireSignals();
     for (const ProcessRecord& process : m_processes) {
@@ -54,6 +55,7 @@ void qrvrcProcesses::buildControls()
         label->setGeometry(left, margin, width, listTop - margin);
         auto* widget = new QListWidget(this);
         widget->setObjectName(name);
+        widget->setStyleSheet(u"QListView::item { padding: 2px; }"_s);
         widget->setAccessibleName(caption);
         widget->setGeometry(left, listTop, width, buttonTop - margin - listTop);
         return widget;

@@ -12,6 +12,8 @@
 namespace {
 
 constexpr int margin = 2;                    // pixels left and right of a text
+constexpr qreal lockedOpacity = 0.4;         // of pictures in a grid that cannot be used
+constexpr qreal plateRadius = 4;             // pixels
 constexpr int pictureMargin = 1;             // pixels around a picture
 constexpr qsizetype maxToolTipLength = 2000; // characters; more would not fit on a screen
 
@@ -39,6 +41,15 @@ QFont cellFont(const QStyleOptionViewItem& option, bool bold)
     return font;
 }
 
+/// The ground of a picture in a selected row: pictures are drawn for a light one and get lost on the highlight.
+void paintPlate(QPainter& painter, const QRect& cell, const QColor& colour)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawRoundedRect(QRectF(cell).adjusted(1, 1, -1, -1), plateRadius, plateRadius);
+}
+
 void paintPicture(QPainter& painter, const QPixmap& pixmap, const QRect& cell)
 {
     const QRectF room = QRectF(cell).adjusted(pictureMargin, pictureMargin, -pictureMargin, -pictureMargin);
@@ -64,7 +75,11 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
     if (selected)
         painter->fillRect(option.rect, option.palette.color(group, QPalette::Highlight));
     if (const GridPicture* const picture = grid.pictureAt(index.row(), index.column())) {
+        if (selected)
+            paintPlate(*painter, option.rect, option.palette.color(group, QPalette::Base));
+        painter->setOpacity(group == QPalette::Disabled ? lockedOpacity : 1.0);
         paintPicture(*painter, picture->pixmap, option.rect);
+        painter->setOpacity(1.0);
         return;
     }
     const QString text = grid.text(index.row(), index.column());

@@ -13,9 +13,16 @@ namespace {
 /// The program on a folder of its own; ended with this object.
 struct Program
 {
+    QTemporaryDir runtime; ///< a session has one; without it Qt grumbles on standard error
     QProcess process;
 
-    explicit Program(const QStringList& arguments) { process.start(QStringLiteral(QRVRC_PROGRAM), arguments); }
+    explicit Program(const QStringList& arguments)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"XDG_RUNTIME_DIR"_s, runtime.path());
+        process.setProcessEnvironment(environment);
+        process.start(QStringLiteral(QRVRC_PROGRAM), arguments);
+    }
     ~Program()
     {
         process.kill();
@@ -59,10 +66,10 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("says");
         QTest::newRow("unknown option") << QStringList{u"--nothing"_s} << "--nothing"_ba;
         QTest::newRow("no value") << QStringList{u"--connect"_s} << "needs a value"_ba;
-        QTest::newRow("a maker host that is no address") << QStringList{u"--maker-host"_s, u"ftp://x"_s}
-                                                         << "no http or https address"_ba;
-        QTest::newRow("a folder that cannot be") << QStringList{u"--app-folder"_s, u"/dev/null/x"_s}
-                                                 << "cannot be written to"_ba;
+        QTest::newRow("a maker host that is no address")
+            << QStringList{u"--maker-host"_s, u"ftp://x"_s} << "no http or https address"_ba;
+        QTest::newRow("a folder that cannot be")
+            << QStringList{u"--app-folder"_s, u"/dev/null/x"_s} << "cannot be written to"_ba;
     }
     void badUsageIsOneLineAndTwo()
     {

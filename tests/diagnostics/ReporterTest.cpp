@@ -27,10 +27,9 @@ struct Rig : LockableInterface
     {
         if (!web.listen())
             qFatal("the web host has no port");
-        core = std::make_unique<ClientCore>(Setup{.folder = directory.path().toStdU16String(),
-                                                  .makerHost = web.base(),
-                                                  .version = "3.0.1.17"},
-                                            boxes, *this, ClientCore::HelpOpener());
+        core = std::make_unique<ClientCore>(
+            Setup{.folder = directory.path().toStdU16String(), .makerHost = web.base(), .version = "3.0.1.17"}, boxes,
+            *this, ClientCore::HelpOpener());
     }
     void lockInterface() override {}
     void unlockInterface() override {}
@@ -86,8 +85,8 @@ private Q_SLOTS:
         QCOMPARE(rig.boxes.boxes.constFirst().title, u"QRVRC Error!"_s);
 
         const QByteArray log = rig.log();
-        for (const char* line : {"File: QRVV3RC.exe\r\n", "Function: HandleData\r\n", "Error Line: 410\r\n",
-                                 "Error No.: 91\r\n"})
+        for (const char* line :
+             {"File: QRVV3RC.exe\r\n", "Function: HandleData\r\n", "Error Line: 410\r\n", "Error No.: 91\r\n"})
             QVERIFY2(log.contains(line), line);
         QCOMPARE(log.count("Function: "), 1);
 
@@ -97,7 +96,8 @@ private Q_SLOTS:
         QVERIFY(report.startsWith("Report="));
         const QStringList fields = QString::fromLatin1(report.mid(7)).split(u"|*|*|"_s);
         QCOMPARE(fields.size(), 15);
-        QCOMPARE(fields.mid(2, 5), (QStringList{u"QRVV3RC.exe 3.0.17"_s, u"HandleData"_s, u"410"_s, u"91"_s, description}));
+        QCOMPARE(fields.mid(2, 5),
+                 (QStringList{u"QRVV3RC.exe 3.0.17"_s, u"HandleData"_s, u"410"_s, u"91"_s, description}));
         QCOMPARE(fields[8], u"1"_s); // of this machine
     }
 

@@ -151,7 +151,8 @@ private Q_SLOTS:
         QTest::addColumn<bool>("connected");
         QTest::addColumn<QString>("told");
         QTest::newRow("a success") << "Success_a_b_U3VwZXI=_8001"_ba << true << true << QString();
-        QTest::newRow("a failure") << "a_Login Failed: kicked._b"_ba << false << false << u"a_Login Failed: kicked._b"_s;
+        QTest::newRow("a failure") << "a_Login Failed: kicked._b"_ba << false << false
+                                   << u"a_Login Failed: kicked._b"_s;
         QTest::newRow("a success with too few fields")
             << "Success_a_b"_ba << true << false
             << u"The tracker's answer to the login cannot be understood. The connection was closed."_s;

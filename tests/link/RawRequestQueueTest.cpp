@@ -18,10 +18,7 @@ struct QueueRig : LinkRig
 
     QueueRig() { folder.makeFolder("\\RCData"); }
 
-    void put(const std::string& name, const std::string& text)
-    {
-        writeBytes(folder.path("\\RCData\\" + name), text);
-    }
+    void put(const std::string& name, const std::string& text) { writeBytes(folder.path("\\RCData\\" + name), text); }
     std::vector<std::string> waiting() const { return folder.fileNames("\\RCData"); }
 };
 

@@ -89,9 +89,8 @@ private Q_SLOTS:
         });
         rig.tracker.answerNextWith("GetProfiles", twoMessages("first", "Plugin_x_behind"));
         QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
-        QCOMPARE(steps,
-                 (QStringList{u"profiles, locked 1"_s, u"plugin inside, locked 2"_s, u"profiles again, locked 1"_s,
-                              u"plugin behind, locked 1"_s}));
+        QCOMPARE(steps, (QStringList{u"profiles, locked 1"_s, u"plugin inside, locked 2"_s,
+                                     u"profiles again, locked 1"_s, u"plugin behind, locked 1"_s}));
         QCOMPARE(rig.locks, 0);
     }
 
@@ -148,8 +147,7 @@ private Q_SLOTS:
         int profiles = 0;
         std::string component;
         rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { ++profiles; });
-        rig.replies.onPluginMessage(&rig.link,
-                                    [&](const std::string& name, const std::string&) { component = name; });
+        rig.replies.onPluginMessage(&rig.link, [&](const std::string& name, const std::string&) { component = name; });
         rig.tracker.answerNextWith("GetProfiles", "Plugin_qrvStats_a_b");
         QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
         QCOMPARE(profiles, 0);

@@ -42,8 +42,8 @@ private Q_SLOTS:
         QTest::newRow("nothing in it") << "0000008[ST][ND]"s << Bodies{""};
         QTest::newRow("two replies") << "0000009[ST]A[ND]0000009[ST]B[ND]"s << Bodies{"A", "B"};
         QTest::newRow("two messages under one prefix") << "0000018[ST]A[ND][ST]B[ND]"s << Bodies{"A", "B"};
-        QTest::newRow("an empty one between") << "0000009[ST]A[ND]0000008[ST][ND]0000009[ST]B[ND]"s
-                                              << Bodies{"A", "", "B"};
+        QTest::newRow("an empty one between")
+            << "0000009[ST]A[ND]0000008[ST][ND]0000009[ST]B[ND]"s << Bodies{"A", "", "B"};
         QTest::newRow("letters for a length") << "length?[ST]A[ND]"s << Bodies{"A"};
         QTest::newRow("no prefix at all") << "[ST]A[ND]"s << Bodies{"A"};
         QTest::newRow("negative length") << "-000009[ST]A[ND]"s << Bodies{"A"};
@@ -81,6 +81,16 @@ private Q_SLOTS:
         QCOMPARE(receiver.waiting(), std::size_t{5});
         receiver.receive("[ND]");
         QCOMPARE(receiver.bodies, (std::vector<std::string>{"A", "B"}));
+    }
+
+    void messagesThatArriveTogetherAreOneReply()
+    {
+        // So a wait for the reply ends behind the last of them.
+        ReplyAssembler assembler;
+        assembler.add("0000009[ST]A[ND]0000009[ST]B[ND]00");
+        QCOMPARE(assembler.take(), std::optional("[ST]A[ND]0000009[ST]B[ND]"s));
+        QVERIFY(!assembler.take());
+        QCOMPARE(assembler.received(), std::size_t{2});
     }
 
     void theLengthIsKnownFromTheSeventhByteToTheEnd()
@@ -121,8 +131,8 @@ private Q_SLOTS:
         QTest::newRow("failure in front of success")
             << "[ST]Success_a_b_c_1[ND][ST]Login Failed[ND]"s << int(ReplyKind::LoginFailed);
         QTest::newRow("success") << "[ST]Success_a_b_c_1[ND]"s << int(ReplyKind::LoginSucceeded);
-        QTest::newRow("success behind another") << "[ST]x[ND][ST]Success_a_b_c_1[ND]"s
-                                                << int(ReplyKind::LoginSucceeded);
+        QTest::newRow("success behind another")
+            << "[ST]x[ND][ST]Success_a_b_c_1[ND]"s << int(ReplyKind::LoginSucceeded);
         QTest::newRow("success without its marker") << "[ST] Success_a_b_c_1[ND]"s << int(ReplyKind::Messages);
         QTest::newRow("other letter case") << "[ST]login failed[ND]"s << int(ReplyKind::Messages);
         QTest::newRow("two blanks") << "[ST]Login  Failed[ND]"s << int(ReplyKind::Messages);

@@ -27,12 +27,12 @@ private Q_SLOTS:
         QTest::newRow("no plugins") << "Status_"s << 0 << Plugins();
         QTest::newRow("nothing") << ""s << 0 << Plugins();
         QTest::newRow("blank entries") << "Status_ | |QUJD-1-x|"s << 0 << Plugins{{"ABC", {}}};
-        QTest::newRow("words behind the first entry") << "Status_QUJD_R0hJ|R0hJ"s << 0
-                                                      << Plugins{{"ABC", {}}, {"GHI", {}}};
+        QTest::newRow("words behind the first entry")
+            << "Status_QUJD_R0hJ|R0hJ"s << 0 << Plugins{{"ABC", {}}, {"GHI", {}}};
         QTest::newRow("a blank first entry has no word") << " |QUJD-1-x"s << 0 << Plugins{{"ABC", {}}};
         QTest::newRow("no leading word") << "QUJD-1-x"s << subscript << Plugins();
-        QTest::newRow("the second name is no Base64") << "Status_QUJD-1-x|%%%%-1-x"s << mismatch
-                                                      << Plugins{{"ABC", {}}};
+        QTest::newRow("the second name is no Base64")
+            << "Status_QUJD-1-x|%%%%-1-x"s << mismatch << Plugins{{"ABC", {}}};
     }
     void aStatusReplyNamesTheTrackersPlugins()
     {
@@ -54,14 +54,22 @@ private Q_SLOTS:
         QTest::addColumn<int>("error");
         QTest::addColumn<std::string>("component");
         QTest::addColumn<std::string>("payload");
-        QTest::newRow("payload with separators") << "Plugin_qrvStats_a_b"s << true << 0 << "qrvrcStats"s << "a_b"s;
-        QTest::newRow("every occurrence is renamed") << "Plugin_qrvXqrvY_p"s << true << 0 << "qrvrcXqrvrcY"s << "p"s;
-        QTest::newRow("other letter case stays") << "Plugin_QRVStats_p"s << true << 0 << "QRVStats"s << "p"s;
-        QTest::newRow("a longer first word") << "Plugins_qrvStats"s << true << 0 << "qrvrcStats"s << ""s;
-        QTest::newRow("payload of separators") << "Plugin_x___"s << true << 0 << "x"s << "__"s;
-        QTest::newRow("no component") << "Plugin"s << true << numberOf(ErrorNumber::SubscriptOutOfRange) << ""s << ""s;
-        QTest::newRow("other letter case is none") << "plugin_qrvStats"s << false << 0 << "qrvrcStats"s << ""s;
-        QTest::newRow("too short") << "Plugi"s << false << numberOf(ErrorNumber::SubscriptOutOfRange) << ""s << ""s;
+        QTest::newRow("payload with separators") << "Plugin_qrvStats_a_b"s << true << 0 << "qrvrcStats"s
+                                                 << "a_b"s;
+        QTest::newRow("every occurrence is renamed") << "Plugin_qrvXqrvY_p"s << true << 0 << "qrvrcXqrvrcY"s
+                                                     << "p"s;
+        QTest::newRow("other letter case stays") << "Plugin_QRVStats_p"s << true << 0 << "QRVStats"s
+                                                 << "p"s;
+        QTest::newRow("a longer first word") << "Plugins_qrvStats"s << true << 0 << "qrvrcStats"s
+                                             << ""s;
+        QTest::newRow("payload of separators") << "Plugin_x___"s << true << 0 << "x"s
+                                               << "__"s;
+        QTest::newRow("no component") << "Plugin"s << true << numberOf(ErrorNumber::SubscriptOutOfRange) << ""s
+                                      << ""s;
+        QTest::newRow("other letter case is none") << "plugin_qrvStats"s << false << 0 << "qrvrcStats"s
+                                                   << ""s;
+        QTest::newRow("too short") << "Plugi"s << false << numberOf(ErrorNumber::SubscriptOutOfRange) << ""s
+                                   << ""s;
     }
     void aPluginMessageNamesItsComponent()
     {

@@ -15,17 +15,17 @@ private Q_SLOTS:
         QTest::addColumn<std::string>("fault");
         QTest::newRow("all is there") << ConnectionFields{"n", "h", "1", "u", "p"} << ""s;
         QTest::newRow("nothing is there") << ConnectionFields{} << "Profile Name field is empty!"s;
-        QTest::newRow("blanks are nothing") << ConnectionFields{" \t", "h", "1", "u", "p"}
-                                            << "Profile Name field is empty!"s;
-        QTest::newRow("no host and nothing behind it") << ConnectionFields{"n", " ", "", "", ""}
-                                                       << "Host field is empty!"s;
+        QTest::newRow("blanks are nothing")
+            << ConnectionFields{" \t", "h", "1", "u", "p"} << "Profile Name field is empty!"s;
+        QTest::newRow("no host and nothing behind it")
+            << ConnectionFields{"n", " ", "", "", ""} << "Host field is empty!"s;
         QTest::newRow("no port") << ConnectionFields{"n", "h", "", "", ""} << "Port field is empty!"s;
         QTest::newRow("no user name") << ConnectionFields{"n", "h", "1", " ", ""} << "Username field is empty!"s;
         QTest::newRow("no password") << ConnectionFields{"n", "h", "1", "u", ""} << "Password field is empty!"s;
-        QTest::newRow("a password of blanks") << ConnectionFields{"n", "h", "1", "u", "  "}
-                                              << "Password field is empty!"s;
-        QTest::newRow("the entry for new profiles") << ConnectionFields{"New Profile", "h", "1", "u", "p"}
-                                                    << "Please choose another Profile Name!"s;
+        QTest::newRow("a password of blanks")
+            << ConnectionFields{"n", "h", "1", "u", "  "} << "Password field is empty!"s;
+        QTest::newRow("the entry for new profiles")
+            << ConnectionFields{"New Profile", "h", "1", "u", "p"} << "Please choose another Profile Name!"s;
         for (const char character : {'[', ']', '\n', '\r'}) {
             QTest::addRow("a name with character %d", character)
                 << ConnectionFields{std::string("a") + character, "h", "1", "u", "p"}

@@ -74,8 +74,8 @@ private Q_SLOTS:
         QTest::newRow("port too high") << u"txtPort"_s << u"65536"_s << u"Invalid Port format!"_s << true;
         QTest::newRow("port of letters") << u"txtPort"_s << u"http"_s << u"Invalid Port format!"_s << true;
         QTest::newRow("impossible host") << u"txtHost"_s << u"no such host"_s << u"Invalid IP format!"_s << true;
-        QTest::newRow("brackets in the name") << u"txtProfile"_s << u"a]b"_s
-                                              << u"The Profile Name cannot hold brackets or line breaks!"_s << false;
+        QTest::newRow("brackets in the name")
+            << u"txtProfile"_s << u"a]b"_s << u"The Profile Name cannot hold brackets or line breaks!"_s << false;
         QTest::newRow("a letter that the host does not know")
             << u"txtPass"_s << u"pa\u0416"_s << u"The character '\u0416' cannot be sent to the host!"_s << false;
     }
@@ -116,7 +116,8 @@ private Q_SLOTS:
     void aTypedNameThatExistsUpdatesItsProfile()
     {
         Desk desk;
-        desk.put(store, "; mine\r\n[Home]\r\nHost=old\r\nPort=1\r\nUser=u\r\nPass=p\r\n[Other]\r\nHost=x\r\nPort=2\r\n");
+        desk.put(store,
+                 "; mine\r\n[Home]\r\nHost=old\r\nPort=1\r\nUser=u\r\nPass=p\r\n[Other]\r\nHost=x\r\nPort=2\r\n");
         QVERIFY(desk.open());
         QTRY_COMPARE(profileNames(desk).size(), 3);
         desk.typeProfile(u"home"_s, u"guest"_s, u"guest"_s, desk.tracker.port());

@@ -148,8 +148,7 @@ private Q_SLOTS:
         Desk desk(world);
         QVERIFY(desk.logIn());
         desk.clickTab(u"tsSection"_s, managers[1]);
-        QCOMPARE(desk.boxes.onlyText(),
-                 u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
+        QCOMPARE(desk.boxes.onlyText(), u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
         QCOMPARE(desk.boxes.boxes.constFirst().title, u"Error!"_s);
         QCOMPARE(chosenTab(desk, u"tsSection"_s), managers[0]);
         QVERIFY(desk.tabs(u"tsSM"_s).isEmpty());
@@ -196,8 +195,9 @@ private Q_SLOTS:
         desk.clickTab(u"tsSM"_s, u"Ranks"_s);
         QCOMPARE(desk.boxes.boxes.size(), isActive ? 0 : 1);
         QCOMPARE(chosenTab(desk, u"tsSM"_s), isActive ? u"Ranks"_s : u"Admin"_s);
-        QCOMPARE(component->calls, isActive ? QStringList({u"SetPrivis"_s, u"LoadInterface for profile %1"_s.arg(row + 1)})
-                                            : QStringList());
+        QCOMPARE(component->calls, isActive
+                                       ? QStringList({u"SetPrivis"_s, u"LoadInterface for profile %1"_s.arg(row + 1)})
+                                       : QStringList());
         QCOMPARE(desk.core().helpSection, isActive ? u"stats.html"_s : u"Profile Admins"_s);
         if (!isActive) {
             const RecordingDialogs::Box box{

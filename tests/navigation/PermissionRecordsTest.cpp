@@ -18,8 +18,8 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isSuper");
         QTest::addColumn<Records>("records");
         QTest::newRow("super") << "Super"s << true << Records();
-        QTest::newRow("super with a tail is not super") << "Super|Profiles|Edit Profiles=1"s << false
-                                                        << Records{{"Profiles", {{"Edit Profiles", "1"}}, {}}};
+        QTest::newRow("super with a tail is not super")
+            << "Super|Profiles|Edit Profiles=1"s << false << Records{{"Profiles", {{"Edit Profiles", "1"}}, {}}};
         QTest::newRow("other letter case is not super") << "super"s << false << Records();
         QTest::newRow("empty") << ""s << false << Records();
         QTest::newRow("the first item is not used") << "Profiles"s << false << Records();
@@ -31,19 +31,17 @@ private Q_SLOTS:
         QTest::newRow("an unknown section marked by its first entry")
             << "User|Chat Relay|Restrict Access=0|Start Server=1"s << false
             << Records{{"Chat Relay", {{"Restrict Access", "0"}, {"Start Server", "1"}}, {}}};
-        QTest::newRow("an unknown section without its mark") << "User|Chat Relay|Restrict Access=1"s << false
-                                                             << Records{{"", {{"Restrict Access", "1"}}, {}}};
-        QTest::newRow("an unnamed record is used again") << "User|Chat Relay|Restrict Access=1|Options|View Options=1"s
-                                                         << false
-                                                         << Records{{"Options",
-                                                                     {{"Restrict Access", "1"}, {"View Options", "1"}},
-                                                                     {}}};
-        QTest::newRow("an unknown section at the very end") << "User|Options|Chat Relay"s << false
-                                                            << Records{{"Options", {}, {}}, {"", {}, {}}};
+        QTest::newRow("an unknown section without its mark")
+            << "User|Chat Relay|Restrict Access=1"s << false << Records{{"", {{"Restrict Access", "1"}}, {}}};
+        QTest::newRow("an unnamed record is used again")
+            << "User|Chat Relay|Restrict Access=1|Options|View Options=1"s << false
+            << Records{{"Options", {{"Restrict Access", "1"}, {"View Options", "1"}}, {}}};
+        QTest::newRow("an unknown section at the very end")
+            << "User|Options|Chat Relay"s << false << Records{{"Options", {}, {}}, {"", {}, {}}};
         QTest::newRow("an entry whose value is no number is a section")
             << "User|Options|View=yes|Change=1"s << false << Records{{"Options", {}, {}}, {"", {{"Change", "1"}}, {}}};
-        QTest::newRow("an entry in front of all sections") << "User|View=1"s << false
-                                                           << Records{{"", {{"View", "1"}}, {}}};
+        QTest::newRow("an entry in front of all sections")
+            << "User|View=1"s << false << Records{{"", {{"View", "1"}}, {}}};
         QTest::newRow("nothing but separators") << "||||"s << false << Records{{"", {}, {}}};
     }
     void aPrivilegeStringBecomesRecords()
@@ -79,8 +77,10 @@ private Q_SLOTS:
         QTest::addColumn<std::string>("plugin");
         QTest::addColumn<bool>("restricted");
         const auto named = "User|BHD Auto Start|Restrict Access=0"s;
-        QTest::newRow("super") << "Super"s << "Anything"s << false;
-        QTest::newRow("no records") << "User"s << "Chat Relay"s << true;
+        QTest::newRow("super") << "Super"s
+                               << "Anything"s << false;
+        QTest::newRow("no records") << "User"s
+                                    << "Chat Relay"s << true;
         QTest::newRow("its own record") << named << "BHD Auto Start"s << false;
         QTest::newRow("a part of a record's name") << named << "Auto"s << false;
         QTest::newRow("more than a record's name") << named << "BHD Auto Start 2"s << true;

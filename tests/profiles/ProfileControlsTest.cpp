@@ -27,9 +27,9 @@ void addStartPlugin(Desk& desk)
     desk.core().plugins.plugins.push_back(plugin);
 }
 
-/// The controls as the selected row leaves them, a letter each: Attach, Detach, Start, sTop, Modify, and in the menu also
-/// tracKing mode. Buttons: capital when enabled, small when shown only, "-" when hidden; entries of the menu: capital
-/// when enabled, small when not.
+/// The controls as the selected row leaves them, a letter each: Attach, Detach, Start, sTop, Modify, and in the menu
+/// also tracKing mode. Buttons: capital when enabled, small when shown only, "-" when hidden; entries of the menu:
+/// capital when enabled, small when not.
 QString stateOf(Desk& desk)
 {
     const QList<std::pair<QString, QChar>> actions{
@@ -107,16 +107,16 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("privileges");
         QTest::addColumn<QString>("hosting");
         QTest::addColumn<QString>("notHosting");
-        QTest::newRow("no section for profiles") << "User|Options|View Options=1"_ba << u"a---m adstmk"_s
-                                                 << u"a---m adstmk"_s;
+        QTest::newRow("no section for profiles")
+            << "User|Options|View Options=1"_ba << u"a---m adstmk"_s << u"a---m adstmk"_s;
         QTest::newRow("no privileges at all") << "User"_ba << u"a---m adstmk"_s << u"a---m adstmk"_s;
         QTest::newRow("a value that is neither 0 nor 1")
             << "User|Profiles|Attach Profiles to Games=2|Edit Profiles=7"_ba << u"A---M AdstMk"_s << u"A---M AdstMk"_s;
         QTest::newRow("a privilege of another section")
             << "User|Profiles|Options|Attach Profiles to Games=1|Edit Profiles=1"_ba << u"a---m adstmk"_s
             << u"a---m adstmk"_s;
-        QTest::newRow("the tracking mode alone") << "User|Profiles|Change Profile Tracking Mode=1"_ba
-                                                 << u"a---m adstmK"_s << u"a---m adstmK"_s;
+        QTest::newRow("the tracking mode alone")
+            << "User|Profiles|Change Profile Tracking Mode=1"_ba << u"a---m adstmK"_s << u"a---m adstmK"_s;
     }
     void oddPrivilegesAreTakenAsWritten()
     {

@@ -32,8 +32,8 @@ struct Sent
 
 QByteArray element(const Sent& profile)
 {
-    const QList<QByteArray> fields{profile.id, profile.name, profile.picture, {}, {}, "TDM", {}, {}, "text",
-                                   profile.status, "v"};
+    const QList<QByteArray> fields{profile.id, profile.name, profile.picture, {}, {}, "TDM", {},
+                                   {},         "text",       profile.status,  "v"};
     return fields.join('|').toBase64();
 }
 
@@ -92,9 +92,15 @@ private Q_SLOTS:
         QStringList cells;
         for (int column = 0; column < desk.grid().columnCount(); ++column)
             cells += desk.grid().index(0, column).data().toString();
-        QCOMPARE(cells,
-                 (QStringList{u"1"_s, u"Alpha"_s, {}, u"2/16"_s, QString::fromLatin1(alpha.map), u"Coop"_s,
-                              u"00:10:00"_s, QString::fromLatin1(alpha.statusText), {}}));
+        QCOMPARE(cells, (QStringList{u"1"_s,
+                                     u"Alpha"_s,
+                                     {},
+                                     u"2/16"_s,
+                                     QString::fromLatin1(alpha.map),
+                                     u"Coop"_s,
+                                     u"00:10:00"_s,
+                                     QString::fromLatin1(alpha.statusText),
+                                     {}}));
         QCOMPARE(desk.column(1), (QStringList{u"Alpha"_s, u"Bravo"_s, u"Charlie"_s}));
         QCOMPARE(desk.column(4).value(1), QString());
         QCOMPARE(desk.grid().index(1, 0).data(Qt::UserRole).toInt(), 5);
@@ -180,11 +186,15 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("held");
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QByteArray>("kept");
-        QTest::newRow("new") << QByteArray() << "71/73/70/"_ba << "GIF"_ba;
-        QTest::newRow("the last piece is no byte") << QByteArray() << "71/73/70"_ba << "GI"_ba;
+        QTest::newRow("new") << QByteArray() << "71/73/70/"_ba
+                             << "GIF"_ba;
+        QTest::newRow("the last piece is no byte") << QByteArray() << "71/73/70"_ba
+                                                   << "GI"_ba;
         QTest::newRow("none sent, none held") << QByteArray() << QByteArray() << QByteArray();
         QTest::newRow("none sent, one held") << "GIF89a"_ba << QByteArray() << "GIF89a"_ba;
-        QTest::newRow("a byte out of range keeps what is held") << "GIF89a"_ba << "71/256/"_ba << "GIF89a"_ba;
+        QTest::newRow("a byte out of range keeps what is held") << "GIF89a"_ba
+                                                                << "71/256/"_ba
+                                                                << "GIF89a"_ba;
     }
     void picturesAreKeptUnderTheirNames()
     {
@@ -207,7 +217,8 @@ private Q_SLOTS:
         QVERIFY(desk.logIn());
         QCOMPARE(desk.lastRequest("GetProfiles"), "GetProfiles_admin__VB6_");
         list(desk).FormReload();
-        QCOMPARE(desk.lastRequest("GetProfiles"), "GetProfiles_admin_" + "desert.gif|islands.gif"_ba.toBase64() + "_VB6_");
+        QCOMPARE(desk.lastRequest("GetProfiles"),
+                 "GetProfiles_admin_" + "desert.gif|islands.gif"_ba.toBase64() + "_VB6_");
         QVERIFY(hasPicture(desk, 0, modColumn) && hasPicture(desk, 2, modColumn));
     }
 

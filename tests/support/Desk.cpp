@@ -1,7 +1,5 @@
 #include "support/Desk.h"
 
-#include "app/ShippedFiles.h"
-
 #include <QAbstractItemModel>
 #include <QComboBox>
 #include <QFile>
@@ -27,7 +25,7 @@ QString asText(const std::filesystem::path& path)
 
 Desk::Desk(practice::World world) : tracker(std::move(world))
 {
-    fillAppFolder(AppFolder(path("")), QRVRC_SHIPPED_DIR);
+    std::filesystem::copy(QRVRC_SHIPPED_DIR, path(""), std::filesystem::copy_options::recursive);
     if (!tracker.listen())
         qFatal("the practice tracker has no port");
 }
@@ -36,10 +34,8 @@ Desk::~Desk() = default;
 
 bool Desk::open()
 {
-    m_frame = std::make_unique<qrvrcMain>(Setup{.folder = path(""),
-                                                .makerHost = QUrl(u"http://127.0.0.1:1"_s),
-                                                .version = "3.0.1.0",
-                                                .boxes = &boxes});
+    m_frame = std::make_unique<qrvrcMain>(
+        Setup{.folder = path(""), .makerHost = QUrl(u"http://127.0.0.1:1"_s), .version = "3.0.1.0", .boxes = &boxes});
     if (!m_frame->MDIFormLoad())
         return false;
     m_frame->show();
@@ -103,7 +99,9 @@ QStringList Desk::tabs(const QString& strip)
 
 QString Desk::linkStatus()
 {
-    return control(u"fmeStatus"_s).findChild<QLabel*>(u"lblStatus"_s)->text(); // the status bar has one of that name too
+    return control(u"fmeStatus"_s)
+        .findChild<QLabel*>(u"lblStatus"_s)
+        ->text(); // the status bar has one of that name too
 }
 
 void Desk::typeProfile(const QString& name, const QString& user, const QString& password, quint16 port)

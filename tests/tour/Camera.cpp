@@ -49,7 +49,7 @@ QRect areaOf(const QList<QWidget*>& windows)
 {
     QRect area;
     for (const QWidget* window : windows)
-        area |= window->frameGeometry();
+        area |= window->windowHandle()->frameGeometry(); // a widget may know its frame from before it was decorated
     return area;
 }
 

@@ -1,6 +1,7 @@
 #include "tour/Hand.h"
 
 #include <QAbstractButton>
+#include <QListWidget>
 #include <QMenu>
 #include <QTabBar>
 #include <QTableView>
@@ -31,9 +32,9 @@ bool hasWindowManager()
     return QGuiApplication::platformName() != QStringLiteral("offscreen");
 }
 
-void click(const QString& name)
+void click(const QString& name, const QString& container)
 {
-    if (const auto* widget = seen<QWidget>(name))
+    if (const auto* widget = seen<QWidget>(name, container))
         clickAt(widget, widget->rect().center());
 }
 
@@ -62,9 +63,16 @@ void clickRow(const QString& grid, int row, Qt::MouseButton button)
     }
 }
 
+void clickLine(const QString& list, int row, Qt::MouseButton button)
+{
+    if (const auto* view = seen<QListWidget>(list); view && view->item(row))
+        clickAt(view->viewport(), view->visualItemRect(view->item(row)).center(), button);
+}
+
 void clickEntry(QMenu* menu, const QString& action)
 {
-    for (QAction* entry : menu->actions()) {
+    const QList<QAction*> entries = menu ? menu->actions() : QList<QAction*>();
+    for (QAction* entry : entries) {
         if (entry->objectName() == action)
             clickAt(menu, menu->actionGeometry(entry).center());
     }

@@ -41,11 +41,12 @@ Widget* seen(const QString& name, const QString& container = {})
 /// Whether another window becomes active by itself when the active one goes.
 bool hasWindowManager();
 
-/// Clicks in the middle of a widget.
-void click(const QString& name);
+/// Clicks in the middle of a widget. @param container  as for seen()
+void click(const QString& name, const QString& container = {});
 void click(QAbstractButton* button);
 void clickTab(const QString& strip, const QString& caption);
 void clickRow(const QString& grid, int row, Qt::MouseButton button = Qt::LeftButton);
+void clickLine(const QString& list, int row, Qt::MouseButton button = Qt::LeftButton);
 void clickEntry(QMenu* menu, const QString& action);
 
 /// Types into whatever has the focus. @param text  ASCII

@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QTabBar>
 #include <QTableView>
@@ -45,10 +46,41 @@ bool showsEveryStatus()
     bool hasMod = false;
     for (int row = 0; view && row < view->model()->rowCount(); ++row) {
         hasMod = hasMod || hasPicture(row, modColumn);
-        if (hasPicture(row, statusColumn))
-            missing.removeAll(view->model()->index(row, 0).data(Qt::UserRole).toInt());
+        missing.removeAll(statusOf(row));
     }
     return view && missing.isEmpty() && hasMod;
+}
+
+int statusOf(int row)
+{
+    const auto* view = seen<QTableView>(u"fgProfiles"_s);
+    return view && hasPicture(row, statusColumn) ? view->model()->index(row, 0).data(Qt::UserRole).toInt() : -1;
+}
+
+QStringList linesOf(const QString& list)
+{
+    const auto* view = seen<QListWidget>(list);
+    QStringList lines;
+    for (int row = 0; view && row < view->count(); ++row)
+        lines += view->item(row)->text();
+    return lines;
+}
+
+int selectedLine(const QString& list)
+{
+    const auto* view = seen<QListWidget>(list);
+    const QList<QListWidgetItem*> selected = view ? view->selectedItems() : QList<QListWidgetItem*>();
+    return selected.size() == 1 ? view->row(selected.front()) : -1;
+}
+
+bool hasTab(const QString& strip, const QString& caption)
+{
+    const auto* bar = seen<QTabBar>(strip);
+    for (int index = 0; bar && index < bar->count(); ++index) {
+        if (bar->tabText(index) == caption)
+            return true;
+    }
+    return false;
 }
 
 QString textOf(const QString& name, const QString& container)

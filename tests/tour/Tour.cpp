@@ -5,18 +5,13 @@
 #include "tour/Sight.h"
 
 #include <QComboBox>
-#include <QGuiApplication>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
 #include <QProgressBar>
-#include <QPushButton>
-#include <QScreen>
 #include <QTabBar>
 #include <QTableView>
 #include <QTextBrowser>
-#include <QWindow>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -44,13 +39,13 @@ practice::World sampleWorld()
 } // namespace
 
 Tour::Tour(qrvrcMain& frame, practice::WebSide& web, const QDir& pictures)
-    : m_frame(frame),
-      m_web(web),
-      m_tracker(sampleWorld()),
-      m_camera(pictures)
+    : Act(frame, sampleWorld(), pictures),
+      m_web(web)
 {
     arrive();
-    fillInProfile();
+    picture(u"start.png"_s);
+    typeConnection(profileName);
+    picture(u"login-focus.png"_s);
     beRefused();
     chooseProfile();
     signInFirst();
@@ -61,85 +56,9 @@ Tour::Tour(qrvrcMain& frame, practice::WebSide& web, const QDir& pictures)
     openMenu();
     meetGarbage();
     loseLink();
-    quit();
-}
-
-bool Tour::start()
-{
-    // The port is known from now on, and nobody listens there until the tracker is to be found.
-    if (!m_tracker.listen())
-        return false;
-    m_tracker.stopListening();
-    m_tracker.setLively(false); // the pictures of one day look like those of another
-    const QString failurePicture = u"failure.png"_s;
-    m_camera.prepare(failurePicture); // an older one would tell of a failure that is over
-    m_script.onFailure = [this, failurePicture] {
-        m_failure = whatStands();
-        m_camera.takeAtOnce(failurePicture);
-    };
-    m_script.start();
-    return true;
-}
-
-QString Tour::complaint() const
-{
-    return m_failure.isEmpty() ? u"ended before it came true: "_s + m_script.expectation() : m_failure;
-}
-
-QString Tour::whatStands() const
-{
-    QString line = u"did not come true: "_s + m_script.expectation();
-    if (const auto* box = seen<QMessageBox>(u"msgBox"_s))
-        line += u" (a box \"%1\" says \"%2\")"_s.arg(box->windowTitle(), box->text().simplified());
-    return line;
-}
-
-void Tour::picture(const QString& file)
-{
-    m_camera.prepare(file); // a tour that fails leaves no picture of an earlier one
-    m_script.add(
-        u"the picture %1 is taken"_s.arg(file), [this, file] { m_camera.prepare(file); },
-        [this, file, stillTrue = m_script.lastExpectation()] { return stillTrue() && m_camera.take(file); });
-}
-
-void Tour::arrive()
-{
-    m_script.add(
-        u"the login window is there and active"_s,
-        [this] {
-            m_frame.show();
-            m_frame.activateWindow();
-            // Out of the way, or what happens to lie under the pointer would look touched.
-            QCursor::setPos(m_frame.screen()->geometry().bottomRight());
-        },
-        [this] {
-            return m_frame.isActiveWindow() && m_frame.windowHandle()->isExposed() && seen<QWidget>(u"qrvrcLogin"_s) &&
-                   hasFocus(u"cboProfile"_s) && isLoggedOut();
-        });
-    picture(u"start.png"_s);
-}
-
-void Tour::fillInProfile()
-{
-    m_script.add(
-        u"the fields of the login window take what is typed"_s,
-        [this] {
-            click(u"txtProfile"_s);
-            for (const QByteArray& text : {profileName.toLatin1(), QByteArray("127.0.0.1"),
-                                           QByteArray::number(m_tracker.port()), QByteArray("admin")}) {
-                type(text);
-                press(Qt::Key_Tab);
-            }
-            type("admin");
-            press(Qt::Key_Tab);
-        },
-        [this] {
-            return fieldText(u"txtProfile"_s) == profileName && fieldText(u"txtHost"_s) == u"127.0.0.1"_s &&
-                   fieldText(u"txtPort"_s) == QString::number(m_tracker.port()) &&
-                   fieldText(u"txtUser"_s) == u"admin"_s && fieldText(u"txtPass"_s) == u"admin"_s &&
-                   hasFocus(u"cmdConnect"_s);
-        });
-    picture(u"login-focus.png"_s);
+    askToQuit();
+    picture(u"quit.png"_s);
+    confirmQuit();
 }
 
 void Tour::beRefused()
@@ -349,44 +268,6 @@ void Tour::loseLink()
                    textOf(u"lblNote"_s, u"sbMain"_s).startsWith(u"The host closed the connection at "_s);
         });
     picture(u"empty.png"_s);
-}
-
-void Tour::awaitFrame()
-{
-    m_script.add(
-        u"the frame is active again"_s,
-        [this] {
-            if (!hasWindowManager())
-                m_frame.activateWindow();
-        },
-        [this] { return m_frame.isActiveWindow(); });
-}
-
-void Tour::dismissBox(const QString& what)
-{
-    m_script.add(
-        what,
-        [] {
-            if (const auto* box = seen<QMessageBox>(u"msgBox"_s))
-                click(box->button(QMessageBox::Ok));
-        },
-        [] { return !seen<QMessageBox>(u"msgBox"_s); });
-    awaitFrame();
-}
-
-void Tour::quit()
-{
-    m_script.add(
-        u"closing the frame asks first"_s, [this] { m_frame.windowHandle()->close(); },
-        [] { return boxSays(u"Are you sure you want to quit?"_s); });
-    picture(u"quit.png"_s);
-    m_script.add(
-        u"the answer Yes ends the program"_s,
-        [] {
-            if (const auto* box = seen<QMessageBox>(u"msgBox"_s))
-                click(box->button(QMessageBox::Yes));
-        },
-        [this] { return !m_frame.isVisible(); });
 }
 
 } // namespace tour

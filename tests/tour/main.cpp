@@ -3,6 +3,7 @@
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
+#include "tour/PluginTour.h"
 #include "tour/Tour.h"
 
 #include <QApplication>
@@ -48,30 +49,50 @@ std::filesystem::path pathOf(const QString& text)
     return std::filesystem::path(text.toStdU16String());
 }
 
-int walk(const QDir& pictures)
+/// Fills `home` with what is shipped. @throws RuntimeError from the disk
+std::filesystem::path settleIn(const QTemporaryDir& home)
+{
+    if (!home.isValid())
+        throw RuntimeError(ErrorNumber::PermissionDenied, home.errorString().toStdString());
+    std::filesystem::path folder = pathOf(home.path());
+    fillAppFolder(AppFolder(folder), installationFolder(pathOf(QCoreApplication::applicationDirPath())));
+    return folder;
+}
+
+int outcome(bool cameTrue, const tour::Act& act)
+{
+    return cameTrue ? EXIT_SUCCESS : complain(act.complaint().toStdString());
+}
+
+int firstDay(practice::WebSide& web, const QDir& pictures)
 {
     const QTemporaryDir home;
-    if (!home.isValid())
-        return complain("no temporary folder: " + home.errorString().toStdString());
-    const std::filesystem::path folder = pathOf(home.path());
-    try {
-        fillAppFolder(AppFolder(folder), installationFolder(pathOf(QCoreApplication::applicationDirPath())));
-    } catch (const RuntimeError& error) {
-        return complain("the application folder cannot be filled: " + error.description());
-    }
+    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
+    tour::Tour act(frame, web, pictures);
+    return outcome(act.play(), act);
+}
+
+int dayWithPlugins(const practice::WebSide& web, const QDir& pictures)
+{
+    const QTemporaryDir home;
+    const QDir examples(QCoreApplication::applicationDirPath() + QStringLiteral("/Plugins"));
+    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
+    tour::PluginTour act(frame, QDir(home.path()), examples, pictures);
+    return outcome(act.play(), act);
+}
+
+int walk(const QDir& pictures)
+{
     practice::WebSide web;
     if (!web.listen())
         return complain("no port for the web host");
-
     applyLook();
-    qrvrcMain frame({.folder = folder, .makerHost = web.base(), .version = QRVRC_VERSION});
-    if (!frame.MDIFormLoad())
-        return complain("the start gave way to an updater");
-    tour::Tour tour(frame, web, pictures);
-    if (!tour.start())
-        return complain("no port for the host link");
-    QApplication::exec();
-    return tour.isThrough() ? EXIT_SUCCESS : complain(tour.complaint().toStdString());
+    try {
+        const int status = firstDay(web, pictures);
+        return status == EXIT_SUCCESS ? dayWithPlugins(web, pictures) : status;
+    } catch (const RuntimeError& error) {
+        return complain("the application folder cannot be filled: " + error.description());
+    }
 }
 
 } // namespace

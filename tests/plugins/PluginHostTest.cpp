@@ -1,0 +1,284 @@
+#include "plugins/PluginHost.h"
+
+#include "support/Desk.h"
+
+#include <QLabel>
+#include <QListWidget>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The two example plugins in the desk's folder, registered, so that the start does not stop at them.
+/// @param watchFile  under which name "Match Watch" lies there
+void addPlugins(const Desk& desk, const std::string& watchFile = "qrvrcWatch.dll")
+{
+    const AppFolder folder(desk.path(""));
+    folder.makeFolder("\\Plugins");
+    const std::filesystem::path built = QRVRC_EXAMPLE_DIR;
+    Components components(folder);
+    const auto add = [&](const char* source, const std::string& file) {
+        const std::filesystem::path target = folder.path("\\Plugins") / file;
+        std::filesystem::copy_file(built / source, target);
+        if (!components.registerFile(target))
+            qFatal("%s cannot be registered", source);
+    };
+    add("qrvrcBHDGS.dll", "qrvrcBHDGS.dll");
+    add("qrvrcWatch.dll", watchFile);
+}
+
+/// Every plugin of the table: its file's base, "+" when it is enabled or "-", and "r" when the account may not use it.
+QString tableOf(Desk& desk)
+{
+    QStringList plugins;
+    for (const Plugin& plugin : desk.core().plugins.plugins)
+        plugins += QString::fromStdString(plugin.base) + (plugin.enabled ? u'+' : u'-') +
+                   (plugin.restricted ? u"r"_s : QString());
+    return plugins.join(u' ');
+}
+
+using Change = void (*)(practice::World&);
+
+} // namespace
+
+Q_DECLARE_METATYPE(Change)
+
+class PluginHostTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void whatTheTrackerRunsIsEnabled_data()
+    {
+        QTest::addColumn<QString>("user");
+        QTest::addColumn<Change>("change");
+        QTest::addColumn<QString>("table");
+        QTest::addColumn<QString>("update");   // files of the warning that are to be updated
+        QTest::addColumn<QString>("disabled"); // plugins that it names
+        const auto row = [](const char* name, const QString& user, Change change, const QString& table,
+                            const QString& update = {}, const QString& disabled = {}) {
+            QTest::newRow(name) << user << change << table << update << disabled;
+        };
+        const QString super = u"admin"_s;
+        row(
+            "both", super, [](practice::World&) {}, u"qrvrcBHDGS+ qrvrcWatch+"_s);
+        row(
+            "one", super, [](practice::World& world) { world.removePlugin("Match Watch"); },
+            u"qrvrcBHDGS+ qrvrcWatch-"_s);
+        row(
+            "none", super, [](practice::World& world) { world.plugins.clear(); }, u"qrvrcBHDGS- qrvrcWatch-"_s);
+        row(
+            "no version", super, [](practice::World& world) { world.setPluginVersion("Match Watch", ""); },
+            u"qrvrcBHDGS+ qrvrcWatch+"_s);
+        row(
+            "one is outdated", super, [](practice::World& world) { world.setPluginVersion("Match Watch", "1001"); },
+            u"qrvrcBHDGS+ qrvrcWatch-"_s, u"qrvrcWatch.dll\r\n"_s, u"Match Watch (qrvrcWatch.dll)\r\n"_s);
+        row(
+            "both are outdated", super,
+            [](practice::World& world) {
+                world.setPluginVersion("Match Watch", "2");
+                world.setPluginVersion("BHD Auto Start", "1000.1");
+            },
+            u"qrvrcBHDGS- qrvrcWatch-"_s, u"qrvrcBHDGS.dll\r\nqrvrcWatch.dll\r\n"_s,
+            u"BHD Auto Start (qrvrcBHDGS.dll)\r\nMatch Watch (qrvrcWatch.dll)\r\n"_s);
+        row(
+            "restricted for the account", u"guest"_s, [](practice::World&) {}, u"qrvrcBHDGS+r qrvrcWatch+r"_s);
+        row(
+            "outdated and restricted", u"guest"_s,
+            [](practice::World& world) { world.setPluginVersion("Match Watch", "1001"); },
+            u"qrvrcBHDGS+r qrvrcWatch-r"_s, u"qrvrcWatch.dll\r\n"_s, u"Match Watch (qrvrcWatch.dll)\r\n"_s);
+    }
+    void whatTheTrackerRunsIsEnabled()
+    {
+        QFETCH(const QString, user);
+        QFETCH(const Change, change);
+        QFETCH(const QString, update);
+        QFETCH(const QString, disabled);
+        Desk desk;
+        addPlugins(desk);
+        change(desk.tracker.world());
+        QVERIFY(desk.open());
+        QVERIFY(!desk.core().plugins.isEnabled("BHD Auto Start")); // nobody reports it yet
+        QVERIFY(desk.logIn(user));
+        QTEST(tableOf(desk), "table");
+        const PluginTable& table = desk.core().plugins;
+        for (int again = 0; again < 2; ++again) { // a new load neither doubles a line nor warns
+            QCOMPARE(QString::fromStdString(table.updateNeeded), update);
+            QCOMPARE(QString::fromStdString(table.disabled), disabled);
+            QCOMPARE(desk.boxes.boxes.size(), disabled.isEmpty() ? 0 : 1);
+            desk.core().pluginHost.LoadPlugins();
+        }
+        if (!disabled.isEmpty()) {
+            const QString heading = u"\r\n\r\nThe following files have been disabled: \r\n"_s;
+            QCOMPARE(desk.boxes.boxes.constFirst(),
+                     (RecordingDialogs::Box{u"Action Required!"_s, update + heading + disabled}));
+        }
+        QCOMPARE(desk.control(u"cmdStop"_s).isVisible(), table.isEnabled("BHD Auto Start"));
+        desk.clickTab(u"tsSection"_s, u"Server Manager"_s);
+        const bool isOffered = table.find("Match Watch")->isOffered();
+        QCOMPARE(desk.tabs(u"tsSM"_s),
+                 isOffered ? QStringList({u"Admin"_s, u"Match Watch"_s}) : QStringList(u"Admin"_s));
+    }
+
+    void aPluginSaysWhatItIs()
+    {
+        Desk desk;
+        addPlugins(desk);
+        QVERIFY(desk.open());
+        const Plugin* plugin = desk.core().plugins.find("Match Watch");
+        QVERIFY(plugin && plugin->component);
+        QCOMPARE(QString::fromStdString(plugin->file), u"qrvrcWatch.dll"_s);
+        QCOMPARE(QString::fromStdString(plugin->version), u"1.0.0.0"_s);
+        QCOMPARE(QString::fromStdString(plugin->helpFile), u"qrvrcWatch.html"_s);
+        QVERIFY(plugin->hasInterface && plugin->serverMenu && !plugin->profileMenu);
+        QVERIFY(plugin->profileMenuItems.empty());
+        QCOMPARE(desk.core().plugins.find("BHD Auto Start")->game.toString(), std::string("DFBHD"));
+    }
+
+    void problemFilesAreSkippedInAnyLetterCase_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("problem");
+        QTest::addColumn<QString>("table"); // nobody has logged in, so everything is restricted
+        QTest::newRow("none") << u"qrvrcWatch.dll"_s << u"other.dll"_s << u"qrvrcBHDGS-r qrvrcWatch-r"_s;
+        QTest::newRow("as it is") << u"qrvrcWatch.dll"_s << u"qrvrcWatch.dll"_s << u"qrvrcBHDGS-r"_s;
+        QTest::newRow("in another case") << u"qrvrcWatch.dll"_s << u"QRVRCwatch.DLL"_s << u"qrvrcBHDGS-r"_s;
+        QTest::newRow("a file in another case") << u"qrvrcWatch.DLL"_s << u"qrvrcwatch.dll"_s << u"qrvrcBHDGS-r"_s;
+        QTest::newRow("a base alone is no file")
+            << u"qrvrcWatch.dll"_s << u"qrvrcWatch"_s << u"qrvrcBHDGS-r qrvrcWatch-r"_s;
+        QTest::newRow("ending in another case")
+            << u"qrvrcWatch.DLL"_s << u"other.dll"_s << u"qrvrcBHDGS-r qrvrcWatch-r"_s;
+    }
+    void problemFilesAreSkippedInAnyLetterCase()
+    {
+        QFETCH(const QString, file);
+        QFETCH(const QString, problem);
+        Desk desk;
+        addPlugins(desk, file.toStdString());
+        desk.put("\\Plugins\\readme.txt", "no plugin");
+        QVERIFY(desk.open());
+        desk.put("\\Plugins\\.dll", "no name"); // the start would stop at it
+        desk.core().problems.names = {problem.toStdString()};
+        desk.core().pluginHost.LoadPlugins();
+        QTEST(tableOf(desk), "table");
+        QVERIFY(desk.boxes.boxes.isEmpty());
+    }
+
+    void whatIsNoLibraryEndsTheLoadAndIsNamed_data()
+    {
+        QTest::addColumn<QString>("table");
+        QTest::newRow("a.dll") << QString();
+        QTest::newRow("qrvrcCC.dll") << u"qrvrcBHDGS+"_s;
+        QTest::newRow("x.dll") << u"qrvrcBHDGS+ qrvrcWatch+"_s;
+        QTest::newRow("x y.DLL") << u"qrvrcBHDGS+ qrvrcWatch+"_s;
+    }
+    void whatIsNoLibraryEndsTheLoadAndIsNamed()
+    {
+        const QByteArray file = QTest::currentDataTag();
+        Desk desk;
+        addPlugins(desk);
+        QVERIFY(desk.logIn());
+        desk.put("\\Plugins\\" + file, "a text");
+        QSignalSpy changed(&desk.core().pluginHost, &PluginHost::tableChanged);
+        desk.core().pluginHost.LoadPlugins();
+        QTEST(tableOf(desk), "table");
+        QCOMPARE(changed.size(), 1); // windows follow what there is
+        const QString text = desk.boxes.onlyText();
+        QVERIFY2(text.contains(u"Error 429: "_s) && text.contains(QString::fromLatin1(file)), qPrintable(text));
+        QVERIFY2(text.endsWith(u"Function/Sub: LoadPlugins"_s), qPrintable(text));
+        std::filesystem::remove(desk.path("\\Plugins\\" + file));
+        desk.core().pluginHost.LoadPlugins();
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+ qrvrcWatch+"_s);
+    }
+
+    void theEndOfAConnectionForgetsWhatTheTrackerRan_data()
+    {
+        QTest::addColumn<bool>("byUser");
+        QTest::newRow("disconnected") << true;
+        QTest::newRow("dropped") << false;
+    }
+    void theEndOfAConnectionForgetsWhatTheTrackerRan()
+    {
+        QFETCH(const bool, byUser);
+        Desk desk;
+        addPlugins(desk);
+        QVERIFY(desk.logIn());
+        if (byUser) {
+            desk.clickTab(u"tsMain"_s, u"Login"_s);
+            desk.click(u"cmdDisconnect"_s);
+            QVERIFY(tableOf(desk).startsWith(u"qrvrcBHDGS-"_s) && tableOf(desk).contains(u" qrvrcWatch-"_s));
+        } else {
+            desk.tracker.resetLinks();
+            QTRY_VERIFY(!desk.link().isConnected());
+        }
+        QVERIFY(desk.core().plugins.trackerNames.empty());
+        // The next tracker's versions count, at their own positions.
+        desk.tracker.world().plugins.swapItemsAt(0, 1);
+        desk.tracker.world().setPluginVersion("Match Watch", "1001");
+        QVERIFY(desk.logIn(u"moderator"_s));
+        QVERIFY(desk.core().plugins.isEnabled("BHD Auto Start"));
+        QVERIFY(!desk.core().plugins.isEnabled("Match Watch"));
+        QCOMPARE(desk.boxes.boxes.size(), 1);
+    }
+
+    void aMessageReachesItsPlugin()
+    {
+        Desk desk;
+        addPlugins(desk);
+        QVERIFY(desk.logIn());
+        desk.clickTab(u"tsSection"_s, u"Server Manager"_s);
+        desk.clickTab(u"tsSM"_s, u"Match Watch"_s);
+        const auto& page = desk.control(u"qrvrcWatch"_s);
+        QVERIFY(page.isVisible());
+        QCOMPARE(page.findChild<QLabel*>(u"lblProfile"_s)->text(), u"Profile 1"_s);
+        QCOMPARE(desk.core().helpSection, u"qrvrcWatch.html"_s);
+        const auto& messages = desk.control<QListWidget>(u"lstMessages"_s);
+        desk.tracker.send("Plugin_qrvWatch_first_\x80");
+        desk.tracker.send("Plugin_qrvBHDGS_for the other");
+        desk.tracker.send("Plugin_qrvWatch_");
+        QTRY_COMPARE(messages.count(), 2);
+        QVERIFY(messages.item(0)->text().endsWith(u"  first_\u20AC"_s));
+        desk.clickTab(u"tsSection"_s, u"Profile Manager"_s);
+        QVERIFY(!page.isVisible());
+        desk.tracker.send("Plugin_qrvWatch_while hidden");
+        QTRY_COMPARE(messages.count(), 3);
+        QVERIFY(desk.boxes.boxes.isEmpty());
+    }
+
+    void aMessageForNobodyIsReported_data()
+    {
+        QTest::addColumn<QByteArray>("message");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("unknown") << "Plugin_qrvNothing_x"_ba << u"Error 429: "_s;
+        QTest::newRow("another letter case") << "Plugin_qrvWATCH_x"_ba << u"Error 429: "_s;
+        QTest::newRow("renamed twice") << "Plugin_qrvrcWatch_x"_ba << u"Error 429: "_s;
+        QTest::newRow("no plugin, but a component") << "Plugin_Odd_x"_ba << u"Error 429: "_s;
+        QTest::newRow("a path") << "Plugin_..\\Plugins\\qrvWatch_x"_ba << u"Error 429: "_s;
+        QTest::newRow("no name") << "Plugin__x"_ba << u"Error 429: "_s;
+        QTest::newRow("nothing behind the word") << "Plugin"_ba << u"Error 9: "_s;
+    }
+    void aMessageForNobodyIsReported()
+    {
+        QFETCH(const QByteArray, message);
+        QFETCH(const QString, error);
+        Desk desk;
+        addPlugins(desk);
+        // Registered, as another program's component would be, but none of the plugins.
+        std::filesystem::copy_file(desk.path("\\Plugins\\qrvrcWatch.dll"), desk.path("") / "odd.dll");
+        desk.put("\\settings\\components.ini",
+                 desk.bytesOf("\\settings\\components.ini") + "[Odd.clsPlugin]\r\nFile=\\odd.dll\r\n");
+        QVERIFY(desk.logIn());
+        desk.boxes.boxes.clear();
+        desk.tracker.send(message);
+        QTRY_COMPARE(desk.boxes.boxes.size(), 1);
+        const QString text = desk.boxes.onlyText();
+        QVERIFY2(text.contains(error) && text.endsWith(u"Function/Sub: HandleData"_s), qPrintable(text));
+        QVERIFY(desk.frame().isEnabled() && desk.control(u"tsMain"_s).isEnabled());
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+ qrvrcWatch+"_s);
+    }
+};
+
+QTEST_MAIN(PluginHostTest)
+#include "PluginHostTest.moc"
