@@ -11,6 +11,7 @@
 #include "link/LoginExchange.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
+#include "platform/SystemName.h"
 #include "plugins/ComponentCheck.h"
 #include "profiles/ProfileActions.h"
 #include "profiles/qrvrcNotePad.h"
@@ -93,7 +94,8 @@ void qrvrcMain::buildFrame()
     m_menu = new qrvrcMenu(m_core->client, m_core->permissions, m_core->selected, m_core->plugins, area);
     m_menu->setGeometry(0, 0, inner.width(), navigationHeight);
     m_pages = new QWidget(area);
-    m_pages->setGeometry(1, navigationHeight, inner.width() - 3, inner.height() - 30);
+    const int beyondPages = platformFlags(systemName().name).isWindows7 ? 32 : 30; // its frames are a little thicker
+    m_pages->setGeometry(1, navigationHeight, inner.width() - 3, inner.height() - beyondPages);
     m_progress = new qrvrcProgress(this);
     connect(m_menu, &qrvrcMenu::windowWanted, this, &qrvrcMain::showWindow);
     connect(m_menu, &qrvrcMenu::pluginWanted, this, &qrvrcMain::showPlugin);
