@@ -17,6 +17,7 @@
 #include "ui/EventWait.h"
 
 #include <QGuiApplication>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 
 #include <array>
@@ -188,7 +189,10 @@ void ProfileActions::startGame()
     const auto profile = m_list.selectedRecord();
     if (!profile)
         return;
-    const QScopedValueRollback section(m_client.helpSection, u"IGNORE"_s);
+    const auto restoreHelp = qScopeGuard([this, section = std::exchange(m_client.helpSection, u"IGNORE"_s)] {
+        if (m_client.helpSection == u"IGNORE"_s) // the user may have gone to another section meanwhile
+            m_client.helpSection = section;
+    });
     const WindowLock lock({&m_list});
     const bool started =
         m_client.reporter.trap("cmdStart_Click", [&] { m_hooks.startGame(parseInt32(profile->id).value_or(0)); });
