@@ -21,7 +21,12 @@ void applyLook()
     palette.setColor(QPalette::Disabled, QPalette::Base, QColor(0xEC, 0xEF, 0xF3));
     palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(0x8F, 0xA3, 0xBC));
     QApplication::setPalette(palette);
-    QFont font(QStringList{u"Segoe UI"_s, u"Tahoma"_s, u"Liberation Sans"_s, u"DejaVu Sans"_s, u"Sans Serif"_s});
+    // Every family that is not there costs a search at the start.
+#if defined(Q_OS_WIN)
+    QFont font(QStringList{u"Segoe UI"_s, u"Tahoma"_s});
+#else
+    QFont font(QStringList{u"Liberation Sans"_s, u"DejaVu Sans"_s});
+#endif
     font.setPointSize(9);
     QApplication::setFont(font);
     QApplication::setWindowIcon(QIcon(u":/icon.png"_s));

@@ -3,6 +3,7 @@
 #include "link/Client.h"
 #include "ui/StripTabBar.h"
 
+#include <QApplication>
 #include <QIcon>
 #include <QLabel>
 #include <QStackedWidget>
@@ -33,7 +34,7 @@ qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* pare
 {
     setObjectName(u"qrvrcAbout"_s);
     auto* emblem = new QLabel;
-    emblem->setPixmap(QIcon(u":/emblem.png"_s).pixmap(QSize(96, 96), devicePixelRatioF()));
+    emblem->setPixmap(QApplication::windowIcon().pixmap(QSize(96, 96), devicePixelRatioF()));
     emblem->setAlignment(Qt::AlignCenter);
     auto* tsAbout = new StripTabBar(u"tsAbout"_s, client.pictures, "\\background.gif", this);
     tsAbout->setAccessibleName(u"About"_s);

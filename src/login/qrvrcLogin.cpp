@@ -13,6 +13,7 @@
 #include "ui/EventWait.h"
 #include "ui/ImageButton.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QIcon>
@@ -92,7 +93,7 @@ void qrvrcLogin::buildControls()
     lblStatus->setGeometry(fieldLeft, 24, frameWidth - fieldLeft - 20, fieldHeight);
 
     lblEmblem = new QLabel(this);
-    lblEmblem->setPixmap(QIcon(u":/emblem.png"_s).pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
+    lblEmblem->setPixmap(QApplication::windowIcon().pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
     lblEmblem->setAlignment(Qt::AlignCenter);
 
     Timer1 = new QTimer(this);
