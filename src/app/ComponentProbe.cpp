@@ -1,6 +1,7 @@
 #include "app/ComponentProbe.h"
 
 #include "base/RuntimeError.h"
+#include "platform/PathText.h"
 #include "store/AppFolder.h"
 #include "ui/EventWait.h"
 
@@ -19,11 +20,6 @@ namespace {
 
 /// Unlike any status with which a component might end the process on its own.
 constexpr int cameToItsEnd = 42;
-
-QString textOf(const std::filesystem::path& path)
-{
-    return QString::fromStdU16String(path.u16string());
-}
 
 } // namespace
 

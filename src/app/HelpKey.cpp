@@ -3,6 +3,7 @@
 #include "diagnostics/Reporter.h"
 #include "link/Client.h"
 #include "platform/CodePage.h"
+#include "platform/PathText.h"
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
 
@@ -77,5 +78,5 @@ void HelpKey::showHelpFor(const QString& section)
         return;
     }
     const std::filesystem::path path = m_client.folder.path("\\Plugins\\" + file);
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdU16String(path.u16string())));
+    QDesktopServices::openUrl(QUrl::fromLocalFile(textOf(path)));
 }

@@ -1,26 +1,10 @@
 #include "app/UpdaterHandOver.h"
 
+#include "platform/PathText.h"
 #include "store/AppFolder.h"
 #include "store/FileBytes.h"
 
 #include <QProcess>
-
-namespace {
-
-QString asText(const std::filesystem::path& path)
-{
-    return QString::fromStdU16String(path.u16string());
-}
-
-void removeIfPresent(const std::filesystem::path& path)
-{
-    std::error_code fault;
-    std::filesystem::remove_all(path, fault);
-    if (fault)
-        throwFileError(fault, path);
-}
-
-} // namespace
 
 HandOver handOverUpdates(const AppFolder& folder)
 {
@@ -28,9 +12,13 @@ HandOver handOverUpdates(const AppFolder& folder)
         return HandOver::Nothing;
     if (folder.fileNames("\\Updates").size() > 1) {
         const bool started =
-            QProcess::startDetached(asText(folder.path("\\QRVV3Updater.exe")), {}, asText(folder.root()));
+            QProcess::startDetached(textOf(folder.path("\\QRVV3Updater.exe")), {}, textOf(folder.root()));
         return started ? HandOver::UpdaterStarted : HandOver::UpdaterMissing;
     }
-    removeIfPresent(folder.path("\\Updates"));
+    const std::filesystem::path updates = folder.path("\\Updates");
+    std::error_code fault;
+    std::filesystem::remove_all(updates, fault);
+    if (fault)
+        throwFileError(fault, updates);
     return HandOver::Nothing;
 }

@@ -4,6 +4,7 @@
 #include "app/ShippedFiles.h"
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
+#include "platform/PathText.h"
 
 #include <QApplication>
 #include <QFile>
@@ -39,16 +40,6 @@ int complain(const std::string& text)
 {
     std::cerr << "qrvv3rc: " << text << '\n';
     return badUsage;
-}
-
-std::filesystem::path pathOf(const QString& text)
-{
-    return std::filesystem::path(text.toStdU16String());
-}
-
-QString textOf(const std::filesystem::path& path)
-{
-    return QString::fromStdU16String(path.u16string());
 }
 
 /// Registers a component file of an application folder, as the component check does when the user asks it to.
@@ -114,11 +105,11 @@ int start(int argc, char** argv)
         std::cout << commandLineHelp();
         return 0;
     case CommandLine::Wish::ProbeComponent:
-        return runComponentProbe(argc, argv, QFile::decodeName(line.appFolder.value_or(".").c_str()).toStdU16String(),
-                                 QFile::decodeName(line.componentFile.c_str()).toStdU16String(), line.componentClass);
+        return runComponentProbe(argc, argv, pathOf(QFile::decodeName(line.appFolder.value_or(".").c_str())),
+                                 pathOf(QFile::decodeName(line.componentFile.c_str())), line.componentClass);
     case CommandLine::Wish::RegisterComponent:
-        return registerComponent(QFile::decodeName(line.appFolder.value_or(".").c_str()).toStdU16String(),
-                                 QFile::decodeName(line.componentFile.c_str()).toStdU16String());
+        return registerComponent(pathOf(QFile::decodeName(line.appFolder.value_or(".").c_str())),
+                                 pathOf(QFile::decodeName(line.componentFile.c_str())));
     case CommandLine::Wish::Run:
         break;
     }

@@ -11,6 +11,7 @@
 #include "link/LoginExchange.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
+#include "platform/PathText.h"
 #include "platform/SystemName.h"
 #include "plugins/ComponentCheck.h"
 #include "profiles/ProfileActions.h"
@@ -63,8 +64,7 @@ qrvrcMain::qrvrcMain(const Setup& setup)
       m_version(setup.version)
 {
     if (!setup.program.empty())
-        m_core->components.setProbe(
-            childProcessProbe(QString::fromStdU16String(setup.program.u16string()), setup.folder));
+        m_core->components.setProbe(childProcessProbe(textOf(setup.program), setup.folder));
     buildFrame();
     registerWindows();
     wireLink();

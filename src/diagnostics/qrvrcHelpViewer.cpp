@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "diagnostics/HelpBook.h"
+#include "platform/PathText.h"
 
 #include <QBuffer>
 #include <QDesktopServices>
@@ -146,7 +147,7 @@ void qrvrcHelpViewer::showTopic(const std::filesystem::path& file, const QString
         const bool isMissing =
             error.number() == ErrorNumber::FileNotFound || error.number() == ErrorNumber::PathNotFound;
         showFault(isMissing ? tr("The help file is missing") : tr("The help file cannot be read"),
-                  tr("%1 (%2)").arg(QString::fromStdU16String(file.u16string()), fromBook(error.description())));
+                  tr("%1 (%2)").arg(textOf(file), fromBook(error.description())));
     }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();

@@ -76,6 +76,10 @@ void PluginHost::loadFiles()
     m_table.plugins.clear();
     m_table.updateNeeded.clear();
     m_table.disabled.clear();
+    const InstalledVersions installed{
+        .client = without(m_clientVersion, "."),
+        .module = versionDigits(m_client.folder.path(gameModule)),
+    };
     for (const std::string& file : m_client.folder.fileNames(pluginFolder)) {
         if (!equalsIgnoringCase(file.substr(file.size() - std::min<std::size_t>(file.size(), 4)), ".dll"))
             continue;
@@ -84,7 +88,7 @@ void PluginHost::loadFiles()
         if (plugin.base.empty() || m_problems.contains(plugin.base + ".dll") || m_problems.contains(file))
             continue;
         try {
-            load(file, plugin);
+            load(file, plugin, installed);
         } catch (const RuntimeError& error) {
             if (error.description().find(file) != std::string::npos)
                 throw;
@@ -94,7 +98,7 @@ void PluginHost::loadFiles()
     }
 }
 
-void PluginHost::load(const std::string& file, Plugin& plugin)
+void PluginHost::load(const std::string& file, Plugin& plugin, const InstalledVersions& installed)
 {
     plugin.component = m_components.createObject(classOf(plugin.base));
     const ObjectRef data = plugin.component->call("GetData").toObject();
@@ -113,10 +117,11 @@ void PluginHost::load(const std::string& file, Plugin& plugin)
     plugin.profileMenuItems = textsOf(data->call("ProfileMenuItems"));
     plugin.serverMenuItems = textsOf(data->call("ServerMenuItems"));
     plugin.helpFile = data->call("HelpFile").toString();
-    judge(file, plugin, *data);
+    judge(file, plugin, *data, installed);
 }
 
-void PluginHost::judge(const std::string& file, Plugin& plugin, ComponentObject& data)
+void PluginHost::judge(const std::string& file, Plugin& plugin, ComponentObject& data,
+                       const InstalledVersions& installed)
 {
     const PluginFacts facts{
         .name = plugin.name,
@@ -124,10 +129,6 @@ void PluginHost::judge(const std::string& file, Plugin& plugin, ComponentObject&
         .minClient = data.call("MinRCCVer").toString(),
         .minModule = data.call("MinGMFVer").toString(),
         .fileVersion = versionDigits(m_client.folder.path(std::string(pluginFolder) + file)),
-    };
-    const InstalledVersions installed{
-        .client = without(m_clientVersion, "."),
-        .module = versionDigits(m_client.folder.path(gameModule)),
     };
     const PluginVerdict verdict = judgePlugin(facts, m_table.trackerNames, m_table.trackerVersions, installed);
     plugin.enabled = verdict.enabled;

@@ -12,6 +12,7 @@
 
 class QWidget;
 struct Client;
+struct InstalledVersions;
 struct Plugin;
 struct PluginTable;
 struct ProblemFiles;
@@ -57,8 +58,8 @@ Q_SIGNALS:
 
 private:
     void loadFiles();
-    void load(const std::string& file, Plugin& plugin);
-    void judge(const std::string& file, Plugin& plugin, ComponentObject& data);
+    void load(const std::string& file, Plugin& plugin, const InstalledVersions& installed);
+    void judge(const std::string& file, Plugin& plugin, ComponentObject& data, const InstalledVersions& installed);
     void showStatus(std::string_view body);
     void passOn(const std::string& component, const std::string& payload);
 

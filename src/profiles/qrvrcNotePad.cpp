@@ -3,6 +3,7 @@
 #include "diagnostics/Reporter.h"
 #include "link/Client.h"
 #include "platform/CodePage.h"
+#include "platform/PathText.h"
 #include "store/FileBytes.h"
 
 #include <QFileDialog>
@@ -185,9 +186,8 @@ void qrvrcNotePad::chooseFile()
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilters({u"Text files (*.txt)"_s, u"All files (*)"_s});
     dialog->setDefaultSuffix(u"txt"_s);
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
-        m_client.reporter.trap("mnuSaveAs_Click", [&] { save(file.toStdU16String()); });
-    });
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this](const QString& file) { m_client.reporter.trap("mnuSaveAs_Click", [&] { save(pathOf(file)); }); });
     dialog->open();
 }
 
