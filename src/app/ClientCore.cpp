@@ -61,8 +61,8 @@ HelperServices ClientCore::services(const QUrl& makerHost, HelpOpener showHelp)
                 QUrl page = makerHost;
                 page.setPath(u"/quorbeta/ErrorReports.php"_s);
                 inet.post(page, QByteArray("Report=").append(QByteArray::fromStdString(report)), reportLimit,
-                          [done = std::move(done)](const Inet::Answer& answer) {
-                              done(answer.status >= 200 && answer.status < 300 && answer.body == "1");
+                          [done = std::move(done)](const PageAnswer& answer) {
+                              done(answer.isGood() && answer.body == "1");
                           });
             },
     };

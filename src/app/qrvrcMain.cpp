@@ -27,6 +27,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -266,13 +267,32 @@ void qrvrcMain::showWindow(const QString& name)
     m_core->pluginHost.hideInterface();
     if (m_front != window) {
         window->setGeometry(m_pages->rect());
-        if (m_front)
-            m_front->hide();
-        m_front = window;
+        connect(window, &WorkingWindow::closeWanted, this, &qrvrcMain::closeFront, Qt::UniqueConnection);
+        const QPointer<WorkingWindow> left = std::exchange(m_front, window);
+        if (left)
+            left->hide();
         window->show();
+        if (left)
+            leave(*left);
     }
     if (window->isEnabled())
         window->Form_Activate();
+}
+
+void qrvrcMain::leave(WorkingWindow& window)
+{
+    if (window.Form_Deactivate() == WorkingWindow::Leaving::Unloads)
+        m_core->windows.unload(window.objectName());
+}
+
+void qrvrcMain::closeFront()
+{
+    const QPointer<WorkingWindow> closed = m_front;
+    m_menu->showProfileList();
+    if (closed == m_front)
+        showWindow(u"qrvrcLogin"_s); // nobody is logged in, so there is no list to go back to
+    if (closed && closed != m_front)
+        m_core->windows.unload(closed->objectName());
 }
 
 void qrvrcMain::showPlugin(const std::string& plugin, const std::string& menuItem)

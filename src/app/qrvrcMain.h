@@ -4,6 +4,7 @@
 #include "link/InterfaceLock.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <memory>
 
@@ -55,6 +56,8 @@ private:
     bool componentsAreChecked();
     void showPlugin(const std::string& plugin, const std::string& menuItem);
     void startGame(std::int32_t profileId);
+    void leave(WorkingWindow& window);
+    void closeFront();
     void showHelp(const std::filesystem::path& file, const QString& topic);
     void unload();
     qrvrcLogin& login();
@@ -65,7 +68,7 @@ private:
     std::unique_ptr<HelpKey> m_helpKey;
     std::unique_ptr<qrvrcHelpViewer> m_helpViewer;
     QWidget* m_pages = nullptr; ///< holds the working windows
-    WorkingWindow* m_front = nullptr;
+    QPointer<WorkingWindow> m_front;
     qrvrcMenu* m_menu = nullptr;
     qrvrcProgress* m_progress = nullptr;
     Housekeeping* m_housekeeping = nullptr;

@@ -29,3 +29,13 @@ QWidget* WindowRegistry::existing(const QString& name) const
     const auto found = m_entries.constFind(name);
     return found == m_entries.cend() ? nullptr : found->window.data();
 }
+
+void WindowRegistry::unload(const QString& name)
+{
+    const auto found = m_entries.find(name);
+    if (found == m_entries.end() || !found->window)
+        return;
+    found->window->hide();
+    found->window->deleteLater();
+    found->window.clear();
+}

@@ -21,6 +21,8 @@ public:
     /// The window if it has been created, otherwise null.
     QWidget* existing(const QString& name) const;
     bool isCreated(const QString& name) const { return existing(name) != nullptr; }
+    /// Hides the window and lets it be deleted from the event loop; asked for again, it is created anew.
+    void unload(const QString& name);
 
 private:
     struct Entry
