@@ -7,10 +7,10 @@ declare -A packages=(
         ccache              # a second build, or one of a neighbouring checkout, compiles only what differs
         cmake               # configures; 3.25 or newer
         g++                 # C++20
-        libchm-dev          # reads help.chm
         libdeflate-dev      # expands compressed replies
+        libmspack-dev       # reads help.chm
         ninja-build         # builds, as the presets ask for
-        pkgconf             # finds libdeflate
+        pkgconf             # finds the libraries
         qt6-base-dev        # the client's windows and sockets, and the test library
         qt6-httpserver-dev  # the practice tracker's web pages
         qt6-websockets-dev  # no use of our own: Qt's HTTP server is not found without it

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "diagnostics/HelpArchive.h"
 #include "diagnostics/HelpContents.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -10,15 +10,14 @@
 #include <string_view>
 #include <vector>
 
-/// A compiled help file (.chm), read. The file may come from a network and may be damaged: everything in it that says
-/// where something lies is checked against the file's size before any of it is followed.
+/// A compiled help file (.chm), read. The file may come from a network and may be damaged.
 class HelpBook
 {
 public:
     static constexpr std::size_t maxFileBytes = std::size_t{64} * 1024 * 1024;
     static constexpr std::size_t maxPageBytes = std::size_t{16} * 1024 * 1024;
 
-    /// Reads the book's directory. The file itself is not kept open, so that it can be replaced meanwhile.
+    /// Reads the whole file into memory, so that it can be replaced meanwhile.
     /// @throws RuntimeError FileNotFound, PathNotFound, PermissionDenied; InvalidFileFormat for what is no help file,
     ///         is damaged, or has more than maxFileBytes
     explicit HelpBook(std::filesystem::path file);
@@ -29,8 +28,7 @@ public:
     /// @param name  with or without a leading "/"; "\" counts as "/"; found in another letter case when there is none
     /// in
     ///              the given one; an anchor behind "#" is not looked at
-    /// @throws RuntimeError InvalidFileFormat when the object is damaged, has more than maxPageBytes, or the file has
-    ///         changed since the directory was read
+    /// @throws RuntimeError InvalidFileFormat when the object is damaged or has more than maxPageBytes
     std::optional<std::string> page(std::string_view name) const;
 
     /// The names of all pages, pictures and style sheets, without the leading "/", sorted.
@@ -43,32 +41,25 @@ public:
     /// book.
     std::string homePage() const;
 
-    /// Whether the file on disk is still the one whose directory was read.
+    /// Whether the file on disk is still the one that was read.
     bool isCurrent() const;
 
 private:
-    struct Object
-    {
-        std::uint64_t start = 0;
-        std::uint64_t length = 0;
-        int section = 0;
-    };
     struct Stamp
     {
         std::filesystem::file_time_type changed;
         std::uintmax_t bytes = 0;
         bool operator==(const Stamp&) const = default;
     };
-    using Directory = std::map<std::string, Object, std::less<>>;
+    using Objects = std::map<std::string, std::size_t, std::less<>>;
 
     static std::optional<Stamp> stampOf(const std::filesystem::path& file);
-    static Directory readDirectory(std::string_view bytes);
-    static void checkCompression(const Directory& directory, std::string_view data);
-    const Directory::value_type* find(std::string_view name) const;
+    const Objects::value_type* find(std::string_view name) const;
 
     std::filesystem::path m_path;
     std::optional<Stamp> m_stamp;
-    Directory m_directory; ///< by full name, which begins with "/" for what the author put in
+    HelpArchive m_archive;
+    Objects m_objects; ///< lengths by full name, which begins with "/" for what the author put in
     std::map<std::string, std::string, std::less<>> m_anyCase; ///< from lower case to a full name
     std::vector<HelpContentsEntry> m_contents;
 };
