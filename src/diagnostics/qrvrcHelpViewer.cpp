@@ -2,20 +2,20 @@
 
 #include "base/RuntimeError.h"
 #include "diagnostics/HelpBook.h"
+#include "diagnostics/HelpBrowser.h"
+#include "diagnostics/HelpPageTexts.h"
 #include "platform/PathText.h"
 
-#include <QBuffer>
 #include <QDesktopServices>
 #include <QFrame>
 #include <QHBoxLayout>
-#include <QImageReader>
 #include <QLabel>
+#include <QLineEdit>
 #include <QScreen>
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QSplitter>
 #include <QStyle>
-#include <QTextBrowser>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
@@ -23,9 +23,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <array>
-#include <functional>
-#include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -34,93 +32,8 @@ namespace {
 constexpr int pageRole = Qt::UserRole;
 constexpr QSize usualSize(940, 660);
 constexpr int contentsWidth = 240;
-constexpr int maxPictureSide = 4096; ///< pixels, either way
-
-QString bookScheme()
-{
-    return u"book"_s;
-}
-
-/// Books of the time are written in the code page of their makers; names and titles are ASCII or Latin in practice.
-QString fromBook(const std::string& text)
-{
-    const QString utf8 = QString::fromUtf8(text.data(), qsizetype(text.size()));
-    return utf8.contains(QChar::ReplacementCharacter) ? QString::fromLatin1(text.data(), qsizetype(text.size())) : utf8;
-}
-
-/// The address of a page or picture inside the book; what stands behind "#" is the place in it.
-QUrl bookUrl(const QString& name)
-{
-    QString path = name.section(u'#', 0, 0).replace(u'\\', u'/');
-    if (!path.startsWith(u'/'))
-        path.prepend(u'/');
-    QUrl url;
-    url.setScheme(bookScheme());
-    url.setPath(path);
-    if (name.contains(u'#'))
-        url.setFragment(name.section(u'#', 1));
-    return url;
-}
-
-QString messagePage(const QString& title, const QString& explanation)
-{
-    return u"<html><head><title>%1</title></head><body><h2>%1</h2><p>%2</p></body></html>"_s.arg(
-        title.toHtmlEscaped(), explanation.toHtmlEscaped());
-}
-
-QImage decodePicture(const QByteArray& bytes)
-{
-    static constexpr std::array formats{"gif", "png", "jpeg", "jpg", "bmp"};
-    QBuffer buffer;
-    buffer.setData(bytes);
-    QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    const bool isKnown = std::find(formats.begin(), formats.end(), reader.format()) != formats.end();
-    if (!isKnown || !size.isValid() || size.width() > maxPictureSide || size.height() > maxPictureSide)
-        return {};
-    return reader.read();
-}
 
 } // namespace
-
-/// The page. It takes everything from the book and knows no other source.
-class HelpBrowser : public QTextBrowser
-{
-public:
-    /// What the book holds under a name, or nothing; may throw RuntimeError.
-    using Source = std::function<std::optional<std::string>(const std::string& name)>;
-
-    HelpBrowser(Source source, QWidget* parent) : QTextBrowser(parent), m_source(std::move(source))
-    {
-        setOpenLinks(false);
-    }
-
-    QVariant loadResource(int type, const QUrl& name) override
-    {
-        if (name.scheme() != bookScheme())
-            return {};
-        const bool isPage = type == QTextDocument::HtmlResource || type == QTextDocument::MarkdownResource;
-        try {
-            const std::string wanted = name.path(QUrl::FullyDecoded).toStdString();
-            if (const std::optional<std::string> found = m_source(wanted)) {
-                const QByteArray bytes(found->data(), qsizetype(found->size()));
-                if (type == QTextDocument::ImageResource)
-                    return decodePicture(bytes);
-                return bytes;
-            }
-            if (isPage)
-                return messagePage(tr("This page is missing"),
-                                   tr("The help file has no page \"%1\".").arg(name.path().mid(1)));
-        } catch (const RuntimeError& error) {
-            if (isPage)
-                return messagePage(tr("This page cannot be read"), fromBook(error.description()));
-        }
-        return {};
-    }
-
-private:
-    Source m_source;
-};
 
 qrvrcHelpViewer::qrvrcHelpViewer(QWidget* parent) : QWidget(parent, Qt::Window)
 {
@@ -190,8 +103,15 @@ void qrvrcHelpViewer::buildControls()
     tvContents->setStyleSheet(u"QTreeView::item { padding: 3px; }"_s);
     tvContents->setTabKeyNavigation(false);
 
-    txtHelp = new HelpBrowser([this](const std::string& name) { return m_book ? m_book->page(name) : std::nullopt; },
-                              nullptr);
+    txtSearch = new QLineEdit(this);
+    txtSearch->setObjectName(u"txtSearch"_s);
+    txtSearch->setAccessibleName(tr("Search"));
+    txtSearch->setPlaceholderText(tr("Search the manual"));
+    txtSearch->setClearButtonEnabled(true);
+    lblFound = new QLabel(this);
+    lblFound->setObjectName(u"lblFound"_s);
+
+    txtHelp = new HelpBrowser([this](const std::string& name) { return m_book ? m_book->page(name) : std::nullopt; });
     txtHelp->setObjectName(u"txtHelp"_s);
     txtHelp->setAccessibleName(tr("Help page"));
 
@@ -218,8 +138,15 @@ void qrvrcHelpViewer::buildControls()
     buttons->addWidget(cmdForward);
     buttons->addWidget(cmdHome);
     buttons->addStretch();
+    auto* left = new QWidget;
+    auto* guide = new QVBoxLayout(left);
+    guide->setContentsMargins(0, 0, 0, 0);
+    guide->addWidget(txtSearch);
+    guide->addWidget(lblFound);
+    guide->addWidget(tvContents, 1);
+    lblFound->hide();
     auto* halves = new QSplitter;
-    halves->addWidget(tvContents);
+    halves->addWidget(left);
     halves->addWidget(txtHelp);
     halves->setStretchFactor(1, 1);
     halves->setSizes({contentsWidth, usualSize.width() - contentsWidth});
@@ -245,7 +172,18 @@ void qrvrcHelpViewer::wireSignals()
         QDesktopServices::openUrl(QUrl(lblExternal->text(), QUrl::StrictMode));
         fmeExternal->hide();
     });
-    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this, &QWidget::close);
+    connect(txtSearch, &QLineEdit::textChanged, this, &qrvrcHelpViewer::search);
+    connect(txtSearch, &QLineEdit::returnPressed, this, &qrvrcHelpViewer::showNextFound);
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, [this] {
+        txtSearch->setFocus();
+        txtSearch->selectAll();
+    });
+    connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this, [this] {
+        if (txtSearch->text().isEmpty())
+            close();
+        else
+            txtSearch->clear();
+    });
 }
 
 bool qrvrcHelpViewer::openBook(const std::filesystem::path& file)
@@ -253,6 +191,7 @@ bool qrvrcHelpViewer::openBook(const std::filesystem::path& file)
     if (m_book && m_book->file() == file && m_book->isCurrent())
         return false;
     m_book.reset();
+    m_texts.reset();
     m_book = std::make_unique<HelpBook>(file);
     txtHelp->setSource(QUrl()); // so that a page of the same name is read anew
     txtHelp->clear();
@@ -276,6 +215,57 @@ void qrvrcHelpViewer::fillContents()
         above.append(item);
     }
     tvContents->expandAll();
+    search();
+}
+
+QStringList qrvrcHelpViewer::wantedWords() const
+{
+    return txtSearch->text().split(u' ', Qt::SkipEmptyParts);
+}
+
+void qrvrcHelpViewer::search()
+{
+    const QStringList words = wantedWords();
+    if (m_book && !m_texts && !words.isEmpty())
+        m_texts = std::make_unique<HelpPageTexts>(*m_book);
+    int found = 0;
+    QList<QTreeWidgetItem*> shown;
+    for (QTreeWidgetItemIterator it(tvContents); *it; ++it) {
+        const bool isFound = words.isEmpty() || m_texts->holdAll((*it)->data(0, pageRole).toString(), words);
+        (*it)->setHidden(!isFound);
+        if (isFound)
+            shown.append(*it);
+        found += isFound ? 1 : 0;
+    }
+    // An entry is out of sight when the one above it is; that one is shown then, but not among those found.
+    for (QTreeWidgetItemIterator it(tvContents); *it; ++it)
+        (*it)->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+    for (QTreeWidgetItem* item : std::as_const(shown)) {
+        for (QTreeWidgetItem* above = item->parent(); above && above->isHidden(); above = above->parent()) {
+            above->setHidden(false);
+            above->setFlags(Qt::ItemIsEnabled);
+        }
+    }
+    lblFound->setVisible(!words.isEmpty());
+    lblFound->setText(found == 0   ? tr("No page holds all of this.")
+                      : found == 1 ? tr("1 page")
+                                   : tr("%1 pages").arg(found));
+    txtHelp->mark(words);
+}
+
+void qrvrcHelpViewer::showNextFound()
+{
+    if (wantedWords().isEmpty())
+        return;
+    QList<QTreeWidgetItem*> found;
+    for (QTreeWidgetItemIterator it(tvContents,
+                                    QTreeWidgetItemIterator::NotHidden | QTreeWidgetItemIterator::Selectable);
+         *it; ++it)
+        found.append(*it);
+    if (found.isEmpty())
+        return;
+    const qsizetype at = found.indexOf(tvContents->currentItem());
+    tvContents->setCurrentItem(found.at((at + 1) % found.size()));
 }
 
 void qrvrcHelpViewer::goTo(const QUrl& page)
@@ -295,7 +285,7 @@ void qrvrcHelpViewer::followLink(const QUrl& link)
     const QUrl target = txtHelp->source().resolved(link);
     // Links of the form "ms-its:book.chm::/page.html" name a page of a book by its full address.
     const QString text = target.toString(QUrl::PrettyDecoded);
-    if (target.scheme() == bookScheme())
+    if (isInBook(target))
         goTo(target);
     else if ((target.scheme() == u"ms-its" || target.scheme() == u"mk") && text.contains(u"::"))
         goTo(bookUrl(text.section(u"::"_s, -1)));
@@ -322,6 +312,7 @@ void qrvrcHelpViewer::followContents(const QTreeWidgetItem* item)
 
 void qrvrcHelpViewer::showWhereWeAre(const QUrl& page)
 {
+    txtHelp->mark(wantedWords());
     const QString title = txtHelp->documentTitle();
     setWindowTitle(title.isEmpty() ? tr("Help") : tr("%1 - Help").arg(title));
     const QSignalBlocker quiet(tvContents);

@@ -7,15 +7,17 @@
 
 class HelpBook;
 class HelpBrowser;
+class HelpPageTexts;
 class QFrame;
 class QLabel;
+class QLineEdit;
 class QToolButton;
 class QTreeWidget;
 class QTreeWidgetItem;
 class QUrl;
 
-/// The window that shows the manual: its contents at the left, a page at the right. Everything comes from the help
-/// file; nothing is ever fetched from a network.
+/// The window that shows the manual: its contents and a search at the left, a page at the right. Everything comes from
+/// the help file; nothing is ever fetched from a network.
 class qrvrcHelpViewer : public QWidget
 {
     Q_OBJECT
@@ -41,13 +43,20 @@ private:
     void offerExternal(const QUrl& link);
     void followContents(const QTreeWidgetItem* item);
     void showWhereWeAre(const QUrl& page);
+    QStringList wantedWords() const;
+    /// Leaves only those pages in the contents that hold all words looked for, and marks the words.
+    void search();
+    void showNextFound();
     void showFault(const QString& title, const QString& explanation);
 
     std::unique_ptr<HelpBook> m_book;
+    std::unique_ptr<HelpPageTexts> m_texts; ///< made with the first search in a book
 
     QToolButton* cmdBack = nullptr;
     QToolButton* cmdForward = nullptr;
     QToolButton* cmdHome = nullptr;
+    QLineEdit* txtSearch = nullptr;
+    QLabel* lblFound = nullptr;
     QTreeWidget* tvContents = nullptr;
     HelpBrowser* txtHelp = nullptr;
     QFrame* fmeExternal = nullptr; ///< hidden until a link leads out of the book

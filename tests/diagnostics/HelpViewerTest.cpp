@@ -3,11 +3,13 @@
 #include <QDesktopServices>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
@@ -150,6 +152,36 @@ private Q_SLOTS:
         QVERIFY(!outside.isValid());
     }
 
+    void aSearchLeavesThePagesThatHoldAllWords()
+    {
+        Desk desk;
+        desk.show(u"About.html"_s);
+        QVERIFY(QTest::qWaitForWindowActive(&desk.viewer));
+        auto* search = desk.viewer.findChild<QLineEdit*>(u"txtSearch"_s);
+        search->setFocus();
+        const auto shown = [&desk] {
+            QStringList titles;
+            for (QTreeWidgetItemIterator it(desk.contents, QTreeWidgetItemIterator::NotHidden); *it; ++it) {
+                if ((*it)->flags().testFlag(Qt::ItemIsSelectable))
+                    titles.append((*it)->text(0));
+            }
+            return titles;
+        };
+        const QStringList all = shown();
+        search->setText(u"CLEAR text restrict"_s);
+        QCOMPARE(shown(), QStringList{u"Managing Remote Access"_s}); // its parent is not a page that was found
+        QTest::keyClick(search, Qt::Key_Return);
+        QCOMPARE(desk.page->source(), QUrl(u"book:/ManagingRemoteAccess.html"_s));
+        QVERIFY(desk.page->extraSelections().size() >= 3);
+        search->setText(u"no page says xyzzy"_s);
+        QCOMPARE(shown(), QStringList());
+        QTest::keyClick(search, Qt::Key_Return);
+        QCOMPARE(desk.page->source(), QUrl(u"book:/ManagingRemoteAccess.html"_s));
+        QTest::keyClick(search, Qt::Key_Escape);
+        QVERIFY(desk.viewer.isVisible() && search->text().isEmpty());
+        QCOMPARE(shown(), all);
+    }
+
     void theKeyboardReachesEverythingAndEscapeCloses()
     {
         Desk desk;
@@ -163,7 +195,8 @@ private Q_SLOTS:
                 QTest::keyClick(at, Qt::Key_Tab);
             }
         }
-        QCOMPARE(reached, QSet<QString>({u"cmdHome"_s, u"tvContents"_s, u"txtHelp"_s})); // nothing to go back to yet
+        QCOMPARE(reached, QSet<QString>({u"cmdHome"_s, u"txtSearch"_s, u"tvContents"_s,
+                                         u"txtHelp"_s})); // nothing to go back to yet
         desk.page->setFocus();
         QTest::keyClick(desk.page, Qt::Key_Escape);
         QVERIFY(!desk.viewer.isVisible());
