@@ -8,6 +8,7 @@
 #include "platform/SystemName.h"
 #include "plugins/ComponentEntries.h"
 #include "store/AppFolder.h"
+#include "ui/CopyActions.h"
 #include "ui/ImageButton.h"
 
 #include <QDateTime>
@@ -145,6 +146,8 @@ void qrvrcDllProgress::buildMenu()
     mnuDelete->setShortcut(QKeySequence::Delete);
     mnuDelete->setShortcutContext(Qt::WidgetShortcut);
     List1->addAction(mnuDelete);
+    mnuMain->addSeparator();
+    mnuMain->addActions(addCopyActions(List1));
 }
 
 void qrvrcDllProgress::wireSignals()

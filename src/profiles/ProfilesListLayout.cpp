@@ -146,6 +146,10 @@ void qrvrcProfilesList::buildMenu()
     for (QAction* mode : mnuMode->actions())
         mode->setEnabled(false);
     addEntries(mnuMain, behindMode);
+    mnuMain->addSeparator();
+    QMenu* copy = mnuMain->addMenu(u"Copy"_s);
+    copy->setObjectName(u"mnuCopy"_s);
+    copy->addActions(fgProfiles->copyActions());
 }
 
 void qrvrcProfilesList::placeControls()

@@ -4,6 +4,7 @@
 #include "link/Client.h"
 #include "link/clsWinSock.h"
 #include "platform/CodePage.h"
+#include "ui/CopyActions.h"
 #include "ui/ImageButton.h"
 
 #include <QLabel>
@@ -57,6 +58,7 @@ void qrvrcProcesses::buildControls()
         widget->setObjectName(name);
         widget->setStyleSheet(u"QListView::item { padding: 2px; }"_s);
         widget->setAccessibleName(caption);
+        addCopyActions(widget);
         widget->setGeometry(left, listTop, width, buttonTop - margin - listTop);
         return widget;
     };

@@ -17,18 +17,6 @@ constexpr qreal plateRadius = 4;             // pixels
 constexpr int pictureMargin = 1;             // pixels around a picture
 constexpr qsizetype maxToolTipLength = 2000; // characters; more would not fit on a screen
 
-/// One line: what would break or shift a line becomes a blank.
-QString singleLine(QString text)
-{
-    for (QChar& character : text) {
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph)
-            character = u' ';
-    }
-    return text;
-}
-
 const GridModel& gridOf(const QModelIndex& index)
 {
     return *static_cast<const GridModel*>(index.model());
@@ -64,6 +52,17 @@ void paintPicture(QPainter& painter, const QPixmap& pixmap, const QRect& cell)
 }
 
 } // namespace
+
+QString singleLine(QString text)
+{
+    for (QChar& character : text) {
+        const QChar::Category category = character.category();
+        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
+            category == QChar::Separator_Paragraph)
+            character = u' ';
+    }
+    return text;
+}
 
 void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {

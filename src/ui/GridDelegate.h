@@ -6,6 +6,9 @@
 
 class GridModel;
 
+/// `text` as one line: what would break or shift a line becomes a blank.
+QString singleLine(QString text);
+
 /// Paints a grid's cells. Texts are laid out once and kept, so that repainting what was shown before costs little.
 class GridDelegate : public QStyledItemDelegate
 {

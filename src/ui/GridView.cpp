@@ -4,9 +4,18 @@
 #include "ui/GridDelegate.h"
 #include "ui/PictureStore.h"
 
-#include <QEvent>
+#include <QAction>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QMenu>
 #include <QPainter>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -17,7 +26,8 @@ constexpr int minColumnWidth = 4;      // pixels; the style's own minimum is wid
 constexpr int emptyTextInset = 12;
 constexpr int headerMargin = 6; // pixels that a header keeps free of text, both sides together
 constexpr int headerFontSteps = 3;
-constexpr qreal headerFontStep = 0.5; // points
+constexpr qreal headerFontStep = 0.5;    // points
+constexpr QStringView lineEnd = u"\r\n"; // of copied rows
 
 } // namespace
 
@@ -54,6 +64,7 @@ GridView::GridView(const QString& name, QWidget* parent)
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->hide();
     fixRowHeight();
+    addCopyActions();
 
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
         clearSpans();
@@ -64,6 +75,93 @@ GridView::GridView(const QString& name, QWidget* parent)
 }
 
 GridView::~GridView() = default;
+
+void GridView::addCopyActions()
+{
+    const auto add = [this](const QString& name, const QString& caption, void (GridView::*copy)() const) {
+        auto* action = new QAction(caption, this);
+        action->setObjectName(name);
+        connect(action, &QAction::triggered, this, copy);
+        m_copyActions += action;
+        return action;
+    };
+    add(u"mnuCopyCell"_s, u"&Copy Cell"_s, &GridView::copyCell);
+    QAction* row = add(u"mnuCopyRow"_s, u"Copy &Row"_s, &GridView::copyRows);
+    row->setShortcut(QKeySequence::Copy); // shown in the menu; keyPressEvent takes the key
+    row->setShortcutContext(Qt::WidgetShortcut);
+    add(u"mnuCopyAll"_s, u"Copy &All"_s, &GridView::copyAll);
+}
+
+bool GridView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ContextMenu)
+        noteMenuCell(*static_cast<QContextMenuEvent*>(event));
+    return QTableView::viewportEvent(event);
+}
+
+void GridView::noteMenuCell(const QContextMenuEvent& event)
+{
+    m_menuCell = event.reason() == QContextMenuEvent::Keyboard ? currentIndex() : indexAt(event.pos());
+    const std::array<bool, 3> possible{m_menuCell.isValid(), selectionModel()->hasSelection(), m_model->rowCount() > 0};
+    for (qsizetype at = 0; at < m_copyActions.size(); ++at)
+        m_copyActions[at]->setEnabled(possible.at(static_cast<std::size_t>(at)));
+}
+
+void GridView::contextMenuEvent(QContextMenuEvent* event)
+{
+    auto* menu = new QMenu(this);
+    menu->setObjectName(u"mnuCopy"_s);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addActions(m_copyActions);
+    menu->popup(event->globalPos());
+}
+
+void GridView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->matches(QKeySequence::Copy))
+        copyRows();
+    else
+        QTableView::keyPressEvent(event);
+}
+
+void GridView::copyCell() const
+{
+    if (m_menuCell.isValid())
+        QGuiApplication::clipboard()->setText(m_menuCell.data(Qt::AccessibleTextRole).toString());
+}
+
+void GridView::copyRows() const
+{
+    QModelIndexList selected = selectionModel()->selectedRows();
+    std::sort(selected.begin(), selected.end());
+    QStringList lines;
+    for (const QModelIndex& row : selected)
+        lines += lineOf(row.row());
+    if (!lines.isEmpty())
+        QGuiApplication::clipboard()->setText(lines.join(lineEnd));
+}
+
+void GridView::copyAll() const
+{
+    QStringList headers;
+    for (int column = 0; column < m_model->columnCount(); ++column)
+        headers += m_model->headerData(column, Qt::Horizontal).toString();
+    QStringList lines{headers.join(u'\t')};
+    for (int row = 0; row < m_model->rowCount(); ++row)
+        lines += lineOf(row);
+    QGuiApplication::clipboard()->setText(lines.join(lineEnd));
+}
+
+/// The row as a table elsewhere takes it: pictures by their meaning, and nothing in a cell that would end it.
+QString GridView::lineOf(int row) const
+{
+    if (m_model->row(row).title)
+        return singleLine(m_model->text(row, 0));
+    QStringList cells;
+    for (int column = 0; column < m_model->columnCount(); ++column)
+        cells += singleLine(m_model->index(row, column).data(Qt::AccessibleTextRole).toString());
+    return cells.join(u'\t');
+}
 
 void GridView::setColumns(std::span<const GridColumn> columns)
 {

@@ -1,6 +1,13 @@
 #include "ui/Grid.h"
+#include "ui/CopyActions.h"
 
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QHelpEvent>
+#include <QListWidget>
+#include <QMenu>
 #include <QTest>
 #include <QTextDocumentFragment>
 #include <QToolTip>
@@ -170,6 +177,58 @@ private Q_SLOTS:
         const QImage shown = grid.picture();
         QCOMPARE(shown.pixelColor(cell.center()), QColor(Qt::green));
         QVERIFY(shown.pixelColor(cell.right() + 6, cell.center().y()) != QColor(Qt::green)); // kept inside its cell
+    }
+
+    void copiedRowsFitIntoATable()
+    {
+        Grid grid;
+        QPixmap pixmap(16, 16);
+        pixmap.fill(Qt::red);
+        GridRow pictured = rowOf(u"a\tb\r\nc"_s);
+        pictured.pictures = {{1, pixmap, u"Hosting Map"_s}};
+        const GridRow title{{u"New Files"_s}, {}, 0, {}, true};
+        grid.rows().setRows({rowOf(u"first"_s), title, pictured});
+        const auto copied = [&grid](int action) {
+            QGuiApplication::clipboard()->clear();
+            grid.copyActions().at(action)->trigger();
+            return QGuiApplication::clipboard()->text();
+        };
+        enum { Cell, Row, All };
+        QCOMPARE(copied(Row), QString()); // nothing is selected
+        grid.selectRow(2);
+        QCOMPARE(copied(Row), u"a b  c\tHosting Map\t12/32"_s);
+        QCOMPARE(copied(All), u"Game Name\t\tPlayers\r\nfirst\t\t12/32\r\nNew Files\r\na b  c\tHosting Map\t12/32"_s);
+        QGuiApplication::clipboard()->clear();
+        QTest::keyClick(&grid, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"a b  c\tHosting Map\t12/32"_s);
+
+        const QPoint place = grid.visualRect(grid.model()->index(2, 0)).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, place, grid.viewport()->mapToGlobal(place));
+        QApplication::sendEvent(grid.viewport(), &event);
+        auto* menu = grid.findChild<QMenu*>(u"mnuCopy"_s);
+        QVERIFY(menu && menu->isVisible());
+        QCOMPARE(copied(Cell), u"a\tb\r\nc"_s); // one cell is copied as it is
+        menu->close();
+        grid.rows().clear();
+        QApplication::sendEvent(grid.viewport(), &event);
+        for (const QAction* action : grid.copyActions())
+            QVERIFY(!action->isEnabled());
+    }
+
+    void linesOfAListAreCopiedInTheirOrder()
+    {
+        QListWidget list;
+        list.setSelectionMode(QListWidget::MultiSelection);
+        list.addItems({u"one"_s, u"two"_s, u"three"_s});
+        const QList<QAction*> actions = addCopyActions(&list);
+        list.item(2)->setSelected(true);
+        list.item(0)->setSelected(true);
+        list.show();
+        QVERIFY(QTest::qWaitForWindowActive(&list));
+        QTest::keyClick(&list, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"one\r\nthree"_s);
+        actions.at(1)->trigger();
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"one\r\ntwo\r\nthree"_s);
     }
 
     void selectionIsOneWholeRowAndEndsWithARefill()
