@@ -68,7 +68,10 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(u"A tracker to practise on: plays the host's side on 127.0.0.1.\n"
-                                     "Accounts: admin, moderator, guest; the password is the name."_s);
+                                     "Accounts: admin, moderator, guest; the password is the name.\n"
+                                     "The web pages hold statistics scripts with the server ids 7, 101, 102 and 103, "
+                                     "in any folder; in the folders slow, silent, failing, empty and none they "
+                                     "misbehave."_s);
     parser.addOptions({
         {u"port"_s, u"Port of the host link; 0 for any free one."_s, u"N"_s, u"0"_s},
         {u"web-port"_s, u"Port of the web pages; 0 for any free one."_s, u"N"_s, u"0"_s},

@@ -1,5 +1,7 @@
 #include "practice/WebSide.h"
 
+#include "practice/ScriptPages.h"
+
 #include <QHttpServer>
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
@@ -39,6 +41,7 @@ WebSide::WebSide(QObject* parent) : QObject(parent), m_server(std::make_unique<S
                                                  static_cast<QHttpServerResponder::StatusCode>(m_status));
                              Q_EMIT reportReceived(m_reports.constLast());
                          });
+    m_scripts = std::make_unique<ScriptPages>(m_server->http);
 }
 
 WebSide::~WebSide() = default;

@@ -9,7 +9,9 @@
 
 namespace practice {
 
-/// The maker's web host on the loopback address: takes error reports, knows no other page.
+class ScriptPages;
+
+/// The maker's web host on the loopback address: takes error reports and holds statistics scripts.
 class WebSide : public QObject
 {
     Q_OBJECT
@@ -24,6 +26,9 @@ public:
     quint16 port() const { return m_port; }
     /// "http://127.0.0.1:PORT", without a slash at the end.
     QUrl base() const;
+
+    /// The statistics scripts; they answer under any folder, see there.
+    ScriptPages& scripts() { return *m_scripts; }
 
     /// Bodies of the reports taken so far, as sent, oldest first; at most the newest 1,000.
     const QList<QByteArray>& reports() const { return m_reports; }
@@ -42,6 +47,7 @@ private:
     struct Server;
 
     std::unique_ptr<Server> m_server;
+    std::unique_ptr<ScriptPages> m_scripts;
     quint16 m_port = 0;
     QList<QByteArray> m_reports;
     QList<QByteArray> m_reportTypes;

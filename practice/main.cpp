@@ -1,4 +1,5 @@
 #include "practice/Options.h"
+#include "practice/ScriptPages.h"
 #include "practice/Tracker.h"
 #include "practice/WebSide.h"
 
@@ -88,6 +89,8 @@ int serve(QCoreApplication& app, const Options& options)
         QObject::connect(&web, &WebSide::reportReceived, &app, [](const QByteArray& body) {
             std::fprintf(stderr, "report, %lld bytes\n", static_cast<long long>(body.size()));
         });
+        QObject::connect(&web.scripts(), &ScriptPages::requested, &app,
+                         [](const QByteArray& address) { std::fprintf(stderr, "script %s\n", address.constData()); });
     }
     if (!tracker.listen(options.port) || !web.listen(options.webPort)) {
         std::fprintf(stderr, "qrvrc-practice: port %d or %d of 127.0.0.1 cannot be had\n", options.port,
@@ -95,7 +98,9 @@ int serve(QCoreApplication& app, const Options& options)
         return EXIT_FAILURE;
     }
     tracker.setLively(!options.still);
-    std::printf("host link 127.0.0.1:%d\nweb %s\n", tracker.port(), qPrintable(web.base().toString()));
+    const QByteArray webBase = web.base().toEncoded();
+    std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\n", tracker.port(), webBase.constData(),
+                webBase.constData());
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

@@ -23,7 +23,7 @@ ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterfac
       replies(reporter, interface),
       link(wsMain, wSupport, session, replies),
       components(folder),
-      client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection},
+      client{link, replies, session, store, folder, inet, reporter, boxes, codePage, pictures, windows, helpSection},
       pluginHost(client, plugins, components, problems, pluginAccess(), setup.version)
 {}
 

@@ -15,6 +15,7 @@
 #include "platform/SystemName.h"
 #include "plugins/ComponentCheck.h"
 #include "profiles/ProfileActions.h"
+#include "profiles/qrvrcModify.h"
 #include "profiles/qrvrcNotePad.h"
 #include "profiles/qrvrcProfilesList.h"
 #include "ui/Dialogs.h"
@@ -117,7 +118,6 @@ void qrvrcMain::registerWindows()
         Pending{u"qrvrcUpdate", u"Update", u"Update"},
         Pending{u"qrvrcHelp", u"Help", u"Help"},
         Pending{u"qrvrcProfileAdmin", u"Admin", u"Profile Admins"},
-        Pending{u"qrvrcModify", u"Modify Profile", u"Profile List"},
         Pending{u"qrvrcPlayerStats", u"View Player Stats", u"Profile List"},
         Pending{u"qrvrcFileManager", u"Remote File Viewer", u"Profile List"},
     };
@@ -137,6 +137,8 @@ void qrvrcMain::registerWindows()
         list->followPlugins();
         return list;
     });
+    windows.add(u"qrvrcModify"_s,
+                [this] { return new qrvrcModify(m_core->client, m_core->selected, m_menu, m_pages); });
     windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
     for (const Pending& window : pending) {

@@ -6,6 +6,7 @@ class AppFolder;
 class clsMFD;
 class clsWinSock;
 class CodePage;
+class Inet;
 class MessageBoxes;
 class PictureStore;
 class ReplyDispatcher;
@@ -21,6 +22,7 @@ struct Client
     Session& session;
     clsMFD& store;
     AppFolder& folder;
+    Inet& inet;
     Reporter& reporter;
     MessageBoxes& boxes;
     const CodePage& codePage;

@@ -29,6 +29,12 @@ clsWinSock::clsWinSock(Winsock& wsMain, Winsock& wSupport, Session& session, Rep
     });
 }
 
+void clsWinSock::connectTo(const QString& host, quint16 port)
+{
+    m_peer = u"%1:%2"_s.arg(host).arg(port);
+    m_main.connectTo(host, port);
+}
+
 void clsWinSock::SendData(const std::string& name, const std::string& head, const std::string& tail)
 {
     if (!isConnected())

@@ -38,7 +38,9 @@ public:
     /// Whether a request on the host link is still to be answered.
     bool isAwaitingReply() const { return m_isAwaitingReply; }
     SocketState state() const { return m_main.state(); }
-    void connectTo(const QString& host, quint16 port) { m_main.connectTo(host, port); }
+    void connectTo(const QString& host, quint16 port);
+    /// The host that was connected to last, as name, ":" and port.
+    const QString& peer() const { return m_peer; }
     /// Closes host link and forgets what was under way.
     void close() { m_main.close(); }
     void closeSupportLink() { m_support.close(); }
@@ -80,6 +82,7 @@ private:
     Session& m_session;
     ReplyDispatcher& m_replies;
     ReplyAssembler m_assembler;
+    QString m_peer;
     bool m_wasConnected = false;
     bool m_isAwaitingReply = false;
     bool m_progressOpen = false; ///< the reply under way has announced itself through `progress`

@@ -11,10 +11,12 @@
 #include "platform/CodePage.h"
 #include "profiles/ProfileRecord.h"
 #include "profiles/WindowLock.h"
+#include "profiles/qrvrcModify.h"
 #include "profiles/qrvrcProcesses.h"
 #include "profiles/qrvrcProfilesList.h"
 #include "store/AppFolder.h"
 #include "ui/EventWait.h"
+#include "ui/WindowRegistry.h"
 
 #include <QGuiApplication>
 #include <QScopeGuard>
@@ -238,7 +240,9 @@ void ProfileActions::modify()
         m_client.reporter.ReportMsg(MessageKind::Failed, u"You cannot modify a profile that is attached to a game."_s);
         return;
     }
-    m_hooks.showWindow(u"qrvrcModify"_s);
+    const QString editor = u"qrvrcModify"_s;
+    static_cast<qrvrcModify*>(m_client.windows.window(editor))->EditMode = 1;
+    m_hooks.showWindow(editor);
 }
 
 void ProfileActions::viewPlayers()

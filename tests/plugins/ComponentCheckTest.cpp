@@ -3,6 +3,7 @@
 #include "base/RuntimeError.h"
 #include "link/Client.h"
 #include "platform/Component.h"
+#include "platform/Inet.h"
 #include "plugins/ComponentEntries.h"
 #include "store/FileBytes.h"
 #include "support/LinkRig.h"
@@ -34,7 +35,9 @@ struct CheckRig : LinkRig
     PictureStore pictures{folder};
     WindowRegistry windows;
     QString helpSection;
-    Client client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection};
+    Inet inet;
+    Client client{link,     replies, session,  store,    folder,  inet,
+                  reporter, boxes,   codePage, pictures, windows, helpSection};
     ProblemFiles problems;
     std::set<std::string> broken;      ///< classes that cannot be created
     std::set<std::string> registrable; ///< files whose registration succeeds

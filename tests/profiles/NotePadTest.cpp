@@ -1,6 +1,7 @@
 #include "profiles/qrvrcNotePad.h"
 
 #include "link/Client.h"
+#include "platform/Inet.h"
 #include "store/FileBytes.h"
 #include "support/LinkRig.h"
 #include "ui/PictureStore.h"
@@ -22,7 +23,9 @@ struct PadRig : LinkRig
     PictureStore pictures{folder};
     WindowRegistry windows;
     QString helpSection;
-    Client client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection};
+    Inet inet;
+    Client client{link,     replies, session,  store,    folder,  inet,
+                  reporter, boxes,   codePage, pictures, windows, helpSection};
     qrvrcNotePad pad{client};
     QPlainTextEdit& text = *pad.findChild<QPlainTextEdit*>(u"Text1"_s);
     QLineEdit& wanted = *pad.findChild<QLineEdit*>(u"txtFind"_s);

@@ -3,6 +3,7 @@
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
+#include "tour/EditorTour.h"
 #include "tour/PluginTour.h"
 #include "tour/Tour.h"
 
@@ -81,6 +82,14 @@ int dayWithPlugins(const practice::WebSide& web, const QDir& pictures)
     return outcome(act.play(), act);
 }
 
+int dayWithTheEditor(practice::WebSide& web, const QDir& pictures)
+{
+    const QTemporaryDir home;
+    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
+    tour::EditorTour act(frame, web, pictures);
+    return outcome(act.play(), act);
+}
+
 int walk(const QDir& pictures)
 {
     practice::WebSide web;
@@ -88,8 +97,12 @@ int walk(const QDir& pictures)
         return complain("no port for the web host");
     applyLook();
     try {
-        const int status = firstDay(web, pictures);
-        return status == EXIT_SUCCESS ? dayWithPlugins(web, pictures) : status;
+        int status = firstDay(web, pictures);
+        if (status == EXIT_SUCCESS)
+            status = dayWithPlugins(web, pictures);
+        if (status == EXIT_SUCCESS)
+            status = dayWithTheEditor(web, pictures);
+        return status;
     } catch (const RuntimeError& error) {
         return complain("the application folder cannot be filled: " + error.description());
     }
