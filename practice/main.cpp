@@ -1,4 +1,5 @@
 #include "practice/Options.h"
+#include "practice/SupportSide.h"
 #include "practice/Tracker.h"
 #include "practice/WebSide.h"
 
@@ -18,6 +19,7 @@ using namespace practice;
 namespace {
 
 constexpr int exitBadUsage = 2;
+constexpr std::chrono::milliseconds operatorThinks{1500};
 
 #ifdef Q_OS_UNIX
 int signalPipe[2] = {-1, -1}; // a signal handler may do little else than write to a descriptor
@@ -73,11 +75,14 @@ int serve(QCoreApplication& app, const Options& options)
             tracker.world().removePlugin(choice.name);
     }
     WebSide web;
+    SupportSide support(options.seed);
+    support.thinks = operatorThinks;
     for (const Misbehaviour& misbehaviour : options.misbehaviours) {
         if (misbehaviour.request == "*")
             tracker.answerAll(misbehaviour.fault);
         else
             tracker.answerAlways(misbehaviour.request, misbehaviour.fault);
+        support.answerAlways(misbehaviour.request, misbehaviour.fault);
     }
     if (options.verbose) {
         QObject::connect(&tracker, &Tracker::requestReceived, &app, [](const QByteArray& name) {
@@ -85,17 +90,23 @@ int serve(QCoreApplication& app, const Options& options)
         });
         QObject::connect(&tracker, &Tracker::linksChanged, &app,
                          [](int links) { std::fprintf(stderr, "links %d\n", links); });
+        QObject::connect(&support, &SupportSide::textReceived, &app, [](const QByteArray& text) {
+            std::fprintf(stderr, "support %s\n", text.left(text.indexOf('_')).toPercentEncoding(" ").constData());
+        });
         QObject::connect(&web, &WebSide::reportReceived, &app, [](const QByteArray& body) {
             std::fprintf(stderr, "report, %lld bytes\n", static_cast<long long>(body.size()));
         });
     }
-    if (!tracker.listen(options.port) || !web.listen(options.webPort)) {
-        std::fprintf(stderr, "qrvrc-practice: port %d or %d of 127.0.0.1 cannot be had\n", options.port,
-                     options.webPort);
+    if (!tracker.listen(options.port) || !web.listen(options.webPort) || !support.listen(options.supportPort)) {
+        std::fprintf(stderr, "qrvrc-practice: port %d, %d or %d of 127.0.0.1 cannot be had\n", options.port,
+                     options.webPort, options.supportPort);
         return EXIT_FAILURE;
     }
+    tracker.world().supportPort = support.port();
     tracker.setLively(!options.still);
+    support.setLively(!options.still);
     std::printf("host link 127.0.0.1:%d\nweb %s\n", tracker.port(), qPrintable(web.base().toString()));
+    std::printf("support link 127.0.0.1:%d\n", support.port());
     std::fflush(stdout);
     return QCoreApplication::exec();
 }
