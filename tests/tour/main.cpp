@@ -4,6 +4,7 @@
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
 #include "tour/PluginTour.h"
+#include "tour/SupportTour.h"
 #include "tour/Tour.h"
 
 #include <QApplication>
@@ -81,6 +82,14 @@ int dayWithPlugins(const practice::WebSide& web, const QDir& pictures)
     return outcome(act.play(), act);
 }
 
+int chat(const practice::WebSide& web, const QDir& pictures)
+{
+    const QTemporaryDir home;
+    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
+    tour::SupportTour act(frame, pictures);
+    return outcome(act.play(), act);
+}
+
 int walk(const QDir& pictures)
 {
     practice::WebSide web;
@@ -88,8 +97,10 @@ int walk(const QDir& pictures)
         return complain("no port for the web host");
     applyLook();
     try {
-        const int status = firstDay(web, pictures);
-        return status == EXIT_SUCCESS ? dayWithPlugins(web, pictures) : status;
+        int status = firstDay(web, pictures);
+        if (status == EXIT_SUCCESS)
+            status = dayWithPlugins(web, pictures);
+        return status == EXIT_SUCCESS ? chat(web, pictures) : status;
     } catch (const RuntimeError& error) {
         return complain("the application folder cannot be filled: " + error.description());
     }
