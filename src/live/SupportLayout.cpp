@@ -129,7 +129,8 @@ void qrvrcSupport::buildFilter()
     for (std::size_t index = 0; index < Option1.size(); ++index, top += 24) {
         Option1[index] = new QRadioButton(captions[index], fmeFilter);
         Option1[index]->setObjectName(u"Option1_%1"_s.arg(index));
-        Option1[index]->setGeometry(inset, top, sideWidth - 2 * inset, 24);
+        // No wider than its text, which is all of it that takes a click.
+        Option1[index]->setGeometry(inset, top, Option1[index]->sizeHint().width(), 24);
     }
     Option1.back()->setChecked(true);
     txtFilter = new QLineEdit(fmeFilter);

@@ -9,7 +9,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QRadioButton>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
@@ -43,7 +42,7 @@ struct ChatDesk : Desk
     void typeMessage(const QString& text) { typed().insertPlainText(text); }
     void filter(int who, const QString& text)
     {
-        control<QRadioButton>(u"Option1_%1"_s.arg(who)).click();
+        click(u"Option1_%1"_s.arg(who));
         type(u"txtFilter"_s, text);
         click(u"cmdFilter"_s);
     }

@@ -6,6 +6,7 @@
 #include "tour/Sight.h"
 
 #include <QPlainTextEdit>
+#include <QRadioButton>
 
 using namespace Qt::StringLiterals;
 
@@ -131,7 +132,8 @@ void SupportTour::filter()
             press(Qt::Key_Return);
         },
         [] {
-            return textOf(u"lblShown"_s, console) == u"Filter on: 1 of 6 messages"_s &&
+            const auto* host = seen<QRadioButton>(u"Option1_0"_s);
+            return host && host->isChecked() && textOf(u"lblShown"_s, console) == u"Filter on: 1 of 6 messages"_s &&
                    conversation().startsWith(u"Host says:\nHeads up"_s);
         });
     picture(u"support-filter-on.png"_s);
