@@ -166,12 +166,12 @@ void qrvrcSupport::buildStatusLine()
     lblShown->setObjectName(u"lblShown"_s);
     for (QLabel* label : {lblLink, lblShown})
         label->setTextFormat(Qt::PlainText);
-    cmdConnect = new QToolButton;
-    cmdConnect->setObjectName(u"cmdReconnect"_s);
-    cmdConnect->setText(u"Connect"_s);
-    cmdConnect->setFocusPolicy(Qt::TabFocus);
+    cmdReconnect = new QToolButton;
+    cmdReconnect->setObjectName(u"cmdReconnect"_s);
+    cmdReconnect->setText(u"Connect"_s);
+    cmdReconnect->setFocusPolicy(Qt::TabFocus);
     line->addWidget(lblLink);
-    line->addWidget(cmdConnect);
+    line->addWidget(cmdReconnect);
     line->addStretch();
     line->addWidget(lblShown);
 }

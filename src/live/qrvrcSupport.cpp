@@ -80,7 +80,7 @@ void qrvrcSupport::wireSignals()
     connect(txtSearch, &QLineEdit::returnPressed, this, &qrvrcSupport::search);
     connect(cmdNext, &ImageButton::activated, this, &qrvrcSupport::searchNext);
     connect(cmdPrevious, &ImageButton::activated, this, &qrvrcSupport::searchPrevious);
-    connect(cmdConnect, &QToolButton::clicked, &m_desk, &SupportDesk::open);
+    connect(cmdReconnect, &QToolButton::clicked, &m_desk, &SupportDesk::open);
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, txtSearch, qOverload<>(&QWidget::setFocus));
     connect(new QShortcut(Qt::Key_F3, this), &QShortcut::activated, this, &qrvrcSupport::searchNext);
     connect(new QShortcut(Qt::SHIFT | Qt::Key_F3, this), &QShortcut::activated, this, &qrvrcSupport::searchPrevious);
@@ -184,7 +184,8 @@ void qrvrcSupport::showHostStatus()
 void qrvrcSupport::showLink()
 {
     lblLink->setText(m_desk.linkText());
-    cmdConnect->setVisible(m_desk.isClosed());
+    cmdReconnect->setVisible(m_desk.isClosed());
+    showCount(); // what could not be sent may be sent now
 }
 
 void qrvrcSupport::showCount()

@@ -99,5 +99,5 @@ private:
     QFrame* fmeStatus = nullptr;
     QLabel* lblLink = nullptr;
     QLabel* lblShown = nullptr;
-    QToolButton* cmdConnect = nullptr; ///< there while the link is closed
+    QToolButton* cmdReconnect = nullptr; ///< there while the link is closed
 };
