@@ -75,12 +75,13 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
     parser.addOptions({
         {u"port"_s, u"Port of the host link; 0 for any free one."_s, u"N"_s, u"0"_s},
         {u"web-port"_s, u"Port of the web pages; 0 for any free one."_s, u"N"_s, u"0"_s},
+        {u"support-port"_s, u"Port of the support link; 0 for any free one."_s, u"N"_s, u"0"_s},
         {u"world"_s, u"lively, small, or a number of profiles."_s, u"WORLD"_s, u"lively"_s},
         {u"seed"_s, u"Seed of everything that happens by chance."_s, u"N"_s, u"1"_s},
         {u"still"_s, u"The world does not move on."_s},
         {u"misbehave"_s,
-         u"Answers every REQUEST (* for all) with FAULT: %1. May be repeated."_s.arg(
-             QString::fromLatin1(Fault::names())),
+         u"Answers every REQUEST (* for all; Announce and Message on the support link) with FAULT: %1. May be "
+         "repeated."_s.arg(QString::fromLatin1(Fault::names())),
          u"REQUEST=FAULT"_s},
         {u"plugin"_s,
          u"The tracker's plugin demands VERSION, a file version without dots; \"none\" takes the plugin away, nothing "
@@ -105,6 +106,7 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
         Options options;
         options.port = static_cast<quint16>(numberOf(parser, u"port"_s, 65535));
         options.webPort = static_cast<quint16>(numberOf(parser, u"web-port"_s, 65535));
+        options.supportPort = static_cast<quint16>(numberOf(parser, u"support-port"_s, 65535));
         options.world = worldOf(parser.value(u"world"_s));
         options.seed = numberOf(parser, u"seed"_s, 0xFFFFFFFF);
         options.still = parser.isSet(u"still"_s);

@@ -31,6 +31,7 @@ struct Options
 {
     quint16 port = 0;            ///< 0 for any free one
     quint16 webPort = 0;         ///< 0 for any free one
+    quint16 supportPort = 0;     ///< 0 for any free one
     QByteArray world = "lively"; ///< "lively", "small" or a number of profiles
     quint32 seed = 1;
     bool still = false; ///< the world does not move on

@@ -1,5 +1,6 @@
 #include "practice/Options.h"
 #include "practice/ScriptPages.h"
+#include "practice/SupportSide.h"
 #include "practice/Tracker.h"
 #include "practice/WebSide.h"
 
@@ -19,6 +20,7 @@ using namespace practice;
 namespace {
 
 constexpr int exitBadUsage = 2;
+constexpr std::chrono::milliseconds operatorThinks{1500};
 
 #ifdef Q_OS_UNIX
 int signalPipe[2] = {-1, -1}; // a signal handler may do little else than write to a descriptor
@@ -74,11 +76,14 @@ int serve(QCoreApplication& app, const Options& options)
             tracker.world().removePlugin(choice.name);
     }
     WebSide web;
+    SupportSide support(options.seed);
+    support.thinks = operatorThinks;
     for (const Misbehaviour& misbehaviour : options.misbehaviours) {
         if (misbehaviour.request == "*")
             tracker.answerAll(misbehaviour.fault);
         else
             tracker.answerAlways(misbehaviour.request, misbehaviour.fault);
+        support.answerAlways(misbehaviour.request, misbehaviour.fault);
     }
     if (options.verbose) {
         QObject::connect(&tracker, &Tracker::requestReceived, &app, [](const QByteArray& name) {
@@ -86,21 +91,26 @@ int serve(QCoreApplication& app, const Options& options)
         });
         QObject::connect(&tracker, &Tracker::linksChanged, &app,
                          [](int links) { std::fprintf(stderr, "links %d\n", links); });
+        QObject::connect(&support, &SupportSide::textReceived, &app, [](const QByteArray& text) {
+            std::fprintf(stderr, "support %s\n", text.left(text.indexOf('_')).toPercentEncoding(" ").constData());
+        });
         QObject::connect(&web, &WebSide::reportReceived, &app, [](const QByteArray& body) {
             std::fprintf(stderr, "report, %lld bytes\n", static_cast<long long>(body.size()));
         });
         QObject::connect(&web.scripts(), &ScriptPages::requested, &app,
                          [](const QByteArray& address) { std::fprintf(stderr, "script %s\n", address.constData()); });
     }
-    if (!tracker.listen(options.port) || !web.listen(options.webPort)) {
-        std::fprintf(stderr, "qrvrc-practice: port %d or %d of 127.0.0.1 cannot be had\n", options.port,
-                     options.webPort);
+    if (!tracker.listen(options.port) || !web.listen(options.webPort) || !support.listen(options.supportPort)) {
+        std::fprintf(stderr, "qrvrc-practice: port %d, %d or %d of 127.0.0.1 cannot be had\n", options.port,
+                     options.webPort, options.supportPort);
         return EXIT_FAILURE;
     }
+    tracker.world().supportPort = support.port();
     tracker.setLively(!options.still);
+    support.setLively(!options.still);
     const QByteArray webBase = web.base().toEncoded();
-    std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\n", tracker.port(), webBase.constData(),
-                webBase.constData());
+    std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\nsupport link 127.0.0.1:%d\n", tracker.port(),
+                webBase.constData(), webBase.constData(), support.port());
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

@@ -9,6 +9,8 @@
 #include "app/qrvrcProgress.h"
 #include "diagnostics/qrvrcHelpViewer.h"
 #include "link/LoginExchange.h"
+#include "live/SupportDesk.h"
+#include "live/qrvrcSupport.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
 #include "platform/PathText.h"
@@ -67,6 +69,8 @@ qrvrcMain::qrvrcMain(const Setup& setup)
 {
     if (!setup.program.empty())
         m_core->components.setProbe(childProcessProbe(textOf(setup.program), setup.folder));
+    m_supportDesk =
+        std::make_unique<SupportDesk>(m_core->client, m_core->wSupport, [this] { return login().host(); });
     buildFrame();
     registerWindows();
     wireLink();
@@ -76,6 +80,7 @@ qrvrcMain::~qrvrcMain()
 {
     m_core->reporter.silence();
     m_core->link.disconnect();
+    delete m_core->windows.existing(u"qrvrcSupport"_s);
     delete m_pages; // the windows go before what they refer to
     delete m_menu;
 }
@@ -140,6 +145,7 @@ void qrvrcMain::registerWindows()
     windows.add(u"qrvrcModify"_s,
                 [this] { return new qrvrcModify(m_core->client, m_core->selected, m_menu, m_pages); });
     windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
+    windows.add(u"qrvrcSupport"_s, [this] { return new qrvrcSupport(m_core->client, *m_supportDesk, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
     for (const Pending& window : pending) {
         const QString name = QString::fromUtf16(window.window);

@@ -17,6 +17,7 @@ class qrvrcLogin;
 class qrvrcMenu;
 class qrvrcProfilesList;
 class qrvrcProgress;
+class SupportDesk;
 class WorkingWindow;
 
 /// The main frame: the navigation at its top and one working window at a time below it. Owns everything.
@@ -38,6 +39,7 @@ public:
     void showWindow(const QString& name);
 
     ClientCore& core() { return *m_core; }
+    SupportDesk& supportDesk() { return *m_supportDesk; }
 
     void lockInterface() override;
     void unlockInterface() override;
@@ -64,6 +66,7 @@ private:
 
     std::unique_ptr<Dialogs> m_ownBoxes;
     std::unique_ptr<ClientCore> m_core;
+    std::unique_ptr<SupportDesk> m_supportDesk;
     std::unique_ptr<LoginExchange> m_exchange;
     std::unique_ptr<HelpKey> m_helpKey;
     std::unique_ptr<qrvrcHelpViewer> m_helpViewer;

@@ -222,6 +222,11 @@ Credentials qrvrcLogin::credentials() const
     return {bytesOf(txtUser), bytesOf(txtPass)};
 }
 
+QString qrvrcLogin::host() const
+{
+    return m_client.codePage.toText(hostToConnect(bytesOf(txtHost)));
+}
+
 QString qrvrcLogin::foreignCharacter() const
 {
     for (const QLineEdit* field : {txtProfile, txtHost, txtPort, txtUser, txtPass}) {

@@ -26,6 +26,8 @@ public:
 
     /// User name and password as they stand in the fields now, in the host's code page.
     Credentials credentials() const;
+    /// The host that Connect connects to.
+    QString host() const;
     /// Chooses a stored profile as the user would; false when there is none of that name.
     bool chooseProfile(const QString& name);
     /// What the Connect button does.

@@ -28,6 +28,9 @@ Desk::Desk(practice::World world) : tracker(std::move(world))
     std::filesystem::copy(QRVRC_SHIPPED_DIR, path(""), std::filesystem::copy_options::recursive);
     if (!tracker.listen())
         qFatal("the practice tracker has no port");
+    if (!operatorSide.listen())
+        qFatal("the operator has no port");
+    tracker.world().supportPort = operatorSide.port();
 }
 
 Desk::~Desk() = default;

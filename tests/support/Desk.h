@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/qrvrcMain.h"
+#include "practice/SupportSide.h"
 #include "practice/Tracker.h"
 #include "support/RecordingDialogs.h"
 
@@ -22,6 +23,7 @@ public:
 
     RecordingDialogs boxes;
     practice::Tracker tracker;
+    practice::SupportSide operatorSide; ///< at the port that the tracker announces
 
     /// Makes the frame as a start of the program does, and shows it.
     /// @return what the start says about going on

@@ -5,12 +5,15 @@
 #include "store/AppFolder.h"
 #include "tour/EditorTour.h"
 #include "tour/PluginTour.h"
+#include "tour/SupportTour.h"
 #include "tour/Tour.h"
 
 #include <QApplication>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -60,34 +63,29 @@ std::filesystem::path settleIn(const QTemporaryDir& home)
     return folder;
 }
 
-int outcome(bool cameTrue, const tour::Act& act)
+/// Makes an act. @param home  the frame's application folder
+using MakeAct = std::function<std::unique_ptr<tour::Act>(qrvrcMain& frame, const QDir& home)>;
+
+std::vector<MakeAct> actsOf(practice::WebSide& web, const QDir& pictures)
 {
-    return cameTrue ? EXIT_SUCCESS : complain(act.complaint().toStdString());
+    return {
+        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::Tour>(frame, web, pictures); },
+        [&](qrvrcMain& frame, const QDir& home) {
+            const QDir examples(QCoreApplication::applicationDirPath() + QStringLiteral("/Plugins"));
+            return std::make_unique<tour::PluginTour>(frame, home, examples, pictures);
+        },
+        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::EditorTour>(frame, web, pictures); },
+        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::SupportTour>(frame, pictures); },
+    };
 }
 
-int firstDay(practice::WebSide& web, const QDir& pictures)
+/// Plays an act on a frame and a folder of its own. @throws RuntimeError when the folder cannot be filled
+int play(const MakeAct& makeAct, const practice::WebSide& web)
 {
     const QTemporaryDir home;
     qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
-    tour::Tour act(frame, web, pictures);
-    return outcome(act.play(), act);
-}
-
-int dayWithPlugins(const practice::WebSide& web, const QDir& pictures)
-{
-    const QTemporaryDir home;
-    const QDir examples(QCoreApplication::applicationDirPath() + QStringLiteral("/Plugins"));
-    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
-    tour::PluginTour act(frame, QDir(home.path()), examples, pictures);
-    return outcome(act.play(), act);
-}
-
-int dayWithTheEditor(practice::WebSide& web, const QDir& pictures)
-{
-    const QTemporaryDir home;
-    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
-    tour::EditorTour act(frame, web, pictures);
-    return outcome(act.play(), act);
+    const std::unique_ptr<tour::Act> act = makeAct(frame, QDir(home.path()));
+    return act->play() ? EXIT_SUCCESS : complain(act->complaint().toStdString());
 }
 
 int walk(const QDir& pictures)
@@ -97,12 +95,11 @@ int walk(const QDir& pictures)
         return complain("no port for the web host");
     applyLook();
     try {
-        int status = firstDay(web, pictures);
-        if (status == EXIT_SUCCESS)
-            status = dayWithPlugins(web, pictures);
-        if (status == EXIT_SUCCESS)
-            status = dayWithTheEditor(web, pictures);
-        return status;
+        for (const MakeAct& makeAct : actsOf(web, pictures)) {
+            if (const int status = play(makeAct, web); status != EXIT_SUCCESS)
+                return status;
+        }
+        return EXIT_SUCCESS;
     } catch (const RuntimeError& error) {
         return complain("the application folder cannot be filled: " + error.description());
     }

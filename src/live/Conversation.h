@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A stretch of text, in characters from 0.
+struct TextSpan
+{
+    std::size_t start = 0;
+    std::size_t length = 0;
+
+    bool operator==(const TextSpan&) const = default;
+};
+
+/// The conversation of the support console: all that was said, of which a filter may show a part. Texts are bytes of
+/// the host's code page, one a character. Entries are shown newest first, one below the other; each ends in an empty
+/// line, so that words of different entries never touch. A word of more than 1,000 characters, which is none, is broken
+/// over lines, because a text box takes seconds to wrap it.
+class Conversation
+{
+public:
+    enum class Speaker { Host = 0, User = 1, All = 2 };
+
+    /// Counts from 0 in the order in which entries came.
+    using Number = std::size_t;
+
+    /// Adds what was said last. It is shown whatever the filter, so that nothing new is overlooked.
+    Number add(std::string_view entry);
+    /// More of an entry has come. @return where it stood in the shown text; nothing when it is not shown
+    std::optional<TextSpan> replace(Number number, std::string_view entry);
+
+    /// Shows the entries that contain `text`, exactly and in its letter case, and, unless `who` is All, the mark of
+    /// that speaker. A `text` of blanks shows everything again.
+    /// @param user  name under which the user speaks
+    /// @return whether what is shown was chosen anew; false for a text of blanks while nothing is filtered
+    bool filter(Speaker who, std::string_view text, std::string_view user);
+    /// Whether a filter is in force.
+    bool isFiltered() const { return m_isFiltered; }
+
+    std::size_t size() const { return m_entries.size(); }
+    std::size_t shownCount() const { return m_isFiltered ? m_shown.size() : size(); }
+    /// An entry as it is shown. Its lines end in LF.
+    const std::string& entry(Number number) const { return m_entries[number]; }
+    /// All shown entries. Put together when it is asked for, so that adding an entry costs the same however many
+    /// there are.
+    const std::string& shownText() const;
+
+private:
+    std::vector<std::string> m_entries;
+    std::vector<Number> m_shown; ///< ascending; in use while a filter is in force
+    bool m_isFiltered = false;
+    mutable std::string m_text;
+    mutable bool m_isTextCurrent = true;
+};
+
+/// Positions count from 1; nothing when `what` is empty or not there.
+std::optional<std::size_t> findFirst(std::string_view text, std::string_view what);
+/// The first occurrence behind the selected one; from the selection's start on when another text is selected, or none.
+std::optional<std::size_t> findNext(std::string_view text, std::string_view what, TextSpan selection);
+/// The last occurrence that begins before the selection does.
+std::optional<std::size_t> findPrevious(std::string_view text, std::string_view what, TextSpan selection);
