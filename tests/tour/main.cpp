@@ -4,6 +4,7 @@
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
 #include "tour/EditorTour.h"
+#include "tour/FilesTour.h"
 #include "tour/PluginTour.h"
 #include "tour/Tour.h"
 
@@ -73,7 +74,7 @@ int firstDay(practice::WebSide& web, const QDir& pictures)
     return outcome(act.play(), act);
 }
 
-int dayWithPlugins(const practice::WebSide& web, const QDir& pictures)
+int dayWithPlugins(practice::WebSide& web, const QDir& pictures)
 {
     const QTemporaryDir home;
     const QDir examples(QCoreApplication::applicationDirPath() + QStringLiteral("/Plugins"));
@@ -90,6 +91,14 @@ int dayWithTheEditor(practice::WebSide& web, const QDir& pictures)
     return outcome(act.play(), act);
 }
 
+int dayWithFiles(practice::WebSide& web, const QDir& pictures)
+{
+    const QTemporaryDir home;
+    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
+    tour::FilesTour act(frame, pictures);
+    return outcome(act.play(), act);
+}
+
 int walk(const QDir& pictures)
 {
     practice::WebSide web;
@@ -97,12 +106,11 @@ int walk(const QDir& pictures)
         return complain("no port for the web host");
     applyLook();
     try {
-        int status = firstDay(web, pictures);
-        if (status == EXIT_SUCCESS)
-            status = dayWithPlugins(web, pictures);
-        if (status == EXIT_SUCCESS)
-            status = dayWithTheEditor(web, pictures);
-        return status;
+        for (const auto day : {firstDay, dayWithPlugins, dayWithTheEditor, dayWithFiles}) {
+            if (const int status = day(web, pictures); status != EXIT_SUCCESS)
+                return status;
+        }
+        return EXIT_SUCCESS;
     } catch (const RuntimeError& error) {
         return complain("the application folder cannot be filled: " + error.description());
     }
