@@ -10,6 +10,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int maxProfiles = 100000;
+constexpr quint32 maxLogMebibytes = 256;
 
 /// Thrown inside readOptions() only.
 struct BadUsage
@@ -78,6 +79,7 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
         {u"support-port"_s, u"Port of the support link; 0 for any free one."_s, u"N"_s, u"0"_s},
         {u"world"_s, u"lively, small, or a number of profiles."_s, u"WORLD"_s, u"lively"_s},
         {u"seed"_s, u"Seed of everything that happens by chance."_s, u"N"_s, u"1"_s},
+        {u"big-log"_s, u"Every profile has a chat log of N MiB, dated today."_s, u"N"_s, u"0"_s},
         {u"still"_s, u"The world does not move on."_s},
         {u"misbehave"_s,
          u"Answers every REQUEST (* for all; Announce and Message on the support link) with FAULT: %1. May be "
@@ -109,6 +111,7 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
         options.supportPort = static_cast<quint16>(numberOf(parser, u"support-port"_s, 65535));
         options.world = worldOf(parser.value(u"world"_s));
         options.seed = numberOf(parser, u"seed"_s, 0xFFFFFFFF);
+        options.bigLog = static_cast<int>(numberOf(parser, u"big-log"_s, maxLogMebibytes));
         options.still = parser.isSet(u"still"_s);
         options.verbose = parser.isSet(u"verbose"_s);
         for (const QString& text : parser.values(u"misbehave"_s))

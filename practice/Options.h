@@ -34,6 +34,7 @@ struct Options
     quint16 supportPort = 0;     ///< 0 for any free one
     QByteArray world = "lively"; ///< "lively", "small" or a number of profiles
     quint32 seed = 1;
+    int bigLog = 0;     ///< MiB of a chat log that every profile has; 0 for none
     bool still = false; ///< the world does not move on
     bool verbose = false;
     QList<Misbehaviour> misbehaviours;

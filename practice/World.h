@@ -117,6 +117,9 @@ public:
     bool stopGame(int profileId);
     bool deleteProfile(const QByteArray& name);
 
+    /// Gives every profile a chat log of that size, dated today: lines of usual length with line ends of every kind.
+    void addBigLog(int mebibytes);
+
     void connected(const QByteArray& accountName, const QByteArray& address);
     void disconnected(const QByteArray& accountName);
     /// Adds a line with the world's date and time to the connectivity log, which keeps its newest 500 lines.

@@ -89,17 +89,27 @@ QByteArray processName(const QByteArray& gameVersion)
     return gameVersion == jointOperations ? "joserver.exe" : "dfserver.exe";
 }
 
-QByteArray logText(const QByteArray& type, const Profile& profile, const QDate& date, int lines)
+QByteArray logText(const QByteArray& type, const Profile& profile, const QDate& date, int lines,
+                   const QByteArray& lineEnd)
 {
     const QByteArray day = date.toString(u"dd/MM/yyyy"_s).toLatin1();
-    QByteArray text = type + " of " + profile.name + ", " + day + "\r\n\r\n";
+    QByteArray text = type + " of " + profile.name + ", " + day + lineEnd + lineEnd;
     for (int i = 0; i < lines; ++i) {
         const int second = i * 86399 / qMax(1, lines);
         const QByteArray time = QTime(0, 0).addSecs(second).toString(u"hh:mm:ss"_s).toLatin1();
         text += time + "  " + playerName(i * 7 + profile.id) + ": " + profile.mapList.value(i % 5) + ", entry " +
-                QByteArray::number(i + 1) + "\r\n";
+                QByteArray::number(i + 1) + lineEnd;
     }
     return text;
+}
+
+/// A backup is no text: every value of a byte stands in it.
+QByteArray archive(const QByteArray& text)
+{
+    QByteArray bytes("BMA1");
+    for (int value = 0; value < 256; ++value)
+        bytes += static_cast<char>(value);
+    return bytes + text;
 }
 
 /// One file of every type for each of the last `days` days.
@@ -110,14 +120,15 @@ QList<LogFile> sampleFiles(const QList<Profile>& profiles, const QDate& today, i
         const char* type;
         const char* prefix;
         const char* ending;
+        const char* lineEnd = "\r\n"; // trackers of other systems wrote the others
     };
     static constexpr std::array<Kind, 7> kinds{{{"Admin Logs", "admin", ".txt"},
                                                 {"Backup Files", "backup", ".bma"},
                                                 {"Chat Logs", "chat", ".txt"},
                                                 {"Server Message Logs", "server", ".txt"},
                                                 {"Player Logs", "players", ".txt"},
-                                                {"Status Logs", "status", ".txt"},
-                                                {"Import Logs", "import", ".txt"}}};
+                                                {"Status Logs", "status", ".txt", "\r"},
+                                                {"Import Logs", "import", ".txt", "\n"}}};
     QList<LogFile> files;
     for (const Profile& profile : profiles) {
         for (int back = days - 1; back >= 0; --back) {
@@ -127,9 +138,10 @@ QList<LogFile> sampleFiles(const QList<Profile>& profiles, const QDate& today, i
                     QByteArray(kind.prefix) + '-' + date.toString(u"yyyyMMdd"_s).toLatin1() + kind.ending;
                 const bool backup = QByteArray(kind.type) == "Backup Files";
                 const int lines = 20 + 15 * back + (kind.prefix[0] == 'c' ? 400 : 0);
+                const QByteArray text = logText(kind.type, profile, date, lines, kind.lineEnd);
                 files += {profile.id, kind.type,
                           name,       backup ? profile.gameType : QByteArray(),
-                          date,       logText(kind.type, profile, date, lines)};
+                          date,       backup ? archive(text) : text};
             }
         }
     }
@@ -248,6 +260,23 @@ World World::many(int profiles, int playersEach, quint32 seed)
     }
     world.accounts = sampleAccounts(world.profiles);
     return world;
+}
+
+void World::addBigLog(int mebibytes)
+{
+    const qsizetype size = qsizetype{mebibytes} << 20;
+    QByteArray text;
+    text.reserve(size + 200);
+    const std::array<const char*, 3> ends{"\r\n", "\n", "\r"};
+    for (int line = 0; text.size() < size; ++line) {
+        const QByteArray name = playerName(line * 7);
+        text += QTime(0, 0).addSecs(line % 86400).toString(u"hh:mm:ss"_s).toLatin1() + "  " + name + ": entry " +
+                QByteArray::number(line) + ", " + QByteArray::number(qsizetype{line} * 2654435761U % 1000003);
+        text += line % 1000 < 998 ? ends[0] : ends[static_cast<std::size_t>(line % 1000 - 997)];
+    }
+    text.truncate(size);
+    for (const Profile& profile : profiles)
+        files += {profile.id, "Chat Logs", "chat-large.txt", {}, clock.date(), text};
 }
 
 } // namespace practice

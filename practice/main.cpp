@@ -69,6 +69,8 @@ int complain(const QString& text)
 int serve(QCoreApplication& app, const Options& options)
 {
     Tracker tracker(worldFor(options));
+    if (options.bigLog > 0)
+        tracker.world().addBigLog(options.bigLog);
     for (const PluginChoice& choice : options.plugins) {
         if (choice.version)
             tracker.world().setPluginVersion(choice.name, *choice.version);

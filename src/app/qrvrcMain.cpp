@@ -17,6 +17,7 @@
 #include "platform/SystemName.h"
 #include "plugins/ComponentCheck.h"
 #include "profiles/ProfileActions.h"
+#include "profiles/qrvrcFileManager.h"
 #include "profiles/qrvrcModify.h"
 #include "profiles/qrvrcNotePad.h"
 #include "profiles/qrvrcProfilesList.h"
@@ -124,7 +125,6 @@ void qrvrcMain::registerWindows()
         Pending{u"qrvrcHelp", u"Help", u"Help"},
         Pending{u"qrvrcProfileAdmin", u"Admin", u"Profile Admins"},
         Pending{u"qrvrcPlayerStats", u"View Player Stats", u"Profile List"},
-        Pending{u"qrvrcFileManager", u"Remote File Viewer", u"Profile List"},
     };
     WindowRegistry& windows = m_core->windows;
     windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
@@ -144,6 +144,8 @@ void qrvrcMain::registerWindows()
     });
     windows.add(u"qrvrcModify"_s,
                 [this] { return new qrvrcModify(m_core->client, m_core->selected, m_menu, m_pages); });
+    windows.add(u"qrvrcFileManager"_s,
+                [this] { return new qrvrcFileManager(m_core->client, m_core->selected.id, m_pages); });
     windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add(u"qrvrcSupport"_s, [this] { return new qrvrcSupport(m_core->client, *m_supportDesk, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });

@@ -149,6 +149,7 @@ void qrvrcProfilesList::buildMenu()
     mnuMain->addSeparator();
     QMenu* copy = mnuMain->addMenu(u"Copy"_s);
     copy->setObjectName(u"mnuCopy"_s);
+    copy->menuAction()->setObjectName(u"mnuCopy"_s);
     copy->addActions(fgProfiles->copyActions());
 }
 

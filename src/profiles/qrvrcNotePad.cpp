@@ -1,19 +1,24 @@
 #include "profiles/qrvrcNotePad.h"
 
+#include "base/LinedText.h"
 #include "diagnostics/Reporter.h"
 #include "link/Client.h"
+#include "platform/Background.h"
 #include "platform/CodePage.h"
 #include "platform/PathText.h"
+#include "profiles/TextExpander.h"
+#include "store/AppFolder.h"
 #include "store/FileBytes.h"
+#include "ui/GridDelegate.h"
+#include "ui/TextFinder.h"
+#include "ui/TextPane.h"
 
 #include <QFileDialog>
-#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -22,10 +27,16 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize usualSize(720, 480);
+constexpr int maxWanted = 256; // characters that can be looked for
+const QString notFound = u"Not found."_s;
 
 } // namespace
 
-qrvrcNotePad::qrvrcNotePad(Client& client, QWidget* parent) : QWidget(parent, Qt::Window), m_client(client)
+qrvrcNotePad::qrvrcNotePad(Client& client, QWidget* parent)
+    : QWidget(parent, Qt::Window),
+      m_client(client),
+      m_finder(new TextFinder(client.codePage, this)),
+      m_expander(new TextExpander(this))
 {
     setObjectName(u"qrvrcNotePad"_s);
     setWindowTitle(u"Text Viewer"_s);
@@ -37,16 +48,9 @@ qrvrcNotePad::qrvrcNotePad(Client& client, QWidget* parent) : QWidget(parent, Qt
 
 void qrvrcNotePad::buildControls()
 {
-    Text1 = new QPlainTextEdit;
+    Text1 = new TextPane(m_client.codePage);
     Text1->setObjectName(u"Text1"_s);
     Text1->setAccessibleName(u"Text"_s);
-    Text1->setReadOnly(true);
-    Text1->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    Text1->setUndoRedoEnabled(false);
-    Text1->setLineWrapMode(QPlainTextEdit::NoWrap);
-    Text1->setTabChangesFocus(true);
-    Text1->setFrameShape(QFrame::NoFrame);
-    Text1->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     // What was found stays visible while the search field has the keyboard.
     QPalette colours = Text1->palette();
     colours.setColor(QPalette::Inactive, QPalette::Highlight, colours.color(QPalette::Active, QPalette::Highlight));
@@ -62,6 +66,7 @@ void qrvrcNotePad::buildControls()
     txtFind->setObjectName(u"txtFind"_s);
     txtFind->setAccessibleName(u"Find"_s);
     txtFind->setMaximumWidth(280);
+    txtFind->setMaxLength(maxWanted);
     lblFound = new QLabel;
     lblFound->setObjectName(u"lblFound"_s);
     bar->addWidget(new QLabel(u"Find:"_s));
@@ -77,7 +82,25 @@ void qrvrcNotePad::buildControls()
     addButton(u"cmdFindPrevious"_s, u"Previous"_s, [this] { find(true); });
     bar->addWidget(lblFound, 1);
     connect(txtFind, &QLineEdit::returnPressed, this, [this] { find(false); });
-    connect(txtFind, &QLineEdit::textEdited, lblFound, &QLabel::clear);
+    connect(txtFind, &QLineEdit::textEdited, this, [this] {
+        m_finder->stop();
+        lblFound->clear();
+    });
+    connect(m_expander, &TextExpander::started, this, &qrvrcNotePad::announce);
+    connect(m_expander, &TextExpander::ready, this, [this](std::shared_ptr<const LinedText> text) {
+        setWindowTitle(u"Text Viewer"_s);
+        nameFile(m_awaited);
+        present(std::move(text));
+    });
+    connect(m_expander, &TextExpander::failed, this, [this](const RuntimeError& error) {
+        Text1->setMessage({});
+        m_client.reporter.ReportMsg(MessageKind::Trapped, u"HandleData"_s, &error, error.line());
+    });
+    connect(m_finder, &TextFinder::found, this, &qrvrcNotePad::showFound);
+    connect(m_finder, &TextFinder::notFound, this, [this] {
+        fmeFind->show();
+        lblFound->setText(notFound);
+    });
     fmeFind->hide();
 
     auto* layout = new QVBoxLayout(this);
@@ -89,6 +112,10 @@ void qrvrcNotePad::buildControls()
 
 void qrvrcNotePad::buildMenus()
 {
+    connect(&m_saving, &QFutureWatcherBase::finished, this, [this] {
+        mnuSaveAs->setEnabled(true);
+        m_client.reporter.trap("mnuSaveAs_Click", [this] { m_saving.waitForFinished(); }); // where its error comes out
+    });
     mnuBar = new QMenuBar(this);
     mnuBar->setNativeMenuBar(false);
     layout()->setMenuBar(mnuBar);
@@ -98,9 +125,14 @@ void qrvrcNotePad::buildMenus()
         action->setObjectName(name);
         action->setShortcut(keys);
         connect(action, &QAction::triggered, this, triggered);
+        return action;
     };
+    lblFile = new QLabel(mnuBar);
+    lblFile->setObjectName(u"lblFile"_s);
+    lblFile->setTextFormat(Qt::PlainText);
+    lblFile->setContentsMargins(0, 0, 8, 0);
     QMenu* file = mnuBar->addMenu(u"&File"_s);
-    add(file, u"mnuSaveAs"_s, u"&Save As..."_s, Qt::CTRL | Qt::Key_S, [this] { chooseFile(); });
+    mnuSaveAs = add(file, u"mnuSaveAs"_s, u"&Save As..."_s, Qt::CTRL | Qt::Key_S, [this] { chooseFile(); });
     add(file, u"mnuClose"_s, u"&Close"_s, QKeySequence::Close, [this] { close(); });
     QMenu* edit = mnuBar->addMenu(u"&Edit"_s);
     // The field and the text know Ctrl+C and Ctrl+A themselves, each for what is in it.
@@ -112,22 +144,66 @@ void qrvrcNotePad::buildMenus()
     add(edit, u"mnuFindPrevious"_s, u"Find &Previous"_s, Qt::SHIFT | Qt::Key_F3, [this] { find(true); });
 }
 
-void qrvrcNotePad::setText(const QString& text)
-{
-    m_text = text;
-    Text1->setPlainText(text);
-    lblFound->clear();
-}
-
 void qrvrcNotePad::showText(const QString& caption, const QString& text)
 {
+    dropAwaited();
     setWindowTitle(caption);
-    setText(text);
+    nameFile({});
+    present(std::make_shared<const LinedText>(m_client.codePage.toBytes(text)));
+}
+
+void qrvrcNotePad::showFile(const QString& file, const PackedReply& packed)
+{
+    dropAwaited();
+    m_awaited = file;
+    m_expander->expand(packed);
+}
+
+void qrvrcNotePad::dropAwaited()
+{
+    m_expander->stop();
+    Text1->setMessage({});
+}
+
+void qrvrcNotePad::closeEvent(QCloseEvent* event)
+{
+    dropAwaited();
+    m_finder->stop();
+    QWidget::closeEvent(event);
+}
+
+void qrvrcNotePad::announce()
+{
+    m_finder->stop();
+    lblFound->clear();
+    Text1->setMessage(u"Expanding %1..."_s.arg(m_awaited));
+    bringToFront();
+}
+
+void qrvrcNotePad::present(std::shared_ptr<const LinedText> text)
+{
+    m_finder->stop();
+    lblFound->clear();
+    Text1->setText(std::move(text));
+    bringToFront();
+}
+
+void qrvrcNotePad::bringToFront()
+{
     Text1->setFocus();
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
     activateWindow();
+}
+
+void qrvrcNotePad::nameFile(const QString& file)
+{
+    m_file = file;
+    const int room = width() / 2; // the menus have the other half
+    lblFile->setText(lblFile->fontMetrics().elidedText(singleLine(file), Qt::ElideMiddle, room));
+    mnuBar->setCornerWidget(lblFile); // which makes room for the new text
+    lblFile->setVisible(!file.isEmpty());
 }
 
 void qrvrcNotePad::keyPressEvent(QKeyEvent* event)
@@ -142,8 +218,9 @@ void qrvrcNotePad::keyPressEvent(QKeyEvent* event)
 
 void qrvrcNotePad::openFindBar()
 {
-    const QString selected = Text1->textCursor().selectedText();
-    if (!selected.isEmpty() && !selected.contains(QChar::ParagraphSeparator))
+    const std::size_t length = Text1->selectionEnd() - Text1->selectionBegin();
+    const QString selected = length <= maxWanted ? Text1->selectedText() : QString();
+    if (!selected.isEmpty() && !selected.contains(u'\n') && !selected.contains(u'\r'))
         txtFind->setText(selected);
     fmeFind->show();
     txtFind->selectAll();
@@ -152,6 +229,7 @@ void qrvrcNotePad::openFindBar()
 
 void qrvrcNotePad::closeFindBar()
 {
+    m_finder->stop();
     fmeFind->hide();
     lblFound->clear();
     Text1->setFocus();
@@ -164,19 +242,29 @@ void qrvrcNotePad::find(bool backward)
         openFindBar();
         return;
     }
-    const QTextDocument::FindFlags flags = backward ? QTextDocument::FindBackward : QTextDocument::FindFlags();
+    m_searchesBackward = backward;
     lblFound->clear();
-    if (Text1->find(wanted, flags))
-        return;
-    const QTextCursor before = Text1->textCursor();
-    Text1->moveCursor(backward ? QTextCursor::End : QTextCursor::Start);
-    if (Text1->find(wanted, flags)) {
-        lblFound->setText(backward ? u"Continued from the end."_s : u"Continued from the beginning."_s);
-    } else {
-        Text1->setTextCursor(before);
-        lblFound->setText(u"Not found."_s);
+    if (!m_client.codePage.firstForeign(wanted).isEmpty()) {
         fmeFind->show();
+        lblFound->setText(notFound);
+        return;
     }
+    m_finder->start(Text1->text(), m_client.codePage.toBytes(wanted),
+                    backward ? Text1->selectionBegin() : Text1->selectionEnd(),
+                    backward ? TextFinder::Way::Backward : TextFinder::Way::Forward);
+    if (m_finder->isSearching()) {
+        fmeFind->show();
+        lblFound->setText(u"Searching..."_s);
+    }
+}
+
+void qrvrcNotePad::showFound(std::size_t at, std::size_t size, bool wrapped)
+{
+    Text1->select(at, at + size);
+    if (wrapped)
+        lblFound->setText(m_searchesBackward ? u"Continued from the end."_s : u"Continued from the beginning."_s);
+    else
+        lblFound->clear();
 }
 
 void qrvrcNotePad::chooseFile()
@@ -186,13 +274,14 @@ void qrvrcNotePad::chooseFile()
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilters({u"Text files (*.txt)"_s, u"All files (*)"_s});
     dialog->setDefaultSuffix(u"txt"_s);
-    connect(dialog, &QFileDialog::fileSelected, this,
-            [this](const QString& file) { m_client.reporter.trap("mnuSaveAs_Click", [&] { save(pathOf(file)); }); });
+    if (isPlainFileName(m_client.codePage.toBytes(m_file)))
+        dialog->selectFile(m_file);
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) { save(pathOf(file)); });
     dialog->open();
 }
 
 void qrvrcNotePad::save(const std::filesystem::path& file)
 {
-    // The text came through the code page, so this gives back the very bytes that it was made from.
-    writeBytes(file, m_client.codePage.toBytes(m_text));
+    mnuSaveAs->setEnabled(false); // one at a time
+    m_saving.setFuture(inBackground([file, text = Text1->text()] { writeBytes(file, text->bytes()); }));
 }

@@ -1,15 +1,22 @@
 #pragma once
 
+#include <QFutureWatcher>
 #include <QWidget>
 
 #include <filesystem>
+#include <memory>
 
+class LinedText;
+class QAction;
 class QFrame;
 class QLabel;
 class QLineEdit;
 class QMenuBar;
-class QPlainTextEdit;
+class TextExpander;
+class TextFinder;
+class TextPane;
 struct Client;
+struct PackedReply;
 
 /// Shows a text that came from somewhere else: to be read, searched, copied and saved, not to be changed.
 class qrvrcNotePad : public QWidget
@@ -20,30 +27,48 @@ public:
     /// @param client  outlives the window
     explicit qrvrcNotePad(Client& client, QWidget* parent = nullptr);
 
-    /// Replaces the text that is shown. Its lines may end in CR LF, CR or LF.
-    void setText(const QString& text);
-    /// Brings the window to the front with `text` in it.
+    /// Brings the window to the front with `text` in it. Characters that the host's code page lacks become "?".
     void showText(const QString& caption, const QString& text);
 
+    /// Brings the window to the front with the text of a file in it. A large one is expanded first, beside the window,
+    /// which says so; if that fails, the window reports it and shows what it showed before.
+    /// @param file  its name on the host
+    /// @throws RuntimeError for a small text that cannot be expanded
+    void showFile(const QString& file, const PackedReply& packed);
+
 protected:
+    /// A text that is still being expanded is no longer wanted.
+    void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void buildControls();
     void buildMenus();
+    void dropAwaited();
+    void announce();
+    void present(std::shared_ptr<const LinedText> text);
+    void bringToFront();
+    void nameFile(const QString& file);
     void openFindBar();
     void closeFindBar();
-    /// Selects the next occurrence, from the other end of the text when there is none before this one.
     void find(bool backward);
+    void showFound(std::size_t at, std::size_t size, bool wrapped);
     void chooseFile();
     void save(const std::filesystem::path& file);
 
     Client& m_client;
-    QString m_text; ///< as it came, with its own line ends
+    TextFinder* m_finder;
+    TextExpander* m_expander;
+    QString m_awaited; ///< name of the file whose text is being expanded
+    QFutureWatcher<void> m_saving;
+    QString m_file; ///< name of the file that is shown; empty for another text
+    bool m_searchesBackward = false;
 
     QMenuBar* mnuBar = nullptr;
-    QPlainTextEdit* Text1 = nullptr;
+    QAction* mnuSaveAs = nullptr;
+    TextPane* Text1 = nullptr;
     QFrame* fmeFind = nullptr; ///< hidden until something is looked for
     QLineEdit* txtFind = nullptr;
     QLabel* lblFound = nullptr;
+    QLabel* lblFile = nullptr;
 };

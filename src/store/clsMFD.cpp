@@ -152,7 +152,7 @@ void clsMFD::WriteFile(const Path& file, std::string_view text) const
     writeBytes(file, text);
 }
 
-std::string clsMFD::DecompressString(std::string_view data, std::int32_t length) const
+std::string clsMFD::DecompressString(std::string_view data, std::int32_t length)
 {
     if (length < 0)
         throw RuntimeError(ErrorNumber::InvalidFileFormat, "compressed text");

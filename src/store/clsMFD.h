@@ -71,7 +71,7 @@ public:
     /// @param length  bytes of the expanded text, as declared by the tracker
     /// @throws RuntimeError InvalidFileFormat for damaged data or a length that does not match, OutOfMemory above 256
     /// MiB
-    std::string DecompressString(std::string_view data, std::int32_t length) const;
+    static std::string DecompressString(std::string_view data, std::int32_t length);
 
     /// 32 hexadecimal digits that name this installation; made at random on first use and kept in the settings folder.
     std::string GetUIDStr() const;

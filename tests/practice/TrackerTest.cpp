@@ -272,10 +272,10 @@ private Q_SLOTS:
         QCOMPARE(QByteArray::fromBase64(elements[6]), "2"_ba);
 
         QCOMPARE(expanded(caller.ask("GetFileList_admin_VB6_1|Backup Files|29/11/2009|29/11/2009")),
-                 "backup-20091129.bma|Coop|29/11/2009|935 B"_ba);
+                 "backup-20091129.bma|Coop|29/11/2009|1 KB"_ba);
         const QByteArray path = "\\Backups\\Coop\\backup-20091129.bma";
         const QByteArray file = expanded(caller.ask("GetRemFile_admin_VB6_1|" + path.toBase64()));
-        QVERIFY(file.startsWith("Backup Files of Alpha, 29/11/2009\r\n"));
+        QVERIFY(file.startsWith(QByteArray("BMA1\0\1", 6)) && file.contains("Backup Files of Alpha, 29/11/2009\r\n"));
     }
 
     void newsReachWhoMayHearThemAndWaitsForNothing()

@@ -1,10 +1,12 @@
 #include "profiles/qrvrcNotePad.h"
 
+#include "base/LinedText.h"
 #include "link/Client.h"
 #include "platform/Inet.h"
 #include "store/FileBytes.h"
 #include "support/LinkRig.h"
 #include "ui/PictureStore.h"
+#include "ui/TextPane.h"
 #include "ui/WindowRegistry.h"
 
 #include <QAction>
@@ -12,7 +14,6 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPlainTextEdit>
 
 using namespace Qt::StringLiterals;
 
@@ -27,7 +28,7 @@ struct PadRig : LinkRig
     Client client{link,     replies, session,  store,    folder,  inet,
                   reporter, boxes,   codePage, pictures, windows, helpSection};
     qrvrcNotePad pad{client};
-    QPlainTextEdit& text = *pad.findChild<QPlainTextEdit*>(u"Text1"_s);
+    TextPane& text = *pad.findChild<TextPane*>(u"Text1"_s);
     QLineEdit& wanted = *pad.findChild<QLineEdit*>(u"txtFind"_s);
     QLabel& found = *pad.findChild<QLabel*>(u"lblFound"_s);
 
@@ -62,6 +63,7 @@ private Q_SLOTS:
         QTest::keyClick(&rig.text, Qt::Key_X); // the text is not to be changed
         const QString file = rig.directory.filePath(u"saved.txt"_s);
         rig.saveAs(file);
+        QTRY_VERIFY(rig.pad.findChild<QAction*>(u"mnuSaveAs"_s)->isEnabled());
         QCOMPARE(readBytes(file.toStdU16String()), bytes);
         QVERIFY(rig.boxes.boxes.isEmpty());
     }
@@ -77,7 +79,7 @@ private Q_SLOTS:
         dialog->selectFile(folder + u"/saved.txt"_s);
         QDir().rmdir(folder);
         Q_EMIT dialog->fileSelected(folder + u"/saved.txt"_s);
-        QCOMPARE(rig.boxes.boxes.size(), 1);
+        QTRY_COMPARE(rig.boxes.boxes.size(), 1);
         QVERIFY(rig.boxes.boxes[0].text.contains(u"mnuSaveAs_Click"_s));
     }
 
@@ -90,9 +92,10 @@ private Q_SLOTS:
         QTest::keyClicks(&rig.wanted, u"alpha"_s);
         const auto step = [&](Qt::KeyboardModifier modifier) {
             QTest::keyClick(&rig.wanted, Qt::Key_F3, modifier);
-            return rig.text.textCursor().blockNumber();
+            return static_cast<int>(rig.text.text()->lineOf(rig.text.selectionBegin()));
         };
         QCOMPARE(step(Qt::NoModifier), 0);
+        QCOMPARE(rig.text.selectedText(), u"alpha"_s);
         QCOMPARE(step(Qt::NoModifier), 2);
         QCOMPARE(step(Qt::NoModifier), 0);
         QCOMPARE(rig.found.text(), u"Continued from the beginning."_s);

@@ -317,8 +317,9 @@ private Q_SLOTS:
         QStringList entries;
         for (const QAction* entry : menu.actions())
             entries += entry->isSeparator() ? u"-"_s : entry->objectName();
-        QCOMPARE(entries.join(u' '),
-                 u"mnuAttach mnuDetach - mnuStart mnuStop mnuMode - mnuModify mnuDelete - mnuPlayers mnuFileManager"_s);
+        QCOMPARE(
+            entries.join(u' '),
+            u"mnuAttach mnuDetach - mnuStart mnuStop mnuMode - mnuModify mnuDelete - mnuPlayers mnuFileManager - mnuCopy"_s);
         menu.close();
         rightClick(QPoint(5, view.viewport()->height() - 3)); // below the last row
         QVERIFY(!menu.isVisible());

@@ -4,6 +4,7 @@
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
 #include "tour/EditorTour.h"
+#include "tour/FilesTour.h"
 #include "tour/PluginTour.h"
 #include "tour/SupportTour.h"
 #include "tour/Tour.h"
@@ -75,6 +76,7 @@ std::vector<MakeAct> actsOf(practice::WebSide& web, const QDir& pictures)
             return std::make_unique<tour::PluginTour>(frame, home, examples, pictures);
         },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::EditorTour>(frame, web, pictures); },
+        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::FilesTour>(frame, pictures); },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::SupportTour>(frame, pictures); },
     };
 }
