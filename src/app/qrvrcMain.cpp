@@ -9,6 +9,7 @@
 #include "app/qrvrcProgress.h"
 #include "diagnostics/qrvrcHelpViewer.h"
 #include "link/LoginExchange.h"
+#include "live/qrvrcPlayerStats.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
 #include "platform/PathText.h"
@@ -118,7 +119,6 @@ void qrvrcMain::registerWindows()
         Pending{u"qrvrcUpdate", u"Update", u"Update"},
         Pending{u"qrvrcHelp", u"Help", u"Help"},
         Pending{u"qrvrcProfileAdmin", u"Admin", u"Profile Admins"},
-        Pending{u"qrvrcPlayerStats", u"View Player Stats", u"Profile List"},
         Pending{u"qrvrcFileManager", u"Remote File Viewer", u"Profile List"},
     };
     WindowRegistry& windows = m_core->windows;
@@ -139,6 +139,8 @@ void qrvrcMain::registerWindows()
     });
     windows.add(u"qrvrcModify"_s,
                 [this] { return new qrvrcModify(m_core->client, m_core->selected, m_menu, m_pages); });
+    windows.add(u"qrvrcPlayerStats"_s,
+                [this] { return new qrvrcPlayerStats(m_core->client, m_core->selected, m_pages); });
     windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
     for (const Pending& window : pending) {
