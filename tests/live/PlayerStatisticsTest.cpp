@@ -97,8 +97,8 @@ private Q_SLOTS:
         QTest::newRow("three fields") << JointOperations << "1_2_" + ghost << "1_2_" + ghost << 0;
         QTest::newRow("two fields") << DeltaForce << "1_2"s
                                     << "1_2_"s << subscript;
-        QTest::newRow("no field") << DeltaForce << ""s
-                                  << ""s << subscript;
+        QTest::newRow("one field") << DeltaForce << "1"s
+                                   << "1_"s << subscript;
         QTest::newRow("name is no Base64") << DeltaForce << "1_2_!!!!"s
                                            << "1_2_"s << mismatch;
         QTest::newRow("unknown key") << DeltaForce << longForm << key + "x" << noKey;

@@ -37,10 +37,10 @@ QTabBar& strip(Desk& desk)
     return *window(desk)->findChild<QTabBar*>(u"tsMain"_s);
 }
 
-/// Logs in if need be and opens the statistics of a profile.
+/// Logs in and opens the statistics of a profile.
 bool open(Desk& desk, int profile = Alpha)
 {
-    if (!desk.link().isConnected() && !desk.logIn())
+    if (!desk.logIn())
         return false;
     desk.clickRow(profile);
     const qsizetype asked = desk.requestCount("GetPlayerStats");
