@@ -10,6 +10,7 @@
 #include <QGroupBox>
 #include <QLabel>
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;
@@ -67,8 +68,9 @@ void qrvrcPlayerStats::buildControls()
 
 void qrvrcPlayerStats::buildOptions()
 {
-    fmeOptions = new QGroupBox(u"Options"_s, this);
+    fmeOptions = new QGroupBox(this);
     fmeOptions->setObjectName(u"fmeOptions"_s);
+    fmeOptions->setAccessibleName(u"Options"_s);
     cmdRefresh = new ImageButton(u"cmdRefresh"_s, u"Refresh"_s, m_client.pictures, fmeOptions);
     cmdRefresh->setToolTip(u"Asks the tracker again (F5)"_s);
     cmdClose = new ImageButton(u"cmdClose"_s, u"Close"_s, m_client.pictures, fmeOptions);
@@ -86,10 +88,20 @@ void qrvrcPlayerStats::placeControls()
     tsMain->setGeometry(margin, margin, tabs.width(), tabs.height());
     const int titleLeft = tsMain->geometry().right() + 2 * margin;
     lblTitle->setGeometry(titleLeft, margin, width() - margin - titleLeft, tabs.height());
-    const int optionsHeight = (buttonTop + buttonHeight).pixels() + margin;
+    const int optionsHeight = (buttonTop + buttonHeight + buttonTop).pixels();
     fmeOptions->setGeometry(margin, height() - margin - optionsHeight, inner, optionsHeight);
     const int gridTop = margin + tabs.height() + gap;
     for (GridView* grid : {fgPlayers, fgWeapons})
         grid->setGeometry(margin, gridTop, inner, fmeOptions->y() - gap - gridTop);
     showTitle();
+}
+
+/// The first column is made for two digits; on a full server the positions have more.
+void qrvrcPlayerStats::fitPositions()
+{
+    constexpr int cellMargins = 8; // pixels, both sides together
+    const int rows = fgWeapons->rows().rowCount();
+    const QString widest = rows > 0 ? fgWeapons->rows().text(rows - 1, 0) : QString();
+    fgWeapons->setColumnWidth(
+        0, std::max(weaponColumns[0].width.pixels(), fgWeapons->fontMetrics().horizontalAdvance(widest) + cellMargins));
 }

@@ -238,6 +238,7 @@ void qrvrcPlayerStats::fillWeapons()
         fgWeapons->setEmptyText(whyEmpty);
         refill(*fgWeapons, table->rows.size(),
                [this, table](int row) { return cellsOf(table->rows.at(static_cast<std::size_t>(row))); });
+        fitPositions();
     });
     const GameFamily family = familyOf(m_selected.gameVersion());
     for (std::size_t index = 0; index < m_statistics->weapons().size(); ++index) {

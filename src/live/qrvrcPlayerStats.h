@@ -56,6 +56,7 @@ private:
     void buildControls();
     void buildOptions();
     void placeControls();
+    void fitPositions();
     void wireSignals();
     void refresh();
     void showStatistics(std::string_view body);
