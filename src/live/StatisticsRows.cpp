@@ -154,7 +154,9 @@ std::string timeText(std::int32_t seconds)
 {
     if (seconds < 0)
         return "00:00:00";
-    const auto twoDigits = [](std::int32_t number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+    const auto twoDigits = [](std::int32_t number) {
+        return std::string(number < 10 ? 1 : 0, '0').append(std::to_string(number));
+    };
     constexpr std::int32_t minute = 60;
     constexpr std::int32_t hour = 60 * minute;
     return twoDigits(seconds / hour) + ':' + twoDigits(seconds % hour / minute) + ':' + twoDigits(seconds % minute);
