@@ -1,5 +1,7 @@
 #include "practice/Answers.h"
 
+#include <algorithm>
+
 namespace practice {
 
 namespace {
@@ -68,6 +70,25 @@ QByteArray weaponOf(const Player& player, const WeaponUse& use, bool joint)
            numberedRecord(5, {{0, use.stance}, {1, use.seconds}, {2, use.kills}, {3, use.shots}, {4, use.experience}});
 }
 
+/// The second game family does not tell stances apart: one record a weapon.
+QList<WeaponUse> withoutStances(const QList<WeaponUse>& uses)
+{
+    QList<WeaponUse> weapons;
+    for (const WeaponUse& use : uses) {
+        const auto same = std::find_if(weapons.begin(), weapons.end(),
+                                       [&use](const WeaponUse& other) { return other.weapon == use.weapon; });
+        if (same == weapons.end()) {
+            weapons += use;
+            continue;
+        }
+        same->seconds += use.seconds;
+        same->kills += use.kills;
+        same->shots += use.shots;
+        same->experience += use.experience;
+    }
+    return weapons;
+}
+
 } // namespace
 
 Answer answerGetPlayerStats(World& world, const Account&, const Request& request)
@@ -83,7 +104,7 @@ Answer answerGetPlayerStats(World& world, const Account&, const Request& request
         const PlayerEntry entry = entryOf(player, joint);
         players += entry.record.toBase64();
         statistics += entry.key.toBase64() + '_' + statisticsOf(player, joint).toBase64();
-        for (const WeaponUse& use : player.weapons)
+        for (const WeaponUse& use : joint ? withoutStances(player.weapons) : player.weapons)
             weapons += weaponOf(player, use, joint).toBase64();
     }
     return {players.join('|') + "[-][-]" + statistics.join('|') + "[-][-]" + weapons.join('|')};

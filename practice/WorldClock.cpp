@@ -130,7 +130,14 @@ void World::addPlayer(Profile& profile)
     int slot = 0;
     while (slotTaken(slot))
         ++slot;
-    const QByteArray name = playerName(below(playerNames));
+    const auto nameTaken = [&](const QByteArray& name) {
+        return std::any_of(profile.players.cbegin(), profile.players.cend(),
+                           [&name](const Player& player) { return player.name == name; });
+    };
+    int number = below(playerNames);
+    while (nameTaken(playerName(number)))
+        ++number;
+    const QByteArray name = playerName(number);
     profile.players += newcomer(name, identityOf(name, below(1000)), slot, slot % 2 + 1);
 }
 

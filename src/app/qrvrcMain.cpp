@@ -11,6 +11,7 @@
 #include "link/LoginExchange.h"
 #include "live/SupportDesk.h"
 #include "live/qrvrcSupport.h"
+#include "live/qrvrcPlayerStats.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
 #include "platform/PathText.h"
@@ -124,7 +125,6 @@ void qrvrcMain::registerWindows()
         Pending{u"qrvrcUpdate", u"Update", u"Update"},
         Pending{u"qrvrcHelp", u"Help", u"Help"},
         Pending{u"qrvrcProfileAdmin", u"Admin", u"Profile Admins"},
-        Pending{u"qrvrcPlayerStats", u"View Player Stats", u"Profile List"},
     };
     WindowRegistry& windows = m_core->windows;
     windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
@@ -146,6 +146,8 @@ void qrvrcMain::registerWindows()
                 [this] { return new qrvrcModify(m_core->client, m_core->selected, m_menu, m_pages); });
     windows.add(u"qrvrcFileManager"_s,
                 [this] { return new qrvrcFileManager(m_core->client, m_core->selected.id, m_pages); });
+    windows.add(u"qrvrcPlayerStats"_s,
+                [this] { return new qrvrcPlayerStats(m_core->client, m_core->selected, m_pages); });
     windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add(u"qrvrcSupport"_s, [this] { return new qrvrcSupport(m_core->client, *m_supportDesk, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });

@@ -47,3 +47,10 @@ RuntimeError::RuntimeError(ErrorNumber number, std::string_view detail, std::sou
     if (!detail.empty())
         m_description.append(": ").append(detail);
 }
+
+RuntimeError RuntimeError::followedBy(std::string_view text) const
+{
+    RuntimeError error = *this;
+    error.m_description.append(text);
+    return error;
+}

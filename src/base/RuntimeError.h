@@ -39,6 +39,9 @@ public:
     explicit RuntimeError(ErrorNumber number, std::string_view detail = {},
                           std::source_location where = std::source_location::current());
 
+    /// The same error with `text` behind its description.
+    RuntimeError followedBy(std::string_view text) const;
+
     ErrorNumber number() const noexcept { return m_number; }
     /// The sentence and, after ": ", the detail; in the code page of the texts that it was made from.
     const std::string& description() const noexcept { return m_description; }

@@ -13,6 +13,8 @@ ReplyDispatcher::ReplyDispatcher(Reporter& reporter, LockableInterface& interfac
 
 void ReplyDispatcher::on(const std::string& request, QObject* owner, Handler handler)
 {
+    if (pendingRequest == request)
+        pendingRequest.clear(); // what is due was asked for by the owner before, and not for this one's purpose
     m_handlers[request] = {owner, std::move(handler)};
 }
 

@@ -23,7 +23,8 @@ public:
     ReplyDispatcher(Reporter& reporter, LockableInterface& interface);
 
     /// Registers the handler for replies to `request`; it is called only while `owner` lives. A handler does not wait
-    /// for replies itself; what must follow a reply it schedules.
+    /// for replies itself; what must follow a reply it schedules. A reply that is due already was asked for by another
+    /// owner and reaches nobody.
     void on(const std::string& request, QObject* owner, Handler handler);
     /// Registers where messages to plugins go.
     void onPluginMessage(QObject* owner, PluginHandler handler);

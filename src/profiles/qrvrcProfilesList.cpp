@@ -30,12 +30,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr std::string_view startableVersion = "Delta Force,  V1.5.0.5";
-
-} // namespace
-
 qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
                                      SelectedProfile& selected, ActionHooks hooks, QWidget* parent)
     : WorkingWindow(parent),
@@ -259,13 +253,15 @@ void qrvrcProfilesList::updateSelection()
         m_selected.row = 0;
         m_selected.id = 0;
         m_selected.status = 0;
+        m_selected.name.clear();
     } else {
         m_selected.row = row + 1;
         m_selected.id = fgProfiles->rows().text(row, Id).toInt();
         m_selected.status = fgProfiles->rows().row(row).data;
+        m_selected.name = m_records->at(static_cast<std::size_t>(row)).name;
         state.isSelected = true;
         state.isHosting = !fgProfiles->rows().text(row, Map).isEmpty();
-        state.isStartable = m_selected.gameVersions.at(static_cast<std::size_t>(m_selected.row)) == startableVersion;
+        state.isStartable = m_selected.gameVersion() == deltaForceVersion;
     }
     m_controls->apply(state);
 }

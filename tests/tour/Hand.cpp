@@ -44,9 +44,9 @@ void click(QAbstractButton* button)
         clickAt(button, button->rect().center());
 }
 
-void clickTab(const QString& strip, const QString& caption)
+void clickTab(const QString& strip, const QString& caption, const QString& container)
 {
-    const auto* bar = seen<QTabBar>(strip);
+    const auto* bar = seen<QTabBar>(strip, container);
     for (int index = 0; bar && index < bar->count(); ++index) {
         if (bar->tabText(index) == caption) {
             clickAt(bar, bar->tabRect(index).center());

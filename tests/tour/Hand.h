@@ -44,7 +44,7 @@ bool hasWindowManager();
 /// Clicks in the middle of a widget. @param container  as for seen()
 void click(const QString& name, const QString& container = {});
 void click(QAbstractButton* button);
-void clickTab(const QString& strip, const QString& caption);
+void clickTab(const QString& strip, const QString& caption, const QString& container = {});
 void clickRow(const QString& grid, int row, Qt::MouseButton button = Qt::LeftButton);
 void clickLine(const QString& list, int row, Qt::MouseButton button = Qt::LeftButton);
 void clickEntry(QMenu* menu, const QString& action);

@@ -6,6 +6,7 @@
 #include "tour/EditorTour.h"
 #include "tour/FilesTour.h"
 #include "tour/PluginTour.h"
+#include "tour/StatsTour.h"
 #include "tour/SupportTour.h"
 #include "tour/Tour.h"
 
@@ -77,6 +78,7 @@ std::vector<MakeAct> actsOf(practice::WebSide& web, const QDir& pictures)
         },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::EditorTour>(frame, web, pictures); },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::FilesTour>(frame, pictures); },
+        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::StatsTour>(frame, pictures); },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::SupportTour>(frame, pictures); },
     };
 }
