@@ -1,5 +1,6 @@
 #include "app/qrvrcMain.h"
 
+#include "admins/qrvrcProfileAdmin.h"
 #include "app/ComponentProbe.h"
 #include "app/HelpKey.h"
 #include "app/Housekeeping.h"
@@ -116,7 +117,6 @@ void qrvrcMain::registerWindows()
         Pending{u"qrvrcPlugins", u"Plugins", u"Plugins"},
         Pending{u"qrvrcUpdate", u"Update", u"Update"},
         Pending{u"qrvrcHelp", u"Help", u"Help"},
-        Pending{u"qrvrcProfileAdmin", u"Admin", u"Profile Admins"},
         Pending{u"qrvrcModify", u"Modify Profile", u"Profile List"},
         Pending{u"qrvrcPlayerStats", u"View Player Stats", u"Profile List"},
         Pending{u"qrvrcFileManager", u"Remote File Viewer", u"Profile List"},
@@ -136,6 +136,9 @@ void qrvrcMain::registerWindows()
         connect(&m_core->pluginHost, &PluginHost::tableChanged, list, &qrvrcProfilesList::followPlugins);
         list->followPlugins();
         return list;
+    });
+    windows.add(u"qrvrcProfileAdmin"_s, [this] {
+        return new qrvrcProfileAdmin(m_core->client, m_core->permissions, m_core->selected, m_pages);
     });
     windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
