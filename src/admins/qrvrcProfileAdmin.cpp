@@ -219,7 +219,7 @@ void qrvrcProfileAdmin::askForChecklist()
     std::erase_if(m_steps, [](const Step& step) { return !step.checklistOf.empty() && step.checklistOf != newAdmin; });
     const std::string name = chosenName();
     m_steps.push_back({getProfileAdminPrivisRequest(m_client.session.user, m_profileId, name), name});
-    work();
+    QTimer::singleShot(0, this, &qrvrcProfileAdmin::work); // behind the key or click, which the list has not yet finished
 }
 
 void qrvrcProfileAdmin::saveAccount(ImageButton* button)
