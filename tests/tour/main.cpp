@@ -3,6 +3,7 @@
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
+#include "tour/AdminTour.h"
 #include "tour/PluginTour.h"
 #include "tour/Tour.h"
 
@@ -72,12 +73,20 @@ int firstDay(practice::WebSide& web, const QDir& pictures)
     return outcome(act.play(), act);
 }
 
-int dayWithPlugins(const practice::WebSide& web, const QDir& pictures)
+int dayWithPlugins(practice::WebSide& web, const QDir& pictures)
 {
     const QTemporaryDir home;
     const QDir examples(QCoreApplication::applicationDirPath() + QStringLiteral("/Plugins"));
     qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
     tour::PluginTour act(frame, QDir(home.path()), examples, pictures);
+    return outcome(act.play(), act);
+}
+
+int dayAmongAccounts(practice::WebSide& web, const QDir& pictures)
+{
+    const QTemporaryDir home;
+    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
+    tour::AdminTour act(frame, pictures);
     return outcome(act.play(), act);
 }
 
@@ -88,8 +97,11 @@ int walk(const QDir& pictures)
         return complain("no port for the web host");
     applyLook();
     try {
-        const int status = firstDay(web, pictures);
-        return status == EXIT_SUCCESS ? dayWithPlugins(web, pictures) : status;
+        for (const auto day : {firstDay, dayWithPlugins, dayAmongAccounts}) {
+            if (const int status = day(web, pictures); status != EXIT_SUCCESS)
+                return status;
+        }
+        return EXIT_SUCCESS;
     } catch (const RuntimeError& error) {
         return complain("the application folder cannot be filled: " + error.description());
     }
