@@ -4,6 +4,7 @@
 
 #include "admins/PrivilegeGrid.h"
 #include "link/Client.h"
+#include "ui/CopyActions.h"
 #include "ui/ImageButton.h"
 
 #include <QComboBox>
@@ -107,6 +108,7 @@ void qrvrcProfileAdmin::buildUsersAndLog()
     lstLog->setVerticalScrollMode(QListView::ScrollPerPixel);
     lstLog->setLayoutMode(QListView::Batched);
     lstLog->setBatchSize(logBatch);
+    addCopyActions(lstLog);
     lblLogEmpty = new QLabel(lstLog->viewport());
     lblLogEmpty->setObjectName(u"lblLogEmpty"_s);
     lblLogEmpty->setAlignment(Qt::AlignCenter);
