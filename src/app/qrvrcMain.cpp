@@ -1,5 +1,6 @@
 #include "app/qrvrcMain.h"
 
+#include "admins/qrvrcProfileAdmin.h"
 #include "app/ComponentProbe.h"
 #include "app/HelpKey.h"
 #include "app/Housekeeping.h"
@@ -124,7 +125,6 @@ void qrvrcMain::registerWindows()
         Pending{u"qrvrcPlugins", u"Plugins", u"Plugins"},
         Pending{u"qrvrcUpdate", u"Update", u"Update"},
         Pending{u"qrvrcHelp", u"Help", u"Help"},
-        Pending{u"qrvrcProfileAdmin", u"Admin", u"Profile Admins"},
     };
     WindowRegistry& windows = m_core->windows;
     windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
@@ -148,6 +148,9 @@ void qrvrcMain::registerWindows()
                 [this] { return new qrvrcFileManager(m_core->client, m_core->selected.id, m_pages); });
     windows.add(u"qrvrcPlayerStats"_s,
                 [this] { return new qrvrcPlayerStats(m_core->client, m_core->selected, m_pages); });
+    windows.add(u"qrvrcProfileAdmin"_s, [this] {
+        return new qrvrcProfileAdmin(m_core->client, m_core->permissions, m_core->selected, m_pages);
+    });
     windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add(u"qrvrcSupport"_s, [this] { return new qrvrcSupport(m_core->client, *m_supportDesk, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });

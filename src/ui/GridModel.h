@@ -33,7 +33,7 @@ struct GridRow
     std::vector<GridPicture> pictures; ///< at most one a column; covers the column's text
     qint32 data = 0;                   ///< the row's data value
     QString toolTip = {};              ///< shown over the whole row; without it, tool tips show what is cut off
-    bool title = false;                ///< first cell in bold across all columns
+    bool title = false; ///< in bold; the first cell across all columns when the others are empty or the same
 };
 
 /// The rows of a grid. Row r of the old numbering, whose row 0 is the header, is model row r - 1.

@@ -29,6 +29,13 @@ constexpr int headerFontSteps = 3;
 constexpr qreal headerFontStep = 0.5;    // points
 constexpr QStringView lineEnd = u"\r\n"; // of copied rows
 
+/// Whether nothing is lost when the first cell covers the others.
+bool isOneText(const GridRow& row)
+{
+    return std::all_of(row.cells.begin(), row.cells.end(),
+                       [&row](const QString& cell) { return cell.isEmpty() || cell == row.cells.front(); });
+}
+
 } // namespace
 
 GridView::GridView(const QString& name, QWidget* parent)
@@ -252,7 +259,7 @@ void GridView::spanTitles(int firstRow)
 {
     const int columns = m_model->isLazy() ? 0 : m_model->columnCount();
     for (int row = firstRow; columns > 1 && row < m_model->rowCount(); ++row) {
-        if (m_model->row(row).title)
+        if (m_model->row(row).title && isOneText(m_model->row(row)))
             setSpan(row, 0, 1, columns);
     }
 }
