@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/Fault.h"
+#include "practice/RecoveryTool.h"
 
 #include <QByteArray>
 #include <QList>
@@ -31,12 +32,14 @@ struct Options
 {
     quint16 port = 0;            ///< 0 for any free one
     quint16 webPort = 0;         ///< 0 for any free one
+    quint16 recoveryPort = 0;    ///< 0 for any free one
     QByteArray world = "lively"; ///< "lively", "small" or a number of profiles
     quint32 seed = 1;
     bool still = false; ///< the world does not move on
     bool verbose = false;
     QList<Misbehaviour> misbehaviours;
     QList<PluginChoice> plugins;
+    RecoveryTool::Manner recoveryManner = RecoveryTool::Manner::Proper;
 };
 
 /// A text for standard output after which the program ends well.

@@ -1,4 +1,5 @@
 #include "practice/Options.h"
+#include "practice/RecoveryTool.h"
 #include "practice/ScriptPages.h"
 #include "practice/Tracker.h"
 #include "practice/WebSide.h"
@@ -74,6 +75,8 @@ int serve(QCoreApplication& app, const Options& options)
             tracker.world().removePlugin(choice.name);
     }
     WebSide web;
+    RecoveryTool recovery(tracker);
+    recovery.manner = options.recoveryManner;
     for (const Misbehaviour& misbehaviour : options.misbehaviours) {
         if (misbehaviour.request == "*")
             tracker.answerAll(misbehaviour.fault);
@@ -86,21 +89,24 @@ int serve(QCoreApplication& app, const Options& options)
         });
         QObject::connect(&tracker, &Tracker::linksChanged, &app,
                          [](int links) { std::fprintf(stderr, "links %d\n", links); });
+        QObject::connect(&recovery, &RecoveryTool::commandReceived, &app, [](const QByteArray& verb) {
+            std::fprintf(stderr, "recovery %s\n", verb.toPercentEncoding(" ").constData());
+        });
         QObject::connect(&web, &WebSide::reportReceived, &app, [](const QByteArray& body) {
             std::fprintf(stderr, "report, %lld bytes\n", static_cast<long long>(body.size()));
         });
         QObject::connect(&web.scripts(), &ScriptPages::requested, &app,
                          [](const QByteArray& address) { std::fprintf(stderr, "script %s\n", address.constData()); });
     }
-    if (!tracker.listen(options.port) || !web.listen(options.webPort)) {
-        std::fprintf(stderr, "qrvrc-practice: port %d or %d of 127.0.0.1 cannot be had\n", options.port,
-                     options.webPort);
+    if (!tracker.listen(options.port) || !web.listen(options.webPort) || !recovery.listen(options.recoveryPort)) {
+        std::fprintf(stderr, "qrvrc-practice: port %d, %d or %d of 127.0.0.1 cannot be had\n", options.port,
+                     options.webPort, options.recoveryPort);
         return EXIT_FAILURE;
     }
     tracker.setLively(!options.still);
     const QByteArray webBase = web.base().toEncoded();
-    std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\n", tracker.port(), webBase.constData(),
-                webBase.constData());
+    std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\nrecovery tool 127.0.0.1:%d\n", tracker.port(),
+                webBase.constData(), webBase.constData(), recovery.port());
     std::fflush(stdout);
     return QCoreApplication::exec();
 }
