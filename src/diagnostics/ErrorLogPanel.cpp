@@ -191,8 +191,10 @@ void ErrorLogPanel::concludeSending(ErrorLogSender::End end)
         text += u" The log was deleted."_s;
     else if (fate == ErrorLog::FileFate::HoldsNewOnly)
         text += u" What is shown now was logged meanwhile."_s;
-    else if (!m_log.isBlank())
+    else if (std::any_of(m_log.pieces().begin(), m_log.pieces().end(), isReportable))
         text += u" What is left stays in the log and can be sent again."_s;
+    else if (!m_log.isBlank())
+        text += u" What is left belongs to no entry and stays in the log."_s;
     m_note = text;
     applyState();
     if (isVisible())

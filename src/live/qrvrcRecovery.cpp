@@ -57,6 +57,7 @@ qrvrcRecovery::qrvrcRecovery(Client& client, const Limits& limits, QWidget* pare
     buildControls();
     placeControls();
     wireSignals();
+    cboProfile->setFocus();
     // Behind the constructor: a store that cannot be read is told in a box, which needs the window to stand.
     QTimer::singleShot(0, this, m_client.reporter.trapped("Recovery_FormLoad", [this] { loadProfileNames(); }));
 }
@@ -130,9 +131,7 @@ void qrvrcRecovery::placeControls()
 
 void qrvrcRecovery::wireSignals()
 {
-    const auto commanded = m_client.reporter.trapped("cmdSendCmd", [this] { send(); });
-    connect(cmdSendCmd, &ImageButton::activated, this, commanded);
-    connect(txtPort, &QLineEdit::returnPressed, this, commanded);
+    connect(cmdSendCmd, &ImageButton::activated, this, &qrvrcRecovery::send);
     connect(cmdCancel, &ImageButton::activated, this, &qrvrcRecovery::cancel);
     connect(cmdClose, &ImageButton::activated, this, &QDialog::reject);
     connect(&wsRecov, &Winsock::connected, this, &qrvrcRecovery::sendCommand);
@@ -159,7 +158,8 @@ void qrvrcRecovery::send()
     if (m_isBusy)
         return;
     lblNote->clear();
-    const std::optional<Target> found = target();
+    std::optional<Target> found;
+    m_client.reporter.trap("cmdSendCmd", [&] { found = target(); });
     if (!found)
         return;
     m_command = found->command;
@@ -310,6 +310,8 @@ void qrvrcRecovery::keyPressEvent(QKeyEvent* event)
 {
     if (m_isBusy && event->matches(QKeySequence::Cancel))
         cancel();
+    else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        send(); // from wherever it is pressed
     else
         QDialog::keyPressEvent(event);
 }
