@@ -35,9 +35,7 @@ void ErrorLog::clear()
 
 bool ErrorLog::isBlank() const
 {
-    return std::all_of(m_pieces.begin(), m_pieces.end(), [](std::string_view piece) {
-        return piece.find_first_not_of(" \t\r\n") == std::string_view::npos;
-    });
+    return std::all_of(m_pieces.begin(), m_pieces.end(), ::isBlank);
 }
 
 void ErrorLog::take(std::size_t piece)

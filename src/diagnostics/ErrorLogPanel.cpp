@@ -208,7 +208,7 @@ void ErrorLogPanel::previewReports()
     for (const std::string_view piece : m_log.pieces()) {
         if (isReportable(piece))
             reports.emplace_back(piece);
-        else if (piece.find_first_not_of(" \t\r\n") != std::string_view::npos)
+        else if (!isBlank(piece))
             ++silent;
     }
     auto* preview = new ErrorReportPreview({.pieces = std::move(reports),

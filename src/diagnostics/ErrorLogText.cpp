@@ -125,13 +125,19 @@ std::vector<std::string_view> splitErrorLog(std::string_view log)
     };
     Lines lines(log);
     while (const std::optional<std::string_view> line = lines.next()) {
-        if (line->starts_with(errorStartLine))
-            cutAt(lines.start() - std::min(lines.start() - begun, lineEnd.size()));
+        const std::string_view before = log.substr(begun, lines.start() - begun);
+        if (line->starts_with(errorStartLine) && !isBlank(before))
+            cutAt(lines.start() - lineEnd.size());
         if (const auto end = endLineIn(*line))
             cutAt(lines.start() + *end + errorEndLine.size());
     }
     cutAt(log.size());
     return pieces;
+}
+
+bool isBlank(std::string_view text)
+{
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
 
 bool isReportable(std::string_view piece)

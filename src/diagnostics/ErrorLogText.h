@@ -9,10 +9,13 @@
 /// The error log read back. It is a text file that people may have edited and a crash may have cut off, so nothing in
 /// it is a fault: what can be read is read, the rest stays as it is.
 
-/// The log cut into its blocks. A piece begins with a start line, together with the line break before it, or behind an
-/// end line; put together again the pieces are the log, byte for byte.
+/// The log cut into its blocks. A piece begins with a start line, together with the line break and blank lines before
+/// it, or behind an end line; put together again the pieces are the log, byte for byte.
 /// @param log  lines that CR LF separates; the views point into it
 std::vector<std::string_view> splitErrorLog(std::string_view log);
+
+/// Whether there is nothing but blanks and line breaks in it.
+bool isBlank(std::string_view text);
 
 /// Whether the piece holds anything that a report could tell: a labelled value or a dump.
 bool isReportable(std::string_view piece);

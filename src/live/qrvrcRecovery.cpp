@@ -115,7 +115,7 @@ void qrvrcRecovery::placeControls()
     fmeRecov->setGeometry(margin, top, width, frameHeight);
     int optionTop = 34;
     for (QRadioButton* option : Option1) {
-        option->setGeometry(margin + 8, optionTop, width - 2 * margin, fieldHeight);
+        option->setGeometry(margin + 8, optionTop, option->sizeHint().width(), fieldHeight);
         optionTop += 27;
     }
     const int buttonTop = windowSize.height() - margin - buttonSize.height();

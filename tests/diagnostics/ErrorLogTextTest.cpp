@@ -100,6 +100,8 @@ private Q_SLOTS:
         QTest::newRow("nothing") << QByteArray() << QByteArrayList{};
         QTest::newRow("no line break before the first") << block.mid(2) + other << QByteArrayList{"one", "two"};
         QTest::newRow("a note between them") << block + "\r\nmy note" + other << QByteArrayList{"one", "-", "two"};
+        QTest::newRow("blank lines between them")
+            << "\r\n" + block + "\r\n \r\n" + other << QByteArrayList{"one", "two"};
         QTest::newRow("cut off in its values")
             << block + other.left(other.indexOf("Error No.")) << QByteArrayList{"one", ""};
         QTest::newRow("cut off in a dump") << other.left(other.indexOf("System Dump")) << QByteArrayList{"two"};

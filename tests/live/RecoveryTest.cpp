@@ -99,7 +99,8 @@ private Q_SLOTS:
         QVERIFY(QGuiApplication::overrideCursor());
         QVERIFY(rig.isTold(u"QRVRC"_s, u"The tracker has been shut down."_s));
         QTRY_COMPARE(rig.tracker.links(), 0);
-        QVERIFY(!rig.connect());
+        rig.link.connectTo(u"127.0.0.1"_s, rig.tracker.port());
+        QTRY_COMPARE(rig.link.state(), SocketState::Error);
         rig.order(2);
         QVERIFY(rig.isTold(u"QRVRC"_s, u"The tracker is not running."_s));
         rig.order(0);

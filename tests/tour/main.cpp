@@ -4,6 +4,7 @@
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
 #include "tour/EditorTour.h"
+#include "tour/HelpCentreTour.h"
 #include "tour/PluginTour.h"
 #include "tour/Tour.h"
 
@@ -90,6 +91,14 @@ int dayWithTheEditor(practice::WebSide& web, const QDir& pictures)
     return outcome(act.play(), act);
 }
 
+int dayOfTrouble(practice::WebSide& web, const QDir& pictures)
+{
+    const QTemporaryDir home;
+    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
+    tour::HelpCentreTour act(frame, web, pictures);
+    return outcome(act.play(), act);
+}
+
 int walk(const QDir& pictures)
 {
     practice::WebSide web;
@@ -102,6 +111,8 @@ int walk(const QDir& pictures)
             status = dayWithPlugins(web, pictures);
         if (status == EXIT_SUCCESS)
             status = dayWithTheEditor(web, pictures);
+        if (status == EXIT_SUCCESS)
+            status = dayOfTrouble(web, pictures);
         return status;
     } catch (const RuntimeError& error) {
         return complain("the application folder cannot be filled: " + error.description());
