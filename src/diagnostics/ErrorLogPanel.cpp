@@ -28,6 +28,7 @@ constexpr int lineHeight = 20;
 constexpr QSize buttonSize(150, 30);
 
 constexpr auto sliceTime = 8ms; // of an event-loop turn that fills the text box
+constexpr std::size_t sliceBytes = 16 * 1024;
 
 /// Characters that a piece takes up in the text box, where a line break is one.
 int shownLength(std::string_view piece)
@@ -133,6 +134,7 @@ void ErrorLogPanel::showLog()
 {
     txtErrLog->clear();
     m_filled = 0;
+    m_filledPart = 0;
     fillOn();
 }
 
@@ -143,8 +145,18 @@ void ErrorLogPanel::fillOn()
     QTextCursor end(txtErrLog->document());
     end.movePosition(QTextCursor::End);
     const std::vector<std::string_view>& pieces = m_log.pieces();
-    while (m_filled < pieces.size() && !over.hasExpired())
-        end.insertText(m_client.codePage.toText(pieces[m_filled++]));
+    while (m_filled < pieces.size() && !over.hasExpired()) {
+        // A log without order may be one huge piece. A line break is not torn apart.
+        std::string_view slice = pieces[m_filled].substr(m_filledPart, sliceBytes);
+        if (slice.ends_with('\r'))
+            slice = pieces[m_filled].substr(m_filledPart, slice.size() + 1);
+        end.insertText(m_client.codePage.toText(slice));
+        m_filledPart += slice.size();
+        if (m_filledPart == pieces[m_filled].size()) {
+            m_filledPart = 0;
+            ++m_filled;
+        }
+    }
     if (m_filled < pieces.size())
         m_filling.start();
     else

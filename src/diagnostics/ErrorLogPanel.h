@@ -45,8 +45,9 @@ private:
     ErrorLogSender* m_sender;
     QString m_pageAddress;
     QTimer m_filling;
-    std::size_t m_filled = 0; ///< pieces that are in the text box
-    QString m_note;           ///< what the last action has to say
+    std::size_t m_filled = 0;     ///< pieces that are in the text box
+    std::size_t m_filledPart = 0; ///< bytes of the next piece that are
+    QString m_note;               ///< what the last action has to say
 
     QPlainTextEdit* txtErrLog = nullptr;
     QLabel* lblErrLog = nullptr;
