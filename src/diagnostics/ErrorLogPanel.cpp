@@ -188,6 +188,7 @@ void ErrorLogPanel::removePiece(std::size_t piece, std::string_view text)
 
 void ErrorLogPanel::concludeSending(ErrorLogSender::End end)
 {
+    const bool hadKeyboard = cmdStopErrors->hasFocus();
     ErrorLog::FileFate fate = ErrorLog::FileFate::Stays;
     m_client.reporter.trap("cmdSendErrors", [&] {
         const bool hadTwins = m_log.takeTwins();
@@ -209,7 +210,7 @@ void ErrorLogPanel::concludeSending(ErrorLogSender::End end)
         text += u" What is left belongs to no entry and stays in the log."_s;
     m_note = text;
     applyState();
-    if (isVisible())
+    if (hadKeyboard)
         (cmdSendErrors->isEnabled() ? static_cast<QWidget*>(cmdSendErrors) : cmdCloseErrors)->setFocus();
 }
 
@@ -245,6 +246,7 @@ void ErrorLogPanel::closePanel()
 {
     m_sender->stop();
     hide();
+    Q_EMIT closed();
 }
 
 void ErrorLogPanel::applyState()

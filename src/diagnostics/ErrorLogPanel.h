@@ -24,6 +24,10 @@ public:
     /// Reads the log and shows the panel. While reports are going out the log stays as it is.
     void view();
 
+Q_SIGNALS:
+    /// The user has closed the panel.
+    void closed();
+
 protected:
     void resizeEvent(QResizeEvent* event) override;
 

@@ -82,6 +82,7 @@ void qrvrcHelp::wireSignals()
     // The log opens when the button goes down; the keyboard stays with the button until it is up again.
     connect(cmdViewErrors, &ImageButton::pressed, fmeErrors, &ErrorLogPanel::view);
     connect(cmdViewErrors, &ImageButton::clicked, fmeErrors, [this] { fmeErrors->setFocus(); });
+    connect(fmeErrors, &ErrorLogPanel::closed, cmdViewErrors, [this] { cmdViewErrors->setFocus(); });
 }
 
 void qrvrcHelp::openRecovery()
