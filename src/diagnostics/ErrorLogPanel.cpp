@@ -43,7 +43,7 @@ QString reportCount(std::size_t count)
 
 } // namespace
 
-ErrorLogPanel::ErrorLogPanel(Client& client, ErrorReportPage page, QWidget* parent)
+ErrorLogPanel::ErrorLogPanel(Client& client, const ErrorReportPage& page, QWidget* parent)
     : QGroupBox(u"Error Log"_s, parent),
       m_client(client),
       m_log(client.store, client.folder),

@@ -19,7 +19,7 @@ class ErrorLogPanel : public QGroupBox
 
 public:
     /// @param client  outlives the panel
-    ErrorLogPanel(Client& client, ErrorReportPage page, QWidget* parent);
+    ErrorLogPanel(Client& client, const ErrorReportPage& page, QWidget* parent);
 
     /// Reads the log and shows the panel. While reports are going out the log stays as it is.
     void view();
