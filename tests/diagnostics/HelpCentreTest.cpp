@@ -2,6 +2,7 @@
 
 #include "diagnostics/ErrorLogText.h"
 #include "link/Client.h"
+#include "platform/Inet.h"
 #include "practice/WebSide.h"
 #include "store/FileBytes.h"
 #include "support/LinkRig.h"
@@ -24,7 +25,9 @@ struct Rig : LinkRig
     PictureStore pictures{folder};
     WindowRegistry windows;
     QString helpSection;
-    Client client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection};
+    Inet inet;
+    Client client{link,     replies, session,  store,    folder,  inet,
+                  reporter, boxes,   codePage, pictures, windows, helpSection};
     practice::WebSide web;
     QWidget page;
     std::filesystem::path manual;

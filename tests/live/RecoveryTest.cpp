@@ -1,6 +1,7 @@
 #include "live/qrvrcRecovery.h"
 
 #include "link/Client.h"
+#include "platform/Inet.h"
 #include "practice/RecoveryTool.h"
 #include "store/FileBytes.h"
 #include "support/LinkRig.h"
@@ -30,7 +31,9 @@ struct Rig : LinkRig
     PictureStore pictures{folder};
     WindowRegistry windows;
     QString helpSection;
-    Client client{link, replies, session, store, folder, reporter, boxes, codePage, pictures, windows, helpSection};
+    Inet inet;
+    Client client{link,     replies, session,  store,    folder,  inet,
+                  reporter, boxes,   codePage, pictures, windows, helpSection};
     practice::RecoveryTool tool{tracker};
     QPointer<qrvrcRecovery> console;
 
