@@ -38,6 +38,14 @@ QByteArray worldOf(const QString& text)
     return text.toLatin1();
 }
 
+RecoveryTool::Manner mannerOf(const QString& text)
+{
+    const std::optional<RecoveryTool::Manner> manner = RecoveryTool::parse(text.toLatin1());
+    if (!manner)
+        throw BadUsage{u"--recovery takes %1, not \"%2\""_s.arg(QString::fromLatin1(RecoveryTool::names()), text)};
+    return *manner;
+}
+
 Misbehaviour misbehaviourOf(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
@@ -77,6 +85,9 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
         {u"port"_s, u"Port of the host link; 0 for any free one."_s, u"N"_s, u"0"_s},
         {u"web-port"_s, u"Port of the web pages; 0 for any free one."_s, u"N"_s, u"0"_s},
         {u"support-port"_s, u"Port of the support link; 0 for any free one."_s, u"N"_s, u"0"_s},
+        {u"recovery-port"_s, u"Port of the recovery tool; 0 for any free one."_s, u"N"_s, u"0"_s},
+        {u"recovery"_s, u"How the recovery tool answers: %1."_s.arg(QString::fromLatin1(RecoveryTool::names())),
+         u"MANNER"_s, u"proper"_s},
         {u"world"_s, u"lively, small, or a number of profiles."_s, u"WORLD"_s, u"lively"_s},
         {u"seed"_s, u"Seed of everything that happens by chance."_s, u"N"_s, u"1"_s},
         {u"big-log"_s, u"Every profile has a chat log of N MiB, dated today."_s, u"N"_s, u"0"_s},
@@ -109,6 +120,8 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
         options.port = static_cast<quint16>(numberOf(parser, u"port"_s, 65535));
         options.webPort = static_cast<quint16>(numberOf(parser, u"web-port"_s, 65535));
         options.supportPort = static_cast<quint16>(numberOf(parser, u"support-port"_s, 65535));
+        options.recoveryPort = static_cast<quint16>(numberOf(parser, u"recovery-port"_s, 65535));
+        options.recoveryManner = mannerOf(parser.value(u"recovery"_s));
         options.world = worldOf(parser.value(u"world"_s));
         options.seed = numberOf(parser, u"seed"_s, 0xFFFFFFFF);
         options.bigLog = static_cast<int>(numberOf(parser, u"big-log"_s, maxLogMebibytes));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/Fault.h"
+#include "practice/RecoveryTool.h"
 
 #include <QByteArray>
 #include <QList>
@@ -32,6 +33,7 @@ struct Options
     quint16 port = 0;            ///< 0 for any free one
     quint16 webPort = 0;         ///< 0 for any free one
     quint16 supportPort = 0;     ///< 0 for any free one
+    quint16 recoveryPort = 0;    ///< 0 for any free one
     QByteArray world = "lively"; ///< "lively", "small" or a number of profiles
     quint32 seed = 1;
     int bigLog = 0;     ///< MiB of a chat log that every profile has; 0 for none
@@ -39,6 +41,7 @@ struct Options
     bool verbose = false;
     QList<Misbehaviour> misbehaviours;
     QList<PluginChoice> plugins;
+    RecoveryTool::Manner recoveryManner = RecoveryTool::Manner::Proper;
 };
 
 /// A text for standard output after which the program ends well.

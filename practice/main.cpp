@@ -1,4 +1,5 @@
 #include "practice/Options.h"
+#include "practice/RecoveryTool.h"
 #include "practice/ScriptPages.h"
 #include "practice/SupportSide.h"
 #include "practice/Tracker.h"
@@ -80,6 +81,8 @@ int serve(QCoreApplication& app, const Options& options)
     WebSide web;
     SupportSide support(options.seed);
     support.thinks = operatorThinks;
+    RecoveryTool recovery(tracker);
+    recovery.manner = options.recoveryManner;
     for (const Misbehaviour& misbehaviour : options.misbehaviours) {
         if (misbehaviour.request == "*")
             tracker.answerAll(misbehaviour.fault);
@@ -95,6 +98,8 @@ int serve(QCoreApplication& app, const Options& options)
                          [](int links) { std::fprintf(stderr, "links %d\n", links); });
         QObject::connect(&support, &SupportSide::textReceived, &app, [](const QByteArray& text) {
             std::fprintf(stderr, "support %s\n", text.left(text.indexOf('_')).toPercentEncoding(" ").constData());
+        QObject::connect(&recovery, &RecoveryTool::commandReceived, &app, [](const QByteArray& verb) {
+            std::fprintf(stderr, "recovery %s\n", verb.toPercentEncoding(" ").constData());
         });
         QObject::connect(&web, &WebSide::reportReceived, &app, [](const QByteArray& body) {
             std::fprintf(stderr, "report, %lld bytes\n", static_cast<long long>(body.size()));
@@ -105,6 +110,8 @@ int serve(QCoreApplication& app, const Options& options)
     if (!tracker.listen(options.port) || !web.listen(options.webPort) || !support.listen(options.supportPort)) {
         std::fprintf(stderr, "qrvrc-practice: port %d, %d or %d of 127.0.0.1 cannot be had\n", options.port,
                      options.webPort, options.supportPort);
+    if (!tracker.listen(options.port) || !web.listen(options.webPort) || !recovery.listen(options.recoveryPort)) {
+                     options.webPort, options.recoveryPort);
         return EXIT_FAILURE;
     }
     tracker.world().supportPort = support.port();
@@ -113,6 +120,8 @@ int serve(QCoreApplication& app, const Options& options)
     const QByteArray webBase = web.base().toEncoded();
     std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\nsupport link 127.0.0.1:%d\n", tracker.port(),
                 webBase.constData(), webBase.constData(), support.port());
+    std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\nrecovery tool 127.0.0.1:%d\n", tracker.port(),
+                webBase.constData(), webBase.constData(), recovery.port());
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

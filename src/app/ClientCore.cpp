@@ -1,19 +1,21 @@
 #include "app/ClientCore.h"
 
-#include <chrono>
-
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto reportLimit = 10s;
+QUrl reportUrl(QUrl makerHost)
+{
+    makerHost.setPath(u"/quorbeta/ErrorReports.php"_s);
+    return makerHost;
+}
 
 } // namespace
 
 ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterface& interface, HelpOpener showHelp)
     : folder(setup.folder),
-      store(folder, services(setup.makerHost, std::move(showHelp))),
+      reportPage{.url = reportUrl(setup.makerHost)},
+      store(folder, services(std::move(showHelp))),
       reporter(store, boxes, codePage, setup.version),
       pictures(folder,
                [this](const std::string& name) {
@@ -47,7 +49,7 @@ PluginAccess ClientCore::pluginAccess()
     };
 }
 
-HelperServices ClientCore::services(const QUrl& makerHost, HelpOpener showHelp)
+HelperServices ClientCore::services(HelpOpener showHelp)
 {
     return {
         .updateWarning =
@@ -57,11 +59,9 @@ HelperServices ClientCore::services(const QUrl& makerHost, HelpOpener showHelp)
                 showHelp(file, codePage.toText(topic));
             },
         .postErrorReport =
-            [this, makerHost](const std::string& report, std::function<void(bool)> done) {
-                QUrl page = makerHost;
-                page.setPath(u"/quorbeta/ErrorReports.php"_s);
-                inet.post(page, QByteArray("Report=").append(QByteArray::fromStdString(report)), reportLimit,
-                          [done = std::move(done)](const PageAnswer& answer) {
+            [this](const std::string& report, std::function<void(bool)> done) {
+                inet.post(reportPage.url, QByteArray("Report=").append(QByteArray::fromStdString(report)),
+                          reportPage.limit, [done = std::move(done)](const PageAnswer& answer) {
                               done(answer.isGood() && answer.body == "1");
                           });
             },

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "diagnostics/ErrorLogSender.h"
 #include "diagnostics/Reporter.h"
 #include "link/Client.h"
 #include "link/ReplyDispatcher.h"
@@ -50,6 +51,7 @@ struct ClientCore
     CodePage codePage;
     Session session;
     Inet inet;
+    ErrorReportPage reportPage;
     clsMFD store;
     Reporter reporter;
     PictureStore pictures;
@@ -70,5 +72,5 @@ struct ClientCore
 
 private:
     PluginAccess pluginAccess();
-    HelperServices services(const QUrl& makerHost, HelpOpener showHelp);
+    HelperServices services(HelpOpener showHelp);
 };

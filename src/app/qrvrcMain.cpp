@@ -8,11 +8,13 @@
 #include "app/UpdaterHandOver.h"
 #include "app/qrvrcAbout.h"
 #include "app/qrvrcProgress.h"
+#include "diagnostics/qrvrcHelp.h"
 #include "diagnostics/qrvrcHelpViewer.h"
 #include "link/LoginExchange.h"
 #include "live/SupportDesk.h"
 #include "live/qrvrcSupport.h"
 #include "live/qrvrcPlayerStats.h"
+#include "live/qrvrcRecovery.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
 #include "platform/PathText.h"
@@ -28,6 +30,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QStatusBar>
 #include <QTime>
 
@@ -124,7 +127,6 @@ void qrvrcMain::registerWindows()
         Pending{u"qrvrcOptions", u"Options", u"Options"},
         Pending{u"qrvrcPlugins", u"Plugins", u"Plugins"},
         Pending{u"qrvrcUpdate", u"Update", u"Update"},
-        Pending{u"qrvrcHelp", u"Help", u"Help"},
     };
     WindowRegistry& windows = m_core->windows;
     windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
@@ -154,6 +156,19 @@ void qrvrcMain::registerWindows()
     windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add(u"qrvrcSupport"_s, [this] { return new qrvrcSupport(m_core->client, *m_supportDesk, this); });
     windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
+    windows.add(u"qrvrcRecovery"_s,
+                [this] { return new qrvrcRecovery(m_core->client, qrvrcRecovery::Limits(), this); });
+    windows.add(u"qrvrcHelp"_s, [this] {
+        const HelpHooks hooks{
+            .showManual = [this](const std::filesystem::path& file) { openManual(file); },
+            .openSupport =
+                [this] {
+                    m_core->reporter.ReportMsg(MessageKind::Failed, u"This version has no support console yet."_s);
+                },
+            .page = m_core->reportPage,
+        };
+        return new qrvrcHelp(m_core->client, hooks, m_pages);
+    });
     for (const Pending& window : pending) {
         const QString name = QString::fromUtf16(window.window);
         windows.add(name, [this, name, window] {
@@ -328,6 +343,15 @@ void qrvrcMain::showHelp(const std::filesystem::path& file, const QString& topic
     m_helpViewer->showTopic(file, topic);
 }
 
+void qrvrcMain::openManual(const std::filesystem::path& file)
+{
+#ifdef Q_OS_WIN
+    QDesktopServices::openUrl(QUrl::fromLocalFile(textOf(file)));
+#else
+    showHelp(file, {}); // no other system brings a viewer for such files
+#endif
+}
+
 void qrvrcMain::lockInterface()
 {
     // A reply is handled before the next event, so locking is no matter of widgets: greying the frame would repaint it
@@ -379,6 +403,7 @@ void qrvrcMain::unload()
     m_helpKey.reset();
     m_core->reporter.silence();
     m_helpViewer.reset();
+    m_core->windows.unload(u"qrvrcRecovery"_s);
     m_core->link.closeSupportLink();
     m_core->link.close(); // ends the waits that are open
     QCoreApplication::quit();

@@ -61,6 +61,8 @@ private:
     void leave(WorkingWindow& window);
     void closeFront();
     void showHelp(const std::filesystem::path& file, const QString& topic);
+    /// Opens a help file at its beginning, in the system's viewer where it has one.
+    void openManual(const std::filesystem::path& file);
     void unload();
     qrvrcLogin& login();
 

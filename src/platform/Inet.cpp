@@ -72,14 +72,19 @@ QNetworkAccessManager& Inet::network()
 void Inet::post(const QUrl& url, const QByteArray& body, std::chrono::milliseconds limit,
                 std::function<void(const PageAnswer&)> done)
 {
-    QNetworkRequest request(url);
-    request.setHeader(QNetworkRequest::ContentTypeHeader, u"application/x-www-form-urlencoded"_s);
-    auto* page = new PageFetch(network().post(request, body), limit);
+    PageFetch* page = post(url, body, limit).release();
     page->setParent(this);
     connect(page, &PageFetch::finished, this, [page, done = std::move(done)] {
         page->deleteLater();
         done(page->answer());
     });
+}
+
+std::unique_ptr<PageFetch> Inet::post(const QUrl& url, const QByteArray& body, std::chrono::milliseconds limit)
+{
+    QNetworkRequest request(url);
+    request.setHeader(QNetworkRequest::ContentTypeHeader, u"application/x-www-form-urlencoded"_s);
+    return std::make_unique<PageFetch>(network().post(request, body), limit);
 }
 
 std::unique_ptr<PageFetch> Inet::get(const QUrl& url, std::chrono::milliseconds limit)

@@ -64,6 +64,8 @@ public:
     /// @param done   called once from the event loop, not when this object is gone first
     void post(const QUrl& url, const QByteArray& body, std::chrono::milliseconds limit,
               std::function<void(const PageAnswer&)> done);
+    /// The same for a sender that may cancel: deleting what is returned ends the transfer.
+    std::unique_ptr<PageFetch> post(const QUrl& url, const QByteArray& body, std::chrono::milliseconds limit);
     /// Fetches a page of at most 1 MiB, following redirects; a longer one is cut off.
     /// @param limit  as above
     std::unique_ptr<PageFetch> get(const QUrl& url, std::chrono::milliseconds limit);

@@ -24,6 +24,7 @@ private Q_SLOTS:
         QTest::newRow("plugin without a version") << QStringList{u"--plugin"_s, u"Match Watch"_s};
         QTest::newRow("plugin without a name") << QStringList{u"--plugin"_s, u"=1000"_s};
         QTest::newRow("separator in a version") << QStringList{u"--plugin"_s, u"Match Watch=1-0"_s};
+        QTest::newRow("no such manner") << QStringList{u"--recovery"_s, u"rude"_s};
         QTest::newRow("fault without a request") << QStringList{u"--misbehave"_s, u"=never"_s};
     }
     void badUsageIsOneLineAndTwo()
@@ -46,6 +47,7 @@ private Q_SLOTS:
                                                          u"--misbehave"_s, u"*=empty"_s, u"--verbose"_s});
         QByteArray output;
         QTRY_VERIFY((output += program.readAllStandardOutput()).count('\n') >= 3);
+        QTRY_VERIFY((output += program.readAllStandardOutput()).count('\n') == 4);
         const QList<QByteArray> lines = output.split('\n');
         QVERIFY(lines[0].startsWith("host link 127.0.0.1:"));
         QVERIFY(QUrl::fromEncoded(lines[1].mid(4)).port() > 0);
@@ -74,6 +76,7 @@ private Q_SLOTS:
                                                          u"--plugin"_s, u"Match Watch="_s, u"--plugin"_s, u"X=9999"_s});
         QByteArray output;
         QTRY_VERIFY((output += program.readAllStandardOutput()).contains('\n'));
+        QTRY_VERIFY((output += program.readAllStandardOutput()).count('\n') == 4);
         const QByteArray first = output.left(output.indexOf('\n'));
         QTcpSocket socket;
         socket.connectToHost(u"127.0.0.1"_s, first.mid(first.lastIndexOf(':') + 1).toUShort());
