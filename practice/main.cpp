@@ -98,6 +98,7 @@ int serve(QCoreApplication& app, const Options& options)
                          [](int links) { std::fprintf(stderr, "links %d\n", links); });
         QObject::connect(&support, &SupportSide::textReceived, &app, [](const QByteArray& text) {
             std::fprintf(stderr, "support %s\n", text.left(text.indexOf('_')).toPercentEncoding(" ").constData());
+        });
         QObject::connect(&recovery, &RecoveryTool::commandReceived, &app, [](const QByteArray& verb) {
             std::fprintf(stderr, "recovery %s\n", verb.toPercentEncoding(" ").constData());
         });
@@ -107,11 +108,10 @@ int serve(QCoreApplication& app, const Options& options)
         QObject::connect(&web.scripts(), &ScriptPages::requested, &app,
                          [](const QByteArray& address) { std::fprintf(stderr, "script %s\n", address.constData()); });
     }
-    if (!tracker.listen(options.port) || !web.listen(options.webPort) || !support.listen(options.supportPort)) {
-        std::fprintf(stderr, "qrvrc-practice: port %d, %d or %d of 127.0.0.1 cannot be had\n", options.port,
-                     options.webPort, options.supportPort);
-    if (!tracker.listen(options.port) || !web.listen(options.webPort) || !recovery.listen(options.recoveryPort)) {
-                     options.webPort, options.recoveryPort);
+    if (!tracker.listen(options.port) || !web.listen(options.webPort) || !support.listen(options.supportPort) ||
+        !recovery.listen(options.recoveryPort)) {
+        std::fprintf(stderr, "qrvrc-practice: port %d, %d, %d or %d of 127.0.0.1 cannot be had\n", options.port,
+                     options.webPort, options.supportPort, options.recoveryPort);
         return EXIT_FAILURE;
     }
     tracker.world().supportPort = support.port();
@@ -120,8 +120,7 @@ int serve(QCoreApplication& app, const Options& options)
     const QByteArray webBase = web.base().toEncoded();
     std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\nsupport link 127.0.0.1:%d\n", tracker.port(),
                 webBase.constData(), webBase.constData(), support.port());
-    std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\nrecovery tool 127.0.0.1:%d\n", tracker.port(),
-                webBase.constData(), webBase.constData(), recovery.port());
+    std::printf("recovery tool 127.0.0.1:%d\n", recovery.port());
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

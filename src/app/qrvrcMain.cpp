@@ -12,9 +12,9 @@
 #include "diagnostics/qrvrcHelpViewer.h"
 #include "link/LoginExchange.h"
 #include "live/SupportDesk.h"
-#include "live/qrvrcSupport.h"
 #include "live/qrvrcPlayerStats.h"
 #include "live/qrvrcRecovery.h"
+#include "live/qrvrcSupport.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
 #include "platform/PathText.h"
@@ -75,8 +75,7 @@ qrvrcMain::qrvrcMain(const Setup& setup)
 {
     if (!setup.program.empty())
         m_core->components.setProbe(childProcessProbe(textOf(setup.program), setup.folder));
-    m_supportDesk =
-        std::make_unique<SupportDesk>(m_core->client, m_core->wSupport, [this] { return login().host(); });
+    m_supportDesk = std::make_unique<SupportDesk>(m_core->client, m_core->wSupport, [this] { return login().host(); });
     buildFrame();
     registerWindows();
     wireLink();
@@ -161,10 +160,7 @@ void qrvrcMain::registerWindows()
     windows.add(u"qrvrcHelp"_s, [this] {
         const HelpHooks hooks{
             .showManual = [this](const std::filesystem::path& file) { openManual(file); },
-            .openSupport =
-                [this] {
-                    m_core->reporter.ReportMsg(MessageKind::Failed, u"This version has no support console yet."_s);
-                },
+            .openSupport = [this] { m_supportDesk->open(); },
             .page = m_core->reportPage,
         };
         return new qrvrcHelp(m_core->client, hooks, m_pages);

@@ -3,8 +3,10 @@
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
+#include "tour/AdminTour.h"
 #include "tour/EditorTour.h"
 #include "tour/FilesTour.h"
+#include "tour/HelpCentreTour.h"
 #include "tour/PluginTour.h"
 #include "tour/StatsTour.h"
 #include "tour/SupportTour.h"
@@ -79,6 +81,8 @@ std::vector<MakeAct> actsOf(practice::WebSide& web, const QDir& pictures)
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::EditorTour>(frame, web, pictures); },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::FilesTour>(frame, pictures); },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::StatsTour>(frame, pictures); },
+        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::AdminTour>(frame, pictures); },
+        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::HelpCentreTour>(frame, web, pictures); },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::SupportTour>(frame, pictures); },
     };
 }
