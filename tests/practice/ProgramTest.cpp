@@ -75,7 +75,6 @@ private Q_SLOTS:
                                                          u"--plugin"_s, u"Match Watch="_s, u"--plugin"_s, u"X=9999"_s});
         QByteArray output;
         QTRY_VERIFY((output += program.readAllStandardOutput()).contains('\n'));
-        QTRY_VERIFY((output += program.readAllStandardOutput()).contains('\n'));
         const QByteArray first = output.left(output.indexOf('\n'));
         QTcpSocket socket;
         socket.connectToHost(u"127.0.0.1"_s, first.mid(first.lastIndexOf(':') + 1).toUShort());
