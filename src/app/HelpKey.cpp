@@ -11,6 +11,8 @@
 #include <QDesktopServices>
 #include <QKeyEvent>
 #include <QUrl>
+#include <QWidget>
+#include <QWindow>
 
 #include <algorithm>
 #include <array>
@@ -35,7 +37,25 @@ constexpr std::array topics{
     Topic{u"Admin", "Admin.html"},
     Topic{u"Help", "Help.html"},
     Topic{u"Profile Admins", "ManagingRemoteAccess.html"},
+    Topic{u"Modify Profile", "ModifyProfile.html"},
+    Topic{u"View Player Stats", "PlayerStats.html"},
+    Topic{u"Remote File Viewer", "RemoteFiles.html"},
 };
+
+/// Windows beside the frame, by their names. They are no sections: the frame's own stays what it is.
+constexpr std::array windowTopics{
+    Topic{u"qrvrcSupport", "SupportConsole.html"}, Topic{u"qrvrcRecovery", "RecoveryConsole.html"},
+    Topic{u"qrvrcNotePad", "RemoteFiles.html"},    Topic{u"qrvrcReportPreview", "ErrorLog.html"},
+    Topic{u"qrvrcProcesses", "ProfileList.html"},  Topic{u"qrvrcDllProgress", "Plugins.html"},
+};
+
+template <std::size_t Count>
+const char* pageOf(const std::array<Topic, Count>& known, const QString& name)
+{
+    const auto topic = std::find_if(known.begin(), known.end(),
+                                    [&name](const Topic& candidate) { return name == QStringView(candidate.section); });
+    return topic == known.end() ? nullptr : topic->page;
+}
 
 } // namespace
 
@@ -49,10 +69,21 @@ bool HelpKey::eventFilter(QObject* watched, QEvent* event)
     // A key comes by once for the native window and then for each widget on its way: the first is enough.
     if (event->type() == QEvent::KeyPress && watched->isWindowType()) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_F1 && !key->isAutoRepeat())
-            m_client.reporter.trap("MDIFormLoad", [this] { showHelpFor(m_client.helpSection); });
+        if (key->key() == Qt::Key_F1 && !key->isAutoRepeat()) {
+            const QWidget* window = QWidget::find(static_cast<QWindow*>(watched)->winId());
+            m_client.reporter.trap("MDIFormLoad",
+                                   [this, window] { showHelp(window ? window->objectName() : QString()); });
+        }
     }
     return false;
+}
+
+void HelpKey::showHelp(const QString& window)
+{
+    if (const char* page = pageOf(windowTopics, window))
+        m_client.store.ShowHelp(m_client.folder.path("\\help.chm"), page);
+    else
+        showHelpFor(m_client.helpSection);
 }
 
 void HelpKey::showHelpFor(const QString& section)
@@ -64,11 +95,8 @@ void HelpKey::showHelpFor(const QString& section)
                                     u"This section does not appear to have a help file associated with it!"_s);
         return;
     }
-    const auto topic = std::find_if(topics.begin(), topics.end(), [&section](const Topic& candidate) {
-        return section == QStringView(candidate.section);
-    });
-    if (topic != topics.end()) {
-        m_client.store.ShowHelp(m_client.folder.path("\\help.chm"), topic->page);
+    if (const char* page = pageOf(topics, section)) {
+        m_client.store.ShowHelp(m_client.folder.path("\\help.chm"), page);
         return;
     }
     // A plugin names its help file; names are data, so one that is no plain file name is simply not there.

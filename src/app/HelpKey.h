@@ -4,7 +4,8 @@
 
 struct Client;
 
-/// F1, wherever in the program it is pressed: opens the help topic of the section shown.
+/// F1, wherever in the program it is pressed: opens the help topic of the window that has the keyboard, which for the
+/// frame is that of the section shown.
 class HelpKey : public QObject
 {
 public:
@@ -15,6 +16,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    /// @param window  name of the window in which the key was pressed
+    void showHelp(const QString& window);
     void showHelpFor(const QString& section);
 
     Client& m_client;

@@ -334,6 +334,11 @@ void qrvrcMain::startGame(std::int32_t profileId)
 
 void qrvrcMain::showHelp(const std::filesystem::path& file, const QString& topic)
 {
+    if (QWidget* modal = QApplication::activeModalWidget()) { // nothing but what belongs to it can be used meanwhile
+        auto* viewer = modal->findChild<qrvrcHelpViewer*>();
+        (viewer ? viewer : new qrvrcHelpViewer(modal))->showTopic(file, topic);
+        return;
+    }
     if (!m_helpViewer)
         m_helpViewer = std::make_unique<qrvrcHelpViewer>();
     m_helpViewer->showTopic(file, topic);

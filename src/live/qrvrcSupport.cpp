@@ -107,19 +107,6 @@ bool qrvrcSupport::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
-void qrvrcSupport::changeEvent(QEvent* event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() != QEvent::ActivationChange)
-        return;
-    // F1 is about the window that has the keyboard.
-    const QString section = u"Help"_s;
-    if (isActiveWindow() && m_client.helpSection != section)
-        m_outerHelpSection = std::exchange(m_client.helpSection, section);
-    else if (!isActiveWindow() && m_client.helpSection == section && !m_outerHelpSection.isNull())
-        m_client.helpSection = std::exchange(m_outerHelpSection, QString());
-}
-
 void qrvrcSupport::closeEvent(QCloseEvent* event)
 {
     m_desk.draft = txtNewMessage->toPlainText();

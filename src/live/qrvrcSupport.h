@@ -36,7 +36,6 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -77,7 +76,6 @@ private:
     Client& m_client;
     SupportDesk& m_desk;
     std::filesystem::path m_saveFile; ///< the last file saved; empty before
-    QString m_outerHelpSection;       ///< of the window behind this one
 
     QMenuBar* mnuBar = nullptr;
     QMenu* mnuOptions = nullptr;

@@ -147,7 +147,7 @@ void qrvrcFileManager::wireSignals()
 
 void qrvrcFileManager::Form_Activate()
 {
-    m_client.helpSection = u"Profile List"_s;
+    m_client.helpSection = u"Remote File Viewer"_s;
     cboFileType->setFocus();
 }
 

@@ -78,7 +78,7 @@ bool qrvrcModify::isLoggedIn() const
 
 void qrvrcModify::Form_Activate()
 {
-    m_client.helpSection = u"Profile List"_s;
+    m_client.helpSection = u"Modify Profile"_s;
     cboStats->setFocus();
     followState();
     // Behind the click that led here: the list's own doings are not to wait for the tracker.

@@ -42,6 +42,23 @@ private Q_SLOTS:
     void cleanupTestCase() { QDesktopServices::unsetUrlHandler(u"file"_s); }
     void init() { m_opened.clear(); }
 
+    /// The help of a modal window belongs to it, so that it can be used while that is open.
+    void aWindowBesideTheFrameHasItsOwnTopic()
+    {
+        Desk desk;
+        QVERIFY(desk.open());
+        auto* recovery = desk.core().windows.window(u"qrvrcRecovery"_s);
+        recovery->setWindowModality(Qt::ApplicationModal);
+        recovery->show();
+        QVERIFY(QTest::qWaitForWindowActive(recovery));
+        QTest::keyClick(recovery->windowHandle(), Qt::Key_F1);
+        QCOMPARE(shownTopic(), u"RecoveryConsole.html"_s);
+        auto* page = recovery->findChild<QTextBrowser*>(u"txtHelp"_s);
+        QVERIFY(page);
+        QTest::keyClick(page, Qt::Key_Escape);
+        QCOMPARE(shownTopic(), QString());
+    }
+
     void eachSectionOpensItsTopic_data()
     {
         QTest::addColumn<QString>("section");
@@ -55,6 +72,9 @@ private Q_SLOTS:
         QTest::newRow("admin") << u"Admin"_s << u"Admin.html"_s;
         QTest::newRow("help") << u"Help"_s << u"Help.html"_s;
         QTest::newRow("accounts") << u"Profile Admins"_s << u"ManagingRemoteAccess.html"_s;
+        QTest::newRow("editor") << u"Modify Profile"_s << u"ModifyProfile.html"_s;
+        QTest::newRow("statistics") << u"View Player Stats"_s << u"PlayerStats.html"_s;
+        QTest::newRow("files") << u"Remote File Viewer"_s << u"RemoteFiles.html"_s;
     }
     void eachSectionOpensItsTopic()
     {
