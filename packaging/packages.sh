@@ -9,6 +9,7 @@ declare -A packages=(
         g++                 # C++20
         libdeflate-dev      # expands compressed replies
         libmspack-dev       # reads help.chm
+        libssl-dev          # checksums and signatures of updates
         ninja-build         # builds, as the presets ask for
         pkgconf             # finds the libraries
         qt6-base-dev        # the client's windows and sockets, and the test library

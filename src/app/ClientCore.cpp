@@ -14,6 +14,7 @@ QUrl reportUrl(QUrl makerHost)
 
 ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterface& interface, HelpOpener showHelp)
     : folder(setup.folder),
+      updateTargets(folder, setup.program, platformSystemFolder()),
       reportPage{.url = reportUrl(setup.makerHost)},
       store(folder, services(std::move(showHelp))),
       reporter(store, boxes, codePage, setup.version),

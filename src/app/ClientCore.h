@@ -19,11 +19,14 @@
 #include "store/clsMFD.h"
 #include "ui/PictureStore.h"
 #include "ui/WindowRegistry.h"
+#include "updates/UpdateTargets.h"
 
 #include <QUrl>
 
 #include <filesystem>
 #include <functional>
+#include <string>
+#include <vector>
 
 class LockableInterface;
 class MessageBoxes;
@@ -36,6 +39,8 @@ struct Setup
     std::string version;          ///< four parts
     /// This executable, which tries components that are new in a process of their own; empty to try none.
     std::filesystem::path program = {};
+    /// What it was started with, to be started with again after an update.
+    std::vector<std::string> arguments = {};
     /// The boxes to speak through; null for real windows.
     MessageBoxes* boxes = nullptr;
 };
@@ -48,6 +53,7 @@ struct ClientCore
     ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterface& interface, HelpOpener showHelp);
 
     AppFolder folder;
+    UpdateTargets updateTargets;
     CodePage codePage;
     Session session;
     Inet inet;

@@ -3,22 +3,39 @@
 #include "platform/PathText.h"
 #include "store/AppFolder.h"
 #include "store/FileBytes.h"
+#include "updates/InstallUpdates.h"
+#include "updates/UpdateTargets.h"
+#include "updates/UpdatesIni.h"
 
 #include <QProcess>
 
-HandOver handOverUpdates(const AppFolder& folder)
+HandOver handOverUpdates(const UpdateTargets& targets, const RestartOrder& order)
 {
-    if (!folder.folderExists("\\Updates"))
+    const AppFolder& folder = targets.folder();
+    if (!folder.folderExists(updatesFolder))
         return HandOver::Nothing;
-    if (folder.fileNames("\\Updates").size() > 1) {
-        const bool started =
-            QProcess::startDetached(textOf(folder.path("\\QRVV3Updater.exe")), {}, textOf(folder.root()));
+    if (folder.fileNames(updatesFolder).size() > 1) {
+        writeRestartOrder(folder, order);
+        const bool started = QProcess::startDetached(textOf(targets.updater()), {}, textOf(folder.root()));
         return started ? HandOver::UpdaterStarted : HandOver::UpdaterMissing;
     }
-    const std::filesystem::path updates = folder.path("\\Updates");
+    const std::filesystem::path updates = folder.path(updatesFolder);
     std::error_code fault;
     std::filesystem::remove_all(updates, fault);
     if (fault)
         throwFileError(fault, updates);
     return HandOver::Nothing;
+}
+
+std::string takeUpdateProblems(const AppFolder& folder)
+{
+    const std::filesystem::path file = folder.path(problemsFile);
+    const std::optional<std::string> problems = readBytesIfPresent(file);
+    if (!problems)
+        return {};
+    std::error_code fault;
+    std::filesystem::remove(file, fault);
+    if (fault)
+        throwFileError(fault, file);
+    return *problems;
 }

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <string>
+
 class AppFolder;
+class UpdateTargets;
+struct RestartOrder;
 
 enum class HandOver {
     Nothing,        ///< no update waits; the program goes on
@@ -10,5 +14,10 @@ enum class HandOver {
 
 /// Looks into "\Updates": more than one file there means that updates wait, and the updater is started; a folder with
 /// the list of updates alone is taken away.
+/// @param order  how the updater is to start the program again
 /// @throws RuntimeError when the folder cannot be taken away
-HandOver handOverUpdates(const AppFolder& folder);
+HandOver handOverUpdates(const UpdateTargets& targets, const RestartOrder& order);
+
+/// What the updater could not do when it was last at work, a line each; told once. Empty when all went well.
+/// @throws RuntimeError when there is something to tell that cannot be read or taken away
+std::string takeUpdateProblems(const AppFolder& folder);

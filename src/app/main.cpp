@@ -52,6 +52,19 @@ int registerComponent(const std::filesystem::path& folder, const std::filesystem
     return 1;
 }
 
+/// The same arguments for a start in another current folder.
+std::vector<std::string> restartArguments(const CommandLine& line, const std::filesystem::path& folder)
+{
+    std::vector<std::string> arguments;
+    if (line.appFolder)
+        arguments.insert(arguments.end(), {"--app-folder", std::filesystem::absolute(folder).string()});
+    if (line.connectProfile)
+        arguments.insert(arguments.end(), {"--connect", *line.connectProfile});
+    if (line.makerHost)
+        arguments.insert(arguments.end(), {"--maker-host", *line.makerHost});
+    return arguments;
+}
+
 int run(Application& application, const CommandLine& line, const QUrl& makerHost)
 {
     const std::filesystem::path executable = pathOf(QCoreApplication::applicationDirPath());
@@ -78,7 +91,8 @@ int run(Application& application, const CommandLine& line, const QUrl& makerHost
     qrvrcMain frame({.folder = folder,
                      .makerHost = makerHost,
                      .version = QRVRC_VERSION,
-                     .program = pathOf(QCoreApplication::applicationFilePath())});
+                     .program = pathOf(QCoreApplication::applicationFilePath()),
+                     .arguments = restartArguments(line, folder)});
     application.reporter = &frame.core().reporter;
     if (!frame.MDIFormLoad())
         return 0;

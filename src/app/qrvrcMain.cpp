@@ -71,7 +71,8 @@ qrvrcMain::qrvrcMain(const Setup& setup)
       m_core(std::make_unique<ClientCore>(
           setup, setup.boxes ? *setup.boxes : *m_ownBoxes, *this,
           [this](const std::filesystem::path& file, const QString& topic) { showHelp(file, topic); })),
-      m_version(setup.version)
+      m_version(setup.version),
+      m_restart{setup.program, setup.arguments}
 {
     if (!setup.program.empty())
         m_core->components.setProbe(childProcessProbe(textOf(setup.program), setup.folder));
@@ -250,7 +251,14 @@ bool qrvrcMain::componentsAreChecked()
 
 bool qrvrcMain::updaterTakesOver()
 {
-    switch (handOverUpdates(m_core->folder)) {
+    // What could not be installed is told before anything is tried again, so that two programs never start each other
+    // in turns.
+    if (const std::string problems = takeUpdateProblems(m_core->folder); !problems.empty()) {
+        m_core->reporter.ReportMsg(MessageKind::Failed, u"Not all updates could be installed:\r\n\r\n"_s +
+                                                            QString::fromLocal8Bit(problems.data()));
+        return false;
+    }
+    switch (handOverUpdates(m_core->updateTargets, m_restart)) {
     case HandOver::Nothing:
         return false;
     case HandOver::UpdaterStarted:

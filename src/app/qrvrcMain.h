@@ -2,6 +2,7 @@
 
 #include "app/ClientCore.h"
 #include "link/InterfaceLock.h"
+#include "updates/InstallUpdates.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -78,5 +79,6 @@ private:
     qrvrcProgress* m_progress = nullptr;
     Housekeeping* m_housekeeping = nullptr;
     std::string m_version;
+    RestartOrder m_restart;
     int m_locks = 0;
 };

@@ -52,6 +52,7 @@ void PageFetch::finish()
     // An error page is an answer too; whether it counts is for whoever asked.
     m_answer.status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     m_answer.body = m_reply->read(maxAnswerBytes);
+    m_answer.isWhole = !isCutOff && m_reply->error() == QNetworkReply::NoError;
     if (isCutOff)
         m_reply->abort();
     std::exchange(m_reply, nullptr)->deleteLater();

@@ -17,6 +17,7 @@ struct PageAnswer
 {
     int status = 0; ///< HTTP status; 0 when there was no answer
     QByteArray body;
+    bool isWhole = false; ///< nothing of the body is missing
 
     bool isGood() const { return status >= 200 && status < 300; }
 };

@@ -221,3 +221,47 @@ void appendBytes(const fs::path& file, std::string_view bytes, std::source_locat
     if (const std::error_code fault = opened.close())
         throwFileError(fault, file, where);
 }
+
+void copyFile(const fs::path& from, const fs::path& to, std::source_location where)
+{
+    TemporaryFile temporary{temporaryNameFor(to)};
+    std::error_code fault;
+    fs::copy_file(from, temporary.path, fault);
+    if (!fault) {
+        const OpenFile copy(temporary.path, O_RDONLY);
+        if (!copy.isOpen() || ::fsync(copy.descriptor()) != 0)
+            fault = lastFault();
+    }
+    if (!fault)
+        fs::rename(temporary.path, to, fault);
+    if (fault)
+        throwFileError(fault, to, where);
+    temporary.kept = true;
+}
+
+void moveFile(const fs::path& from, const fs::path& to, std::source_location where)
+{
+    const fs::path target = behindLinks(to);
+    struct stat old = {};
+    const bool replaces = ::stat(target.c_str(), &old) == 0;
+    if (replaces && !S_ISREG(old.st_mode))
+        throw RuntimeError(ErrorNumber::PermissionDenied, to.string(), where);
+    {
+        const OpenFile whole(from, O_RDONLY);
+        const bool isReady = whole.isOpen() &&
+                             (!replaces || ::fchmod(whole.descriptor(), old.st_mode & rightsMask) == 0) &&
+                             ::fsync(whole.descriptor()) == 0;
+        if (!isReady)
+            throwFileError(lastFault(), from, where);
+    }
+    std::error_code fault;
+    fs::rename(from, target, fault);
+    if (fault == std::errc::cross_device_link) {
+        copyFile(from, target, where);
+        std::error_code ignored; // it has arrived; what is left of it is only in the way
+        fs::remove(from, ignored);
+        return;
+    }
+    if (fault)
+        throwFileError(fault, target, where);
+}

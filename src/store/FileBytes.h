@@ -43,3 +43,12 @@ void writeBytes(const std::filesystem::path& file, std::string_view bytes, Acces
 /// Adds `bytes` at the end of the file, which is created when missing. When they do not all fit, none are added.
 void appendBytes(const std::filesystem::path& file, std::string_view bytes,
                  std::source_location where = std::source_location::current());
+
+/// Makes `to` the same file as `from` is now, at once or not at all; `to` is made anew.
+void copyFile(const std::filesystem::path& from, const std::filesystem::path& to,
+              std::source_location where = std::source_location::current());
+
+/// Puts the whole file `from` in the place of `to`, whose rights it takes over; a link is followed. Whatever fails,
+/// `to` is as it was, and `from` is still there.
+void moveFile(const std::filesystem::path& from, const std::filesystem::path& to,
+              std::source_location where = std::source_location::current());

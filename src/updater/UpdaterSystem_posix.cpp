@@ -1,0 +1,93 @@
+#include "updater/UpdaterSystem.h"
+
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace updater {
+
+namespace {
+
+constexpr const char* holdName = "QRVV3Updater.lock";
+constexpr const char* clientLockName = "instance.lock"; // the client holds it as long as it runs
+constexpr auto pollPause = std::chrono::milliseconds(50);
+
+/// Whether somebody holds the file; not when there is none.
+bool isHeld(const fs::path& file)
+{
+    const int descriptor = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool held = ::flock(descriptor, LOCK_EX | LOCK_NB) != 0;
+    ::close(descriptor);
+    return held;
+}
+
+} // namespace
+
+FolderHold::FolderHold(fs::path file, int descriptor) : m_file(std::move(file)), m_descriptor(descriptor) {}
+
+std::unique_ptr<FolderHold> FolderHold::take(const fs::path& folder)
+{
+    fs::path file = folder / holdName;
+    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (descriptor < 0)
+        return nullptr;
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        ::close(descriptor);
+        return nullptr;
+    }
+    return std::unique_ptr<FolderHold>(new FolderHold(std::move(file), descriptor));
+}
+
+FolderHold::~FolderHold()
+{
+    std::error_code ignored;
+    fs::remove(m_file, ignored);
+    ::close(m_descriptor);
+}
+
+bool waitForClient(const fs::path& folder, std::chrono::milliseconds limit)
+{
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (isHeld(folder / clientLockName)) {
+        if (std::chrono::steady_clock::now() >= deadline)
+            return false;
+        std::this_thread::sleep_for(pollPause);
+    }
+    return true;
+}
+
+bool startProgram(const fs::path& program, const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> words{program.string()};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
+    for (std::string& word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+
+    posix_spawnattr_t attributes;
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    pid_t process = 0;
+    const int fault = ::posix_spawn(&process, program.c_str(), nullptr, &attributes, pointers.data(), environ);
+    ::posix_spawnattr_destroy(&attributes);
+    return fault == 0;
+}
+
+fs::path ownFolder(const char* calledAs)
+{
+    std::error_code fault;
+    const fs::path self = fs::read_symlink("/proc/self/exe", fault);
+    return (fault ? fs::absolute(calledAs) : self).parent_path();
+}
+
+} // namespace updater

@@ -1,0 +1,56 @@
+#include "updates/UpdatesIni.h"
+
+#include "base/RuntimeError.h"
+#include "base/Text.h"
+#include "store/AppFolder.h"
+#include "store/FileBytes.h"
+#include "store/IniText.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view listName = "updates.ini";
+constexpr std::string_view section = "Files";
+
+fs::path listPath(const AppFolder& folder)
+{
+    return folder.path(std::string(updatesFolder).append("\\").append(listName));
+}
+
+IniText readList(const AppFolder& folder)
+{
+    const fs::path path = listPath(folder);
+    return IniText(readBytesIfPresent(path, IniText::maxBytes).value_or(std::string()), path.string());
+}
+
+} // namespace
+
+std::vector<WaitingFile> waitingFiles(const AppFolder& folder)
+{
+    std::vector<WaitingFile> files;
+    for (const std::string& line : readList(folder).lines(section)) {
+        const std::size_t equals = line.find('=');
+        files.push_back({.name = line.substr(0, equals), .folder = line.substr(equals + 1)});
+    }
+    return files;
+}
+
+void divert(const AppFolder& folder, const fs::path& arrived, const WaitingFile& file)
+{
+    if (!isPlainFileName(file.name) || equalsIgnoringCase(file.name, listName))
+        throw RuntimeError(ErrorNumber::PermissionDenied, file.name);
+    folder.makeFolder(updatesFolder);
+    IniText list = readList(folder);
+    list.setValue(section, file.name, file.folder);
+    // The file first: a list that names what is not there would be believed.
+    const fs::path waiting = folder.path(std::string(updatesFolder).append("\\").append(file.name));
+    moveFile(arrived, waiting);
+    try {
+        writeBytes(listPath(folder), list.bytes());
+    } catch (const RuntimeError&) {
+        std::error_code ignored;
+        fs::remove(waiting, ignored);
+        throw;
+    }
+}

@@ -1,0 +1,227 @@
+#include "updates/UpdateCheck.h"
+#include "base/RaisedError.h"
+#include "store/AppFolder.h"
+#include "store/FileBytes.h"
+#include "updates/DiskFacts.h"
+#include "updates/NewsFrequency.h"
+#include "updates/UpdateTargets.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view mainLine = "qrvv3rc.exe|\\|Executable file|(QRV) Main Executable|100|3.0.1.0\r\n";
+
+UpdateRecord record(std::string name, std::string folder, std::int32_t size, std::string version,
+                    std::string type = "data file")
+{
+    return {std::move(name), std::move(folder), std::move(type), "", size, std::move(version)};
+}
+
+/// A program folder with a few files of every kind.
+struct Disk
+{
+    QTemporaryDir home;
+    AppFolder folder{home.path().toStdU16String()};
+    UpdateTargets targets{folder, folder.path("\\bin\\qrvv3rc"), {}};
+
+    Disk()
+    {
+        folder.makeFolder("\\Plugins");
+        folder.makeFolder("\\bin");
+        folder.makeFolder("\\settings");
+        put("\\bin\\qrvv3rc", "the program");
+        put("\\data.bin", std::string(50, 'x'));
+        put("\\Plugins\\a.dll", "code QRVRC-FILE-VERSION:1.2.0.0");
+        put("\\Plugins\\a.html", std::string(70, 'h'));
+        put("\\help.chm", "manual");
+    }
+    void put(std::string_view name, std::string_view bytes) const { writeBytes(folder.path(name), bytes); }
+    Verdict judge(const UpdateRecord& offered, CheckRule rule = CheckRule::Client) const
+    {
+        const ListKind kind = rule == CheckRule::Client ? ListKind::Client : ListKind::Plugins;
+        return classify(offered, diskFacts(targets, kind, "3.0.1.0", helpVersionFile), rule);
+    }
+};
+
+} // namespace
+
+class UpdateCheckTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void onlyTextsWithTheMarkerAreLists_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<bool>("isClientList");
+        QTest::addColumn<bool>("isPluginList");
+        QTest::newRow("client list") << QByteArray(mainLine.data()) << true << false;
+        QTest::newRow("plugin list") << QByteArray("a.dll|\\Plugins\\|Plugin|x|1|1.0.0.0") << false << true;
+        QTest::newRow("marker split by a line end")
+            << QByteArray("qrvv3rc.exe|\\|executable\n file|(qrv) main executable|") << false << false;
+        QTest::newRow("error page") << QByteArray("<html>Page not found</html>") << false << false;
+        QTest::newRow("nothing") << QByteArray() << false << false;
+    }
+    void onlyTextsWithTheMarkerAreLists()
+    {
+        QFETCH(const QByteArray, text);
+        QTEST(isUpdateList(text.toStdString(), ListKind::Client), "isClientList");
+        QTEST(isUpdateList(text.toStdString(), ListKind::Plugins), "isPluginList");
+    }
+
+    void aListBecomesRecords()
+    {
+        const std::vector<UpdateRecord> records = parseUpdateList(std::string(mainLine) + "short|line|only\n\n" +
+                                                                  "b|\\x\\|t|d|99999999999|1|more\nc|\\|t|d|-3|");
+        QCOMPARE(records.size(), std::size_t{3});
+        QVERIFY(records[0] ==
+                (UpdateRecord{"qrvv3rc.exe", "\\", "Executable file", "(QRV) Main Executable", 100, "3.0.1.0"}));
+        QVERIFY(records[1] == (UpdateRecord{"b", "\\x\\", "t", "d", 0, "1"}));
+        QVERIFY(records[2] == (UpdateRecord{"c", "\\", "t", "d", 0, ""}));
+        QCOMPARE(requestedName("exe.setup.exe"), std::string("fle.setup.fle"));
+    }
+
+    void recordsAreComparedWithTheDisk_data()
+    {
+        using R = CheckRule;
+        using V = Verdict;
+        QTest::addColumn<UpdateRecord>("offered");
+        QTest::addColumn<CheckRule>("rule");
+        QTest::addColumn<Verdict>("verdict");
+        const std::string plugins = "\\plugins\\";
+        QTest::newRow("missing") << record("new.bin", "\\", 1, "") << R::Client << V::New;
+        QTest::newRow("missing with its folder") << record("n", "\\no\\such\\", 1, "") << R::Client << V::New;
+        QTest::newRow("same size, no version") << record("DATA.bin", "\\", 50, "9") << R::Client << V::Nothing;
+        QTest::newRow("other size, no version") << record("data.bin", "\\", 51, "0") << R::Client << V::Changed;
+        QTest::newRow("the program, same version")
+            << record("qrvv3rc.exe", "\\", 1, "3.0.1.0") << R::Client << V::Nothing;
+        QTest::newRow("the program, newer") << record("qrvv3rc.exe", "\\", 1, "3.0.2.0") << R::Client << V::Updated;
+        QTest::newRow("newer") << record("a.dll", plugins, 1, "1.3.0.0") << R::Plugins << V::Updated;
+        QTest::newRow("1.10 is less than 1.2 as text")
+            << record("a.dll", plugins, 1, "1.10.0.0") << R::Plugins << V::Nothing;
+        QTest::newRow("older") << record("a.dll", plugins, 1, "1.1.9.9") << R::Client << V::Nothing;
+        QTest::newRow("help file by size")
+            << record("a.html", plugins, 71, "", "Help File") << R::PluginsByClock << V::Changed;
+        QTest::newRow("versioned help file by size alone")
+            << record("a.dll", plugins, 31, "9", "Help File") << R::PluginsByClock << V::Nothing;
+        QTest::newRow("the same by its version, when asked by hand")
+            << record("a.dll", plugins, 31, "9", "Help File") << R::Plugins << V::Updated;
+        QTest::newRow("system folder") << record("x.ocx", "{System}", 1, "1") << R::Client << V::Nothing;
+        QTest::newRow("manual not noted anywhere") << record("help.chm", "\\", 1, "9") << R::Client << V::Nothing;
+        QTest::newRow("manual is a file like others for plugins")
+            << record("help.chm", "\\", 1, "9") << R::Plugins << V::Changed;
+    }
+    void recordsAreComparedWithTheDisk()
+    {
+        QFETCH(const UpdateRecord, offered);
+        QFETCH(const CheckRule, rule);
+        QTEST(Disk().judge(offered, rule), "verdict");
+    }
+
+    void theManualIsJudgedByItsNotedVersion()
+    {
+        const Disk disk;
+        const UpdateRecord offered = record("help.chm", "\\elsewhere\\", 1, "1.0.0.1");
+        disk.put("\\config.ini", "[Other]\r\n");
+        QCOMPARE(disk.judge(offered), Verdict::Updated); // nothing noted means 1.0.0.0
+        noteHelpVersion(disk.targets, "1.0.0.1");
+        QCOMPARE(disk.judge(offered), Verdict::Nothing);
+        disk.put("\\settings\\config.ini", "[Settings]\r\nhelp=1.0.0.0\r\n");
+        const LocalFacts byClock = diskFacts(disk.targets, ListKind::Client, "", helpVersionFileByClock);
+        QCOMPARE(classify(offered, byClock, CheckRule::Client), Verdict::Updated);
+        fs::remove(disk.folder.path("\\help.chm"));
+        QCOMPARE(disk.judge(offered), Verdict::New);
+        QCOMPARE(disk.judge(record("Help.chm", "\\", 1, "")), Verdict::New); // another file by its case
+    }
+
+    void systemFilesAreOnlyForSystemsThatHaveSuchAFolder()
+    {
+        const Disk disk;
+        const UpdateTargets withSystem(disk.folder, {}, disk.folder.path("\\Plugins"));
+        const UpdateRecord offered = record("a.dll", "{System}", 1, "2");
+        QCOMPARE(classify(offered, diskFacts(withSystem, ListKind::Client, "", helpVersionFile), CheckRule::Client),
+                 Verdict::Updated);
+        QCOMPARE(raisedBy([&] { withSystem.pathOf("a.dll", "{System}", ListKind::Plugins); }),
+                 numberOf(ErrorNumber::PermissionDenied));
+    }
+
+    void hostileRecordsAreKeptAside_data()
+    {
+        QTest::addColumn<std::string>("name");
+        QTest::addColumn<std::string>("folder");
+        QTest::newRow("up by the name") << std::string("..\\x") << std::string("\\");
+        QTest::newRow("up by the other separator") << std::string("../x") << std::string("\\");
+        QTest::newRow("up by the folder") << std::string("x") << std::string("\\..\\");
+        QTest::newRow("up and back") << std::string("x") << std::string("\\Plugins\\..\\..\\");
+        QTest::newRow("a drive") << std::string("x") << std::string("C:\\");
+        QTest::newRow("a share") << std::string("x") << std::string("\\\\host\\share\\");
+        QTest::newRow("the root") << std::string("x") << std::string("/etc/");
+        QTest::newRow("no separator at the end") << std::string("x") << std::string("\\Plugins");
+        QTest::newRow("a link that leads out") << std::string("x") << std::string("\\out\\");
+        QTest::newRow("a device") << std::string("nul.dll") << std::string("\\");
+        QTest::newRow("no name") << std::string() << std::string("\\");
+        QTest::newRow("up in the manual's name") << std::string("help.chm") << std::string("\\..\\");
+        QTest::newRow("system folder by a path") << std::string("..\\x") << std::string("{System}");
+    }
+    void hostileRecordsAreKeptAside()
+    {
+        QFETCH(const std::string, name);
+        QFETCH(const std::string, folder);
+        const Disk disk;
+        fs::create_directory_symlink(fs::temp_directory_path(), disk.folder.root() / "out");
+        const LocalFacts facts = diskFacts(disk.targets, ListKind::Client, "", helpVersionFile);
+        Candidates found;
+        found.take(record(name, folder, 1, "9"), facts, CheckRule::Client);
+        found.take(record("good.bin", "\\", 1, "9"), facts, CheckRule::Client);
+        QCOMPARE(found.refused.size(), std::size_t{1});
+        QCOMPARE(found.added.size(), std::size_t{1});
+        QVERIFY(!found.find(name) && found.find("good.bin"));
+        QCOMPARE(raisedBy([&] { disk.targets.pathOf(name, folder, ListKind::Client); }),
+                 numberOf(ErrorNumber::PermissionDenied));
+    }
+
+    void newsAreFetchedByTheClock_data()
+    {
+        QTest::addColumn<std::string>("stored");
+        QTest::addColumn<std::string>("frequency");
+        QTest::addColumn<int>("hour");
+        QTest::addColumn<bool>("isShown");
+        QTest::addColumn<bool>("due");
+        const auto row = [](const char* what, const char* stored, const char* frequency, int hour, bool due) {
+            QTest::newRow(what) << std::string(stored) << std::string(frequency) << hour << true << due;
+        };
+        row("never fetched", "", "Day", 9, true);
+        row("garbage", "news", "Day", 9, true);
+        row("no hour", "5-", "6 Hours", 9, true);
+        row("same hour", "5-9", "1 Hour", 9, false);
+        row("next hour", "5-9", "1 Hour", 10, true);
+        row("three hours, two passed", "5-9", "3 Hours", 11, false);
+        row("three hours passed", "5-9", "3 Hours", 12, true);
+        row("six hours, five passed", "5-9", "6 Hours", 14, false);
+        row("six hours passed", "5-9", "6 Hours", 15, true);
+        row("twelve hours, eleven passed", "5-0", "12 Hours", 11, false);
+        row("twelve hours passed", "5-0", "12 Hours", 12, true);
+        row("a day, at its end", "5-0", "Day", 23, false);
+        row("a day, the next one", "4-23", "Day", 0, true);
+        row("another day", "4-9", "12 Hours", 0, true);
+        row("a clock that was set back", "5-23", "1 Hour", 1, false);
+        row("huge numbers", "5--2147483648", "1 Hour", 9, true);
+        QTest::newRow("nothing shown") << std::string("5-9") << std::string("Day") << 9 << false << true;
+    }
+    void newsAreFetchedByTheClock()
+    {
+        QFETCH(const std::string, stored);
+        QFETCH(const std::string, frequency);
+        QFETCH(const int, hour);
+        QFETCH(const bool, isShown);
+        QTEST(areNewsDue(stored, frequency, {.day = 5, .hour = hour}, isShown), "due");
+        QCOMPARE(newsStamp({.day = 5, .hour = 9}), std::string("5-9"));
+    }
+};
+
+QTEST_APPLESS_MAIN(UpdateCheckTest)
+#include "UpdateCheckTest.moc"
