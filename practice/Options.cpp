@@ -71,6 +71,33 @@ PluginChoice pluginOf(const QString& text)
     return choice;
 }
 
+/// NAME=VERSION=FILE, the name perhaps with a folder before it ("\\Data\\x.bin").
+UpdateChoice updateOf(const QString& text, bool isPlugin)
+{
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(uR"((\\(?:[^=|\\]+\\)*)?([^=|\\]+)=([0-9.]*)=(.+))"_s));
+    const QRegularExpressionMatch match = form.match(text);
+    if (!match.hasMatch())
+        throw BadUsage{
+            u"--%1 takes NAME=VERSION=FILE, not \"%2\""_s.arg(isPlugin ? u"offer-plugin"_s : u"offer"_s, text)};
+    return {.file = match.captured(4),
+            .folder = match.captured(1).isEmpty() && !isPlugin ? "\\"_ba : match.captured(1).toLatin1(),
+            .name = match.captured(2).toLatin1(),
+            .version = match.captured(3).toLatin1(),
+            .isPlugin = isPlugin};
+}
+
+PageMisbehaviour pageMisbehaviourOf(const QString& text)
+{
+    const QByteArray bytes = text.toUtf8();
+    const qsizetype equals = bytes.lastIndexOf('=');
+    const std::optional<PageFault> fault = equals > 0 ? PageFault::parse(bytes.mid(equals + 1)) : std::nullopt;
+    if (!fault)
+        throw BadUsage{u"--misbehave-page takes PAGE=FAULT, not \"%1\"; faults are %2"_s.arg(
+            text, QString::fromLatin1(PageFault::names()))};
+    return {bytes.left(equals), *fault};
+}
+
 } // namespace
 
 std::variant<Options, Notice, UsageError> readOptions(const QStringList& arguments)
@@ -100,6 +127,15 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
          u"The tracker's plugin demands VERSION, a file version without dots; \"none\" takes the plugin away, nothing "
          "leaves the version empty. May be repeated."_s,
          u"NAME=VERSION"_s},
+        {u"offer"_s,
+         u"The web pages offer FILE as an update of the client's file NAME, such as qrvv3rc.exe. May be repeated."_s,
+         u"NAME=VERSION=FILE"_s},
+        {u"offer-plugin"_s, u"The same for a file of a plugin."_s, u"NAME=VERSION=FILE"_s},
+        {u"news"_s, u"The news are the text of FILE."_s, u"FILE"_s},
+        {u"misbehave-page"_s,
+         u"Answers every request of the web page PAGE (* for all) with FAULT: %1. May be repeated."_s.arg(
+             QString::fromLatin1(PageFault::names())),
+         u"PAGE=FAULT"_s},
         {u"verbose"_s, u"Names every request on standard error."_s},
     });
     const QCommandLineOption version({u"version"_s}, u"Shows the version and ends."_s);
@@ -131,6 +167,13 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
             options.misbehaviours += misbehaviourOf(text);
         for (const QString& text : parser.values(u"plugin"_s))
             options.plugins += pluginOf(text);
+        for (const QString& text : parser.values(u"offer"_s))
+            options.updates += updateOf(text, false);
+        for (const QString& text : parser.values(u"offer-plugin"_s))
+            options.updates += updateOf(text, true);
+        for (const QString& text : parser.values(u"misbehave-page"_s))
+            options.pageMisbehaviours += pageMisbehaviourOf(text);
+        options.newsFile = parser.value(u"news"_s);
         return options;
     } catch (const BadUsage& bad) {
         return UsageError{bad.text};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/Fault.h"
+#include "practice/PageFault.h"
 #include "practice/RecoveryTool.h"
 
 #include <QByteArray>
@@ -27,6 +28,23 @@ struct PluginChoice
     std::optional<QByteArray> version; ///< nothing takes the plugin away; empty for a plugin that tells no version
 };
 
+/// A file of this machine that the web side offers as an update.
+struct UpdateChoice
+{
+    QString file;
+    QByteArray folder;  ///< target folder on the client's side
+    QByteArray name;    ///< in the list
+    QByteArray version; ///< four parts
+    bool isPlugin = false;
+};
+
+/// A fault for every request of a web page; "*" stands for all pages.
+struct PageMisbehaviour
+{
+    QByteArray page;
+    PageFault fault;
+};
+
 /// What the command line asks for.
 struct Options
 {
@@ -42,6 +60,9 @@ struct Options
     QList<Misbehaviour> misbehaviours;
     QList<PluginChoice> plugins;
     RecoveryTool::Manner recoveryManner = RecoveryTool::Manner::Proper;
+    QList<UpdateChoice> updates;
+    QList<PageMisbehaviour> pageMisbehaviours;
+    QString newsFile; ///< empty for the usual news
 };
 
 /// A text for standard output after which the program ends well.

@@ -1,10 +1,14 @@
 #include "practice/WebSide.h"
 
+#include "practice/PracticeCertificate.h"
 #include "practice/ScriptPages.h"
+#include "practice/UpdatePages.h"
 
 #include <QHttpServer>
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
+#include <QSslCertificate>
+#include <QSslKey>
 
 #include <vector>
 
@@ -24,24 +28,33 @@ struct WebSide::Server
     QHttpServer http;
 };
 
-WebSide::WebSide(QObject* parent) : QObject(parent), m_server(std::make_unique<Server>())
+WebSide::WebSide(QObject* parent)
+    : QObject(parent),
+      m_updates(std::make_unique<UpdatePages>()),
+      m_server(std::make_unique<Server>())
 {
-    m_server->http.route(u"/quorbeta/ErrorReports.php"_s, QHttpServerRequest::Method::Post,
-                         [this](const QHttpServerRequest& request, QHttpServerResponder&& responder) {
-                             m_reports += request.body();
-                             m_reportTypes += request.value("Content-Type");
-                             if (m_reports.size() > maxReportsKept) {
-                                 m_reports.removeFirst();
-                                 m_reportTypes.removeFirst();
-                             }
-                             if (m_unanswered)
-                                 m_server->unanswered.push_back(std::move(responder));
-                             else
-                                 responder.write(m_answer, "text/html",
-                                                 static_cast<QHttpServerResponder::StatusCode>(m_status));
-                             Q_EMIT reportReceived(m_reports.constLast());
-                         });
+    addRoutes(*m_server);
     m_scripts = std::make_unique<ScriptPages>(m_server->http);
+}
+
+void WebSide::addRoutes(Server& server)
+{
+    server.http.route(u"/quorbeta/ErrorReports.php"_s, QHttpServerRequest::Method::Post,
+                      [this, &server](const QHttpServerRequest& request, QHttpServerResponder&& responder) {
+                          m_reports += request.body();
+                          m_reportTypes += request.value("Content-Type");
+                          if (m_reports.size() > maxReportsKept) {
+                              m_reports.removeFirst();
+                              m_reportTypes.removeFirst();
+                          }
+                          if (m_unanswered)
+                              server.unanswered.push_back(std::move(responder));
+                          else
+                              responder.write(m_answer, "text/html",
+                                              static_cast<QHttpServerResponder::StatusCode>(m_status));
+                          Q_EMIT reportReceived(m_reports.constLast());
+                      });
+    m_updates->serveOn(server.http);
 }
 
 WebSide::~WebSide() = default;
@@ -50,6 +63,16 @@ bool WebSide::listen(quint16 port)
 {
     m_port = m_server->http.listen(QHostAddress::LocalHost, port);
     return m_port != 0;
+}
+
+QUrl WebSide::listenSecurely()
+{
+    m_secureServer = std::make_unique<Server>();
+    m_secureServer->http.sslSetup(QSslCertificate(QByteArray(certificatePem)),
+                                  QSslKey(QByteArray(certificateKeyPem), QSsl::Ec));
+    addRoutes(*m_secureServer);
+    const quint16 port = m_secureServer->http.listen(QHostAddress::LocalHost);
+    return port ? QUrl(u"https://127.0.0.1:%1"_s.arg(port)) : QUrl();
 }
 
 QUrl WebSide::base() const

@@ -10,8 +10,10 @@
 namespace practice {
 
 class ScriptPages;
+class UpdatePages;
 
-/// The maker's web host on the loopback address: takes error reports and holds statistics scripts.
+/// The maker's web host on the loopback address: takes error reports, holds statistics scripts, offers updates and
+/// news.
 class WebSide : public QObject
 {
     Q_OBJECT
@@ -23,12 +25,16 @@ public:
     /// @param port  0 for any free one
     /// @return false when the port cannot be had
     bool listen(quint16 port = 0);
+    /// Also answers over HTTPS, with the certificate of PracticeCertificate.h.
+    /// @return the address, without a slash at the end; empty when no port can be had
+    QUrl listenSecurely();
     quint16 port() const { return m_port; }
     /// "http://127.0.0.1:PORT", without a slash at the end.
     QUrl base() const;
 
     /// The statistics scripts; they answer under any folder, see there.
     ScriptPages& scripts() { return *m_scripts; }
+    UpdatePages& updates() { return *m_updates; }
 
     /// Bodies of the reports taken so far, as sent, oldest first; at most the newest 1,000.
     const QList<QByteArray>& reports() const { return m_reports; }
@@ -46,8 +52,12 @@ Q_SIGNALS:
 private:
     struct Server;
 
+    void addRoutes(Server& server);
+
+    std::unique_ptr<UpdatePages> m_updates;
     std::unique_ptr<Server> m_server;
     std::unique_ptr<ScriptPages> m_scripts;
+    std::unique_ptr<Server> m_secureServer;
     quint16 m_port = 0;
     QList<QByteArray> m_reports;
     QList<QByteArray> m_reportTypes;

@@ -3,9 +3,11 @@
 #include "practice/ScriptPages.h"
 #include "practice/SupportSide.h"
 #include "practice/Tracker.h"
+#include "practice/UpdatePages.h"
 #include "practice/WebSide.h"
 
 #include <QCoreApplication>
+#include <QFile>
 
 #include <csignal>
 #include <cstdio>
@@ -17,6 +19,7 @@
 #endif
 
 using namespace practice;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -67,6 +70,38 @@ int complain(const QString& text)
     return exitBadUsage;
 }
 
+/// @return what is wrong; empty when everything asked for can be offered
+QString offerUpdates(UpdatePages& pages, const Options& options)
+{
+    for (const UpdateChoice& choice : options.updates) {
+        QFile file(choice.file);
+        if (!file.open(QFile::ReadOnly))
+            return u"the file \"%1\" cannot be read"_s.arg(choice.file);
+        const bool isProgram = choice.name.toLower() == "qrvv3rc.exe";
+        const OfferedFile offered{.name = choice.name,
+                                  .folder = choice.folder,
+                                  .type = isProgram         ? "executable file"
+                                          : choice.isPlugin ? "Plugin"
+                                                            : "data file",
+                                  .description = isProgram ? "(QRV) Main Executable" : "Offered by the practice host",
+                                  .version = choice.version,
+                                  .body = file.readAll()};
+        if (choice.isPlugin)
+            pages.offerPluginFile(offered);
+        else
+            pages.offerClientFile(offered);
+    }
+    if (!options.newsFile.isEmpty()) {
+        QFile news(options.newsFile);
+        if (!news.open(QFile::ReadOnly))
+            return u"the file \"%1\" cannot be read"_s.arg(options.newsFile);
+        pages.setNews(news.readAll());
+    }
+    for (const PageMisbehaviour& misbehaviour : options.pageMisbehaviours)
+        pages.misbehave(misbehaviour.page, misbehaviour.fault);
+    return {};
+}
+
 int serve(QCoreApplication& app, const Options& options)
 {
     Tracker tracker(worldFor(options));
@@ -90,6 +125,8 @@ int serve(QCoreApplication& app, const Options& options)
             tracker.answerAlways(misbehaviour.request, misbehaviour.fault);
         support.answerAlways(misbehaviour.request, misbehaviour.fault);
     }
+    if (const QString fault = offerUpdates(web.updates(), options); !fault.isEmpty())
+        return complain(fault);
     if (options.verbose) {
         QObject::connect(&tracker, &Tracker::requestReceived, &app, [](const QByteArray& name) {
             std::fprintf(stderr, "request %s\n", name.toPercentEncoding(" ").constData());
@@ -107,6 +144,9 @@ int serve(QCoreApplication& app, const Options& options)
         });
         QObject::connect(&web.scripts(), &ScriptPages::requested, &app,
                          [](const QByteArray& address) { std::fprintf(stderr, "script %s\n", address.constData()); });
+        QObject::connect(&web.updates(), &UpdatePages::pageRequested, &app, [](const QByteArray& name) {
+            std::fprintf(stderr, "page %s\n", name.toPercentEncoding(" /").constData());
+        });
     }
     if (!tracker.listen(options.port) || !web.listen(options.webPort) || !support.listen(options.supportPort) ||
         !recovery.listen(options.recoveryPort)) {
