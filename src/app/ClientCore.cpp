@@ -1,5 +1,10 @@
 #include "app/ClientCore.h"
 
+#include "base/Text.h"
+#include "plugins/PluginRules.h"
+
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -27,8 +32,23 @@ ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterfac
       link(wsMain, wSupport, session, replies),
       components(folder),
       client{link, replies, session, store, folder, inet, reporter, boxes, codePage, pictures, windows, helpSection},
-      pluginHost(client, plugins, components, problems, pluginAccess(), setup.version)
+      pluginHost(client, plugins, components, problems, pluginAccess(), setup.version),
+      updates{.inet = inet,
+              .targets = updateTargets,
+              .clientVersion = setup.version,
+              .makerHost = setup.makerHost,
+              .isInUse = [this](const std::filesystem::path& file) { return isLoadedPlugin(file); }}
 {}
+
+/// A loaded library may be mapped from its file, and is the old one until the next start in any case.
+bool ClientCore::isLoadedPlugin(const std::filesystem::path& file) const
+{
+    if (file.parent_path() != folder.path("\\Plugins"))
+        return false;
+    const std::string base = componentBase(file.filename().string());
+    return std::any_of(plugins.plugins.begin(), plugins.plugins.end(),
+                       [&base](const Plugin& plugin) { return equalsIgnoringCase(plugin.base, base); });
+}
 
 PluginAccess ClientCore::pluginAccess()
 {

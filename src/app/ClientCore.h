@@ -19,6 +19,7 @@
 #include "store/clsMFD.h"
 #include "ui/PictureStore.h"
 #include "ui/WindowRegistry.h"
+#include "updates/UpdateServices.h"
 #include "updates/UpdateTargets.h"
 
 #include <QUrl>
@@ -75,8 +76,10 @@ struct ClientCore
     Components components;
     Client client;
     PluginHost pluginHost;
+    UpdateServices updates; ///< the location and its key are written by the options
 
 private:
+    bool isLoadedPlugin(const std::filesystem::path& file) const;
     PluginAccess pluginAccess();
     HelperServices services(HelpOpener showHelp);
 };

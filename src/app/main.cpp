@@ -5,6 +5,7 @@
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
 #include "platform/PathText.h"
+#include "updates/UpdateOptions.h"
 
 #include <QApplication>
 #include <QFile>
@@ -65,7 +66,14 @@ std::vector<std::string> restartArguments(const CommandLine& line, const std::fi
     return arguments;
 }
 
-int run(Application& application, const CommandLine& line, const QUrl& makerHost)
+QUrl makerHostFor(const CommandLine& line, const std::filesystem::path& folder)
+{
+    const QUrl chosen(line.makerHost ? QString::fromLocal8Bit(line.makerHost->c_str())
+                                     : QString::fromStdString(storedMakerHost(AppFolder(folder))));
+    return isWebHost(chosen) ? chosen : QUrl(QString::fromLatin1(QRVRC_MAKER_HOST));
+}
+
+int run(Application& application, const CommandLine& line)
 {
     const std::filesystem::path executable = pathOf(QCoreApplication::applicationDirPath());
     const std::filesystem::path userFolder =
@@ -89,7 +97,7 @@ int run(Application& application, const CommandLine& line, const QUrl& makerHost
 
     applyLook();
     qrvrcMain frame({.folder = folder,
-                     .makerHost = makerHost,
+                     .makerHost = makerHostFor(line, folder),
                      .version = QRVRC_VERSION,
                      .program = pathOf(QCoreApplication::applicationFilePath()),
                      .arguments = restartArguments(line, folder)});
@@ -127,14 +135,13 @@ int start(int argc, char** argv)
     case CommandLine::Wish::Run:
         break;
     }
-    const QUrl makerHost(QString::fromLocal8Bit(line.makerHost.value_or(QRVRC_MAKER_HOST).c_str()));
-    if (!makerHost.isValid() || makerHost.host().isEmpty() || !makerHost.scheme().startsWith(QLatin1String("http")))
-        return complain("'" + line.makerHost.value_or("") + "' is no http or https address");
+    if (line.makerHost && !isWebHost(QUrl(QString::fromLocal8Bit(line.makerHost->c_str()))))
+        return complain("'" + *line.makerHost + "' is no http or https address");
 
     QCoreApplication::setApplicationName(QStringLiteral("qrvv3rc"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QRVRC_VERSION));
     Application application(argc, argv);
-    return run(application, line, makerHost);
+    return run(application, line);
 }
 
 } // namespace

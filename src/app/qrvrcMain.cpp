@@ -4,7 +4,6 @@
 #include "app/ComponentProbe.h"
 #include "app/HelpKey.h"
 #include "app/Housekeeping.h"
-#include "app/PendingWindow.h"
 #include "app/UpdaterHandOver.h"
 #include "app/qrvrcAbout.h"
 #include "app/qrvrcProgress.h"
@@ -27,12 +26,18 @@
 #include "profiles/qrvrcProfilesList.h"
 #include "ui/Dialogs.h"
 #include "ui/Twips.h"
+#include "updates/UpdateAgent.h"
+#include "updates/UpdateOptions.h"
+#include "updates/qrvrcOptions.h"
+#include "updates/qrvrcPlugins.h"
+#include "updates/qrvrcUpdate.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QStatusBar>
 #include <QTime>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
@@ -89,6 +94,7 @@ qrvrcMain::~qrvrcMain()
     delete m_core->windows.existing(u"qrvrcSupport"_s);
     delete m_pages; // the windows go before what they refer to
     delete m_menu;
+    delete m_updateAgent;
 }
 
 void qrvrcMain::buildFrame()
@@ -116,18 +122,6 @@ void qrvrcMain::buildFrame()
 
 void qrvrcMain::registerWindows()
 {
-    struct Pending
-    {
-        const char16_t* window;
-        const char16_t* title;
-        const char16_t* helpSection;
-    };
-    // Sections that this version offers no window for yet; each says so.
-    static constexpr std::array pending{
-        Pending{u"qrvrcOptions", u"Options", u"Options"},
-        Pending{u"qrvrcPlugins", u"Plugins", u"Plugins"},
-        Pending{u"qrvrcUpdate", u"Update", u"Update"},
-    };
     WindowRegistry& windows = m_core->windows;
     windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
     windows.add(u"qrvrcProfilesList"_s, [this] {
@@ -166,18 +160,23 @@ void qrvrcMain::registerWindows()
         };
         return new qrvrcHelp(m_core->client, hooks, m_pages);
     });
-    for (const Pending& window : pending) {
-        const QString name = QString::fromUtf16(window.window);
-        windows.add(name, [this, name, window] {
-            return new PendingWindow(m_core->client, name, QString::fromUtf16(window.title),
-                                     QString::fromUtf16(window.helpSection), m_pages);
-        });
-    }
+    registerUpdateWindows();
 }
 
-qrvrcLogin& qrvrcMain::login()
+void qrvrcMain::registerUpdateWindows()
 {
-    return *static_cast<qrvrcLogin*>(m_core->windows.window(u"qrvrcLogin"_s));
+    ClientCore& core = *m_core;
+    m_updateAgent = new UpdateAgent(core.updates, core.client, core.updatesAvailable, this);
+    m_options = std::make_unique<UpdateOptions>(
+        UpdateOptions::Subjects{core.store, core.folder, core.updates, *m_updateAgent, core.link, core.codePage});
+    core.windows.add(u"qrvrcOptions"_s, [this] { return new qrvrcOptions(m_core->client, *m_options, m_pages); });
+    core.windows.add(u"qrvrcUpdate"_s,
+                     [this] { return new qrvrcUpdate(m_core->client, m_core->updates, *m_updateAgent, m_pages); });
+    core.windows.add(u"qrvrcPlugins"_s, [this] {
+        auto* window = new qrvrcPlugins(m_core->client, m_core->plugins, m_core->updates, *m_updateAgent, m_pages);
+        connect(&m_core->pluginHost, &PluginHost::tableChanged, window, &qrvrcPlugins::followPlugins);
+        return window;
+    });
 }
 
 void qrvrcMain::wireLink()
@@ -232,7 +231,25 @@ bool qrvrcMain::MDIFormLoad()
     if (!goesOn || !componentsAreChecked())
         return false;
     loadNavigation();
+    // Once the first window is there: nobody waits for an update location.
+    QTimer::singleShot(0, this, &qrvrcMain::askForUpdates);
     return true;
+}
+
+void qrvrcMain::askForUpdates()
+{
+    forgetReplaced(m_core->folder);
+    m_updateAgent->askAtStart([this](bool core, bool plugins) {
+        if (!core && !plugins)
+            return;
+        const QString what =
+            core && plugins ? u"There is updates available for the QRVRC Core Components and QRVRC Plugins Available."_s
+            : core          ? u"There is updates available for the QRVRC Core Components."_s
+                            : u"There is updates available for the QRVRC Plugins Available."_s;
+        m_core->reporter.ReportMsg(
+            MessageKind::ActionRequired,
+            what + u"\r\n\r\nPlease update the application before connecting to the host computer."_s);
+    });
 }
 
 bool qrvrcMain::componentsAreChecked()
@@ -274,6 +291,7 @@ bool qrvrcMain::updaterTakesOver()
 
 void qrvrcMain::loadNavigation()
 {
+    m_core->reporter.trap("frmMenu_Form_Load", [this] { m_options->load(); });
     m_core->reporter.trap("frmMenu_Form_Load", [this] {
         m_core->pluginHost.LoadPlugins();
         qrvrcLogin& window = login();

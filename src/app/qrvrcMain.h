@@ -19,6 +19,8 @@ class qrvrcMenu;
 class qrvrcProfilesList;
 class qrvrcProgress;
 class SupportDesk;
+class UpdateAgent;
+class UpdateOptions;
 class WorkingWindow;
 
 /// The main frame: the navigation at its top and one working window at a time below it. Owns everything.
@@ -55,7 +57,9 @@ private:
     void registerWindows();
     void wireLink();
     void loadNavigation();
+    void registerUpdateWindows();
     bool updaterTakesOver();
+    void askForUpdates();
     bool componentsAreChecked();
     void showPlugin(const std::string& plugin, const std::string& menuItem);
     void startGame(std::int32_t profileId);
@@ -78,6 +82,8 @@ private:
     qrvrcMenu* m_menu = nullptr;
     qrvrcProgress* m_progress = nullptr;
     Housekeeping* m_housekeeping = nullptr;
+    UpdateAgent* m_updateAgent = nullptr;
+    std::unique_ptr<UpdateOptions> m_options;
     std::string m_version;
     RestartOrder m_restart;
     int m_locks = 0;

@@ -1,23 +1,24 @@
 #include "platform/CodePage.h"
 
+#include "platform/CodePageTables.h"
+
 #include <algorithm>
-
-namespace {
-
-// 0x80 to 0x9F of Windows-1252. The five values without a character of their own keep their control codes, as the
-// system's own conversion does.
-constexpr std::array<char16_t, 32> upperControls{0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                                 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
-                                                 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                                 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-} // namespace
 
 CodePage::CodePage()
 {
-    for (std::size_t value = 0; value < m_characters.size(); ++value)
+    for (std::size_t value = 0; value < 0x80; ++value)
         m_characters[value] = static_cast<char16_t>(value);
-    std::copy(upperControls.begin(), upperControls.end(), m_characters.begin() + 0x80);
+    use(usual);
+}
+
+bool CodePage::use(std::string_view name)
+{
+    const auto table = std::find_if(codePageTables.begin(), codePageTables.end(),
+                                    [name](const CodePageTable& known) { return known.name == name; });
+    if (table == codePageTables.end())
+        return false;
+    std::copy(table->upper.begin(), table->upper.end(), m_characters.begin() + 0x80);
+    return true;
 }
 
 QString CodePage::toText(std::string_view bytes) const
@@ -32,8 +33,8 @@ int CodePage::byteFor(char16_t character) const
 {
     if (character < 0x100 && m_characters[character] == character)
         return character;
-    const auto found = std::find(m_characters.begin() + 0x80, m_characters.begin() + 0xA0, character);
-    return found == m_characters.begin() + 0xA0 ? -1 : static_cast<int>(found - m_characters.begin());
+    const auto found = std::find(m_characters.begin() + 0x80, m_characters.end(), character);
+    return found == m_characters.end() ? -1 : static_cast<int>(found - m_characters.begin());
 }
 
 std::string CodePage::toBytes(QStringView text) const

@@ -7,11 +7,18 @@
 #include <string_view>
 
 /// The one place where bytes of the host become text for a widget, and a widget's text becomes bytes for the host.
-/// Single-byte, Windows-1252: all 256 values have a character of their own, so bytes survive the way there and back.
+/// Single-byte, Windows-1252 unless told otherwise: all 256 values have a character of their own, so bytes survive the
+/// way there and back.
 class CodePage
 {
 public:
+    static constexpr std::string_view usual = "windows-1252";
+
     CodePage();
+
+    /// Changes to the code page of that name, one of `codePageTables`; any other name changes nothing.
+    /// @return whether there is such a code page
+    bool use(std::string_view name);
 
     QString toText(std::string_view bytes) const;
     /// Characters that the code page lacks become "?"; `firstForeign` tells beforehand.

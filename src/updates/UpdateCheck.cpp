@@ -3,9 +3,6 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 
-#include <algorithm>
-#include <array>
-
 namespace {
 
 constexpr std::string_view helpFile = "help.chm";
@@ -63,15 +60,4 @@ void Candidates::take(const UpdateRecord& record, const LocalFacts& facts, Check
             throw;
         refused.push_back(record);
     }
-}
-
-const UpdateRecord* Candidates::find(std::string_view name) const
-{
-    for (const std::vector<UpdateRecord>* list : std::array{&added, &updated, &changed}) {
-        const auto found = std::find_if(list->begin(), list->end(),
-                                        [name](const UpdateRecord& record) { return record.name == name; });
-        if (found != list->end())
-            return &*found;
-    }
-    return nullptr;
 }

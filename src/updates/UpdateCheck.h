@@ -57,6 +57,4 @@ struct Candidates
     void take(const UpdateRecord& record, const LocalFacts& facts, CheckRule rule);
     /// Whether nothing is offered.
     bool isEmpty() const { return updated.empty() && added.empty() && changed.empty(); }
-    /// The record of that name, looked for among the new, the updated and the changed ones; null when there is none.
-    const UpdateRecord* find(std::string_view name) const;
 };

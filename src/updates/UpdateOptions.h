@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QString>
+
+#include <chrono>
+#include <string>
+
+class AppFolder;
+class clsMFD;
+class clsWinSock;
+class CodePage;
+class QUrl;
+class UpdateAgent;
+struct UpdateServices;
+
+/// The settings that the options window shows.
+struct OptionValues
+{
+    QString location; ///< the update location; empty when none is in force
+    bool automatic = false;
+    std::chrono::seconds replyLimit{60}; ///< how long the host may be silent
+    std::string codePage;                ///< of the host, one of `codePageTables`
+    QString makerHost;                   ///< empty for the one that is built in; counts from the next start on
+    QString updateKey;                   ///< public key of the update location; empty for none
+
+    bool operator==(const OptionValues&) const = default;
+};
+
+inline constexpr std::chrono::seconds minReplyLimit{5};
+inline constexpr std::chrono::seconds maxReplyLimit{3600};
+
+/// Reads the settings at the start and puts them in force, then and when they are changed.
+class UpdateOptions
+{
+public:
+    /// What the settings act on. All outlive the options.
+    struct Subjects
+    {
+        const clsMFD& store;
+        const AppFolder& folder;
+        UpdateServices& services;
+        UpdateAgent& agent;
+        clsWinSock& link;
+        CodePage& codePage;
+    };
+
+    explicit UpdateOptions(Subjects subjects) : m_subjects(subjects) {}
+
+    /// Puts what is stored in force; without stored settings there is no update location.
+    /// @throws RuntimeError InvalidFileFormat for a damaged file
+    void load();
+    /// Stores the settings and puts them in force. @throws RuntimeError from the disk; nothing is in force then
+    void save(const OptionValues& values);
+    /// Turns the check by the clock on or off without storing it.
+    void setAutomatic(bool automatic);
+
+    const OptionValues& values() const { return m_values; }
+    /// One of the two built-in update locations.
+    QString builtIn(int number) const;
+
+private:
+    void putInForce();
+
+    Subjects m_subjects;
+    OptionValues m_values;
+};
+
+/// The maker host that is stored in the options; empty for none.
+std::string storedMakerHost(const AppFolder& folder);
+
+/// Whether the text is the address of a web host.
+bool isWebHost(const QUrl& url);

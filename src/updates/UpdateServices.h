@@ -1,0 +1,57 @@
+#pragma once
+
+#include "updates/FileSums.h"
+#include "updates/UpdateCheck.h"
+#include "updates/UpdateList.h"
+
+#include <QString>
+#include <QUrl>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+class Inet;
+class UpdateTargets;
+
+/// What the windows and the background checks of updates share. Owned by the core, which outlives them.
+struct UpdateServices
+{
+    Inet& inet;
+    const UpdateTargets& targets;
+    std::string clientVersion; ///< of the running program, four parts
+    QUrl makerHost;            ///< behind the built-in locations and the news
+    /// The update location, with which every address begins. Written by the options; empty until they have been stored
+    /// once.
+    QString location = {};
+    /// Who may say what belongs at the update location; nothing to take what comes. Written by the options.
+    std::optional<UpdateKey> key = {};
+    /// Whether a file is in use, so that it cannot be replaced now.
+    std::function<bool(const std::filesystem::path& file)> isInUse = {};
+
+    std::chrono::milliseconds listLimit = std::chrono::seconds(30);
+    std::chrono::milliseconds startLimit = std::chrono::seconds(3); ///< the same while the program starts
+    std::chrono::milliseconds silenceLimit = std::chrono::seconds(30);
+};
+
+/// One kind of check: which list it reads, and how it judges.
+struct CheckOrder
+{
+    std::string_view list;
+    ListKind kind;
+    CheckRule rule;
+    std::string_view helpVersionIn;
+    bool stopsAtFirst; ///< for a check that only asks whether there is anything
+};
+
+extern const CheckOrder clientCheck;
+extern const CheckOrder clientCheckByClock;
+extern const CheckOrder pluginCheck;
+extern const CheckOrder pluginCheckByClock;
+
+/// The address of a list or file at an update location.
+/// @return an empty one when the location makes no web address
+QUrl addressAt(const QString& location, ListKind kind, std::string_view name);

@@ -1,0 +1,183 @@
+#include "updates/qrvrcOptions.h"
+
+#include "diagnostics/Reporter.h"
+#include "link/Client.h"
+#include "platform/CodePageTables.h"
+#include "ui/ImageButton.h"
+#include "updates/FileSums.h"
+#include "updates/UpdateOptions.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSpinBox>
+#include <QUrl>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString otherLocation = u"Other Location"_s;
+
+// Pixels.
+constexpr int margin = 8;
+constexpr QSize buttonSize(130, 30);
+constexpr QSize usualPage(757, 440);
+
+/// A label and its field, which the label's shortcut reaches and which bears its name.
+QLabel* addRow(QFormLayout* form, const QString& caption, QWidget* field, const QString& name)
+{
+    field->setObjectName(name);
+    field->setAccessibleName(QString(caption).remove(u'&').remove(u':'));
+    auto* label = new QLabel(caption);
+    label->setBuddy(field);
+    form->addRow(label, field);
+    return label;
+}
+
+QString titleOf(const CodePageTable& table)
+{
+    return u"%1 (%2)"_s.arg(QLatin1String(table.title), QLatin1String(table.name));
+}
+
+} // namespace
+
+qrvrcOptions::qrvrcOptions(Client& client, UpdateOptions& options, QWidget* parent)
+    : WorkingWindow(parent),
+      m_client(client),
+      m_options(options)
+{
+    setObjectName(u"qrvrcOptions"_s);
+    const QSize page = parent ? parent->size() : usualPage;
+    auto* frame = new QGroupBox(u"Options"_s, this);
+    frame->setObjectName(u"Frame1"_s);
+    const int saveTop = page.height() - margin - buttonSize.height();
+    frame->setGeometry(margin, 2, page.width() - 2 * margin, saveTop - margin - 2);
+    auto* layout = new QVBoxLayout(frame);
+    layout->addWidget(buildUpdates());
+    layout->addWidget(buildProgram());
+    layout->addStretch();
+    cmdSave = new ImageButton(u"cmdSave"_s, u"&Save"_s, client.pictures, this);
+    cmdSave->place(QRect(QPoint(page.width() - margin - buttonSize.width(), saveTop), buttonSize));
+    wireSignals();
+    show(m_options.values());
+}
+
+QGroupBox* qrvrcOptions::buildUpdates()
+{
+    auto* frame = new QGroupBox(u"Updates"_s);
+    frame->setObjectName(u"Frame2"_s);
+    auto* form = new QFormLayout(frame);
+    cboUpdateUrl = new QComboBox;
+    cboUpdateUrl->addItems({m_options.builtIn(1), m_options.builtIn(2), otherLocation});
+    cboUpdateUrl->setPlaceholderText(u"None is stored yet"_s);
+    addRow(form, u"&Update Location:"_s, cboUpdateUrl, u"cboUpdateUrl"_s);
+    txtUpdatePath = new QLineEdit;
+    txtUpdatePath->setPlaceholderText(u"An address that ends with \"/\""_s);
+    Label31 = addRow(form, u"&Other Location:"_s, txtUpdatePath, u"txtUpdatePath"_s);
+    Label31->setObjectName(u"Label31"_s);
+    chkCheckForUpdates = new QCheckBox(u"&Automatically check for updates"_s);
+    chkCheckForUpdates->setObjectName(u"chkCheckForUpdates"_s);
+    form->addRow(QString(), chkCheckForUpdates);
+    return frame;
+}
+
+QGroupBox* qrvrcOptions::buildProgram()
+{
+    auto* frame = new QGroupBox(u"Program"_s);
+    frame->setObjectName(u"fmeProgram"_s);
+    auto* form = new QFormLayout(frame);
+    txtReplyTimeout = new QSpinBox;
+    txtReplyTimeout->setRange(static_cast<int>(minReplyLimit.count()), static_cast<int>(maxReplyLimit.count()));
+    txtReplyTimeout->setSuffix(u" seconds"_s);
+    txtReplyTimeout->setToolTip(u"How long the host may be silent before the connection is given up"_s);
+    addRow(form, u"&Reply Time-out:"_s, txtReplyTimeout, u"txtReplyTimeout"_s);
+    cboCodePage = new QComboBox;
+    for (const CodePageTable& table : codePageTables)
+        cboCodePage->addItem(titleOf(table), QByteArray(table.name.data(), static_cast<qsizetype>(table.name.size())));
+    addRow(form, u"&Code Page of the Host:"_s, cboCodePage, u"cboCodePage"_s);
+    txtMakerHost = new QLineEdit;
+    txtMakerHost->setPlaceholderText(u"The one that is built in"_s);
+    txtMakerHost->setToolTip(u"Web host for the built-in update locations, the news and error reports"_s);
+    addRow(form, u"&Maker Host:"_s, txtMakerHost, u"txtMakerHost"_s);
+    txtUpdateKey = new QLineEdit;
+    txtUpdateKey->setPlaceholderText(u"None: downloads are not checked for signatures"_s);
+    txtUpdateKey->setToolTip(u"Public Ed25519 key, in Base64, with which the update location signs its checksums"_s);
+    addRow(form, u"Update &Key:"_s, txtUpdateKey, u"txtUpdateKey"_s);
+    auto* note = new QLabel(u"A change of the maker host counts from the next start on."_s);
+    note->setWordWrap(true);
+    form->addRow(QString(), note);
+    return frame;
+}
+
+void qrvrcOptions::wireSignals()
+{
+    connect(cboUpdateUrl, &QComboBox::currentTextChanged, this, &qrvrcOptions::locationChosen);
+    connect(chkCheckForUpdates, &QCheckBox::toggled, this,
+            [this](bool automatic) { m_options.setAutomatic(automatic); });
+    connect(cmdSave, &ImageButton::clicked, this, &qrvrcOptions::save);
+}
+
+void qrvrcOptions::show(const OptionValues& values)
+{
+    const int builtIn = cboUpdateUrl->findText(values.location);
+    const bool isOther = builtIn < 0 && !values.location.isEmpty();
+    cboUpdateUrl->setCurrentIndex(isOther ? cboUpdateUrl->findText(otherLocation) : builtIn);
+    if (isOther)
+        txtUpdatePath->setText(values.location);
+    locationChosen();
+    chkCheckForUpdates->setChecked(values.automatic);
+    txtReplyTimeout->setValue(static_cast<int>(values.replyLimit.count()));
+    cboCodePage->setCurrentIndex(cboCodePage->findData(QByteArray::fromStdString(values.codePage)));
+    txtMakerHost->setText(values.makerHost);
+    txtUpdateKey->setText(values.updateKey);
+}
+
+void qrvrcOptions::locationChosen()
+{
+    const bool isOther = cboUpdateUrl->currentText() == otherLocation;
+    txtUpdatePath->setEnabled(isOther);
+    Label31->setEnabled(isOther);
+}
+
+OptionValues qrvrcOptions::typed() const
+{
+    const bool isOther = cboUpdateUrl->currentText() == otherLocation;
+    return {.location = isOther ? txtUpdatePath->text() : cboUpdateUrl->currentText(),
+            .automatic = chkCheckForUpdates->isChecked(),
+            .replyLimit = std::chrono::seconds(txtReplyTimeout->value()),
+            .codePage = cboCodePage->currentData().toByteArray().toStdString(),
+            .makerHost = txtMakerHost->text().trimmed(),
+            .updateKey = txtUpdateKey->text().trimmed()};
+}
+
+void qrvrcOptions::complainOf(QLineEdit* field, const QString& fault)
+{
+    m_client.reporter.ReportMsg(MessageKind::Failed, fault);
+    field->setFocus();
+    field->selectAll();
+}
+
+void qrvrcOptions::save()
+{
+    const OptionValues values = typed();
+    if (!values.makerHost.isEmpty() && !isWebHost(QUrl(values.makerHost))) {
+        complainOf(txtMakerHost, u"The maker host must be a web address such as http://www.example.com, or empty."_s);
+        return;
+    }
+    if (!values.updateKey.isEmpty() && !UpdateKey::fromText(values.updateKey.toUtf8().toStdString())) {
+        complainOf(txtUpdateKey, u"The update key must be the Base64 of a public Ed25519 key (32 bytes), or empty."_s);
+        return;
+    }
+    if (m_client.reporter.trap("cmdSave_Click", [&] { m_options.save(values); }))
+        m_client.reporter.ReportMsg(MessageKind::Success, u"Settings Saved Successfully."_s);
+}
+
+void qrvrcOptions::Form_Activate()
+{
+    m_client.helpSection = u"Options"_s;
+}

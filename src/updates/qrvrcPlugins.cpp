@@ -1,0 +1,158 @@
+#include "updates/qrvrcPlugins.h"
+
+#include "link/Client.h"
+#include "platform/CodePage.h"
+#include "plugins/PluginTable.h"
+#include "updates/UpdateAgent.h"
+#include "updates/UpdatePanel.h"
+
+#include <QEvent>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Pixels.
+constexpr int margin = 8;
+constexpr int panelWidth = 400;
+constexpr int listHeight = 150;
+constexpr QSize usualPage(757, 440);
+
+QString statusText(const Plugin& plugin)
+{
+    if (!plugin.enabled)
+        return u"Status: Disabled"_s;
+    return plugin.restricted ? u"Status: Restricted"_s : u"Status: Enabled"_s;
+}
+
+} // namespace
+
+qrvrcPlugins::qrvrcPlugins(Client& client, const PluginTable& plugins, const UpdateServices& services,
+                           UpdateAgent& agent, QWidget* parent)
+    : WorkingWindow(parent),
+      m_client(client),
+      m_plugins(plugins),
+      m_agent(agent)
+{
+    setObjectName(u"qrvrcPlugins"_s);
+    const QSize page = parent ? parent->size() : usualPage;
+    const int height = page.height() - 2 - margin;
+    const int left = page.width() - 3 * margin - panelWidth;
+    buildList(QRect(margin, 2, left, listHeight));
+    const int detailsTop = 2 + listHeight + margin;
+    buildDetails(QRect(margin, detailsTop, left, height + 2 - detailsTop));
+    new UpdatePanel(client, services, agent,
+                    {.frameName = u"Frame3"_s,
+                     .title = u"New Plugins && Updates"_s,
+                     .checkName = u"cmdCheckPlugins"_s,
+                     .checkCaption = u"Check Plugins"_s,
+                     .order = pluginCheck,
+                     .success = u"Updates downloaded and installed successfully!"_s},
+                    QRect(page.width() - margin - panelWidth, 2, panelWidth, height), this);
+    connect(lstPlugins, &QListWidget::itemSelectionChanged, this, &qrvrcPlugins::lstPlugins_Click);
+    followPlugins();
+}
+
+void qrvrcPlugins::buildList(const QRect& place)
+{
+    auto* frame = new QGroupBox(u"Available Plugins"_s, this);
+    frame->setObjectName(u"Frame1"_s);
+    frame->setGeometry(place);
+    lstPlugins = new QListWidget;
+    lstPlugins->setObjectName(u"lstPlugins"_s);
+    lstPlugins->setAccessibleName(u"Available Plugins"_s);
+    lstPlugins->installEventFilter(this);
+    auto* layout = new QVBoxLayout(frame);
+    layout->addWidget(lstPlugins);
+}
+
+void qrvrcPlugins::buildDetails(const QRect& place)
+{
+    auto* frame = new QGroupBox(u"Plugin Information"_s, this);
+    frame->setObjectName(u"Frame2"_s);
+    frame->setGeometry(place);
+    // What a plugin says of itself may be longer than the frame is high.
+    auto* page = new QWidget;
+    auto* form = new QFormLayout(page);
+    form->setContentsMargins(0, 0, 0, 0);
+    const auto add = [form](const QString& name, const QString& caption) {
+        auto* label = new QLabel;
+        label->setObjectName(name);
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        form->addRow(caption, label);
+        return label;
+    };
+    lblName = add(u"lblName"_s, u"Name:"_s);
+    lblVersion = add(u"lblVersion"_s, u"Version:"_s);
+    lblAuthor = add(u"lblAuthor"_s, u"Author:"_s);
+    lblFile = add(u"lblFile"_s, u"File:"_s);
+    lblInfo = add(u"lblInfo"_s, u"Info:"_s);
+    lblStatus = new QLabel(u"Status:"_s);
+    lblStatus->setObjectName(u"lblStatus"_s);
+    auto* scrolled = new QScrollArea;
+    scrolled->setFrameShape(QFrame::NoFrame);
+    scrolled->setWidgetResizable(true);
+    scrolled->setWidget(page);
+    auto* layout = new QVBoxLayout(frame);
+    layout->addWidget(scrolled);
+    layout->addWidget(lblStatus);
+}
+
+void qrvrcPlugins::followPlugins()
+{
+    const QListWidgetItem* current = lstPlugins->currentItem();
+    const QString kept = current ? current->text() : QString();
+    const QSignalBlocker quiet(lstPlugins);
+    lstPlugins->clear();
+    for (const Plugin& plugin : m_plugins.plugins) {
+        auto* item = new QListWidgetItem(m_client.codePage.toText(plugin.name), lstPlugins);
+        if (item->text() == kept && !kept.isEmpty() && !lstPlugins->currentItem())
+            lstPlugins->setCurrentItem(item);
+    }
+    lstPlugins_Click();
+}
+
+void qrvrcPlugins::lstPlugins_Click()
+{
+    const QListWidgetItem* item = lstPlugins->currentItem();
+    const Plugin* plugin = item ? m_plugins.find(m_client.codePage.toBytes(item->text())) : nullptr;
+    const Plugin shown = plugin ? *plugin : Plugin();
+    const CodePage& codePage = m_client.codePage;
+    lblName->setText(codePage.toText(shown.name));
+    lblVersion->setText(codePage.toText(shown.version));
+    lblAuthor->setText(codePage.toText(shown.author));
+    lblFile->setText(codePage.toText(shown.file));
+    lblInfo->setText(codePage.toText(shown.description));
+    lblStatus->setText(plugin ? statusText(*plugin) : u"Status:"_s);
+}
+
+bool qrvrcPlugins::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == lstPlugins && event->type() == QEvent::FocusIn && lstPlugins->count() > 0 &&
+        !lstPlugins->currentItem())
+        lstPlugins->setCurrentRow(0);
+    return WorkingWindow::eventFilter(watched, event);
+}
+
+void qrvrcPlugins::Form_Activate()
+{
+    m_client.helpSection = u"Plugins"_s;
+}
+
+bool qrvrcPlugins::PluginsUpdateAvailable()
+{
+    return m_agent.PluginsUpdateAvailable();
+}
+
+void qrvrcPlugins::CheckForPlugins()
+{
+    m_agent.CheckForPlugins();
+}

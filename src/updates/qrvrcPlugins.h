@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ui/WorkingWindow.h"
+
+class QGroupBox;
+class QLabel;
+class QListWidget;
+class UpdateAgent;
+struct Client;
+struct PluginTable;
+struct UpdateServices;
+
+/// The loaded plugins with what they say of themselves, and what keeps their files current.
+class qrvrcPlugins : public WorkingWindow
+{
+    Q_OBJECT
+
+public:
+    /// All outlive the window.
+    qrvrcPlugins(Client& client, const PluginTable& plugins, const UpdateServices& services, UpdateAgent& agent,
+                 QWidget* parent);
+
+    /// Whether there is something to download. Events run meanwhile, for a few seconds at most.
+    bool PluginsUpdateAvailable();
+    /// The plugin half of the check by the clock.
+    void CheckForPlugins();
+    /// Shows the details of the selected plugin.
+    void lstPlugins_Click();
+    /// Follows a plugin table that has been built anew.
+    void followPlugins();
+
+    void Form_Activate() override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildList(const QRect& place);
+    void buildDetails(const QRect& place);
+
+    Client& m_client;
+    const PluginTable& m_plugins;
+    UpdateAgent& m_agent;
+    QListWidget* lstPlugins = nullptr;
+    QLabel* lblName = nullptr;
+    QLabel* lblVersion = nullptr;
+    QLabel* lblAuthor = nullptr;
+    QLabel* lblFile = nullptr;
+    QLabel* lblInfo = nullptr;
+    QLabel* lblStatus = nullptr;
+};
