@@ -18,11 +18,11 @@ namespace practice {
 struct OfferedFile
 {
     QByteArray name; ///< in the list; an executable is served under the ending "fle"
-    QByteArray folder;
-    QByteArray type;
-    QByteArray description;
-    QByteArray version;
-    QByteArray body;
+    QByteArray folder = {};
+    QByteArray type = {};
+    QByteArray description = {};
+    QByteArray version = {};
+    QByteArray body = {};
 };
 
 /// The maker's update locations and news, at "/downloads/QRVV3/rc/", "/Quorvane/qrvrc/" and "/qrvrcnews.txt". Offers

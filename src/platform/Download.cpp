@@ -50,7 +50,6 @@ Download::~Download()
     if (!m_reply)
         return;
     m_reply->disconnect(this);
-    m_reply->abort();
     m_file.remove();
 }
 
@@ -109,8 +108,7 @@ void Download::end(DownloadEnd how)
     m_silence.stop();
     QNetworkReply* reply = std::exchange(m_reply, nullptr);
     reply->disconnect(this);
-    reply->abort();
-    reply->deleteLater();
+    reply->deleteLater(); // which breaks the transfer off
     if (how != DownloadEnd::Whole)
         m_file.remove();
     Q_EMIT finished();

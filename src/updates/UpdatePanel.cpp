@@ -102,6 +102,8 @@ void UpdatePanel::wireSignals()
 void UpdatePanel::setBusy(bool busy)
 {
     cmdCancel->setEnabled(busy);
+    if (busy && window()->isActiveWindow() && (!window()->focusWidget() || isAncestorOf(window()->focusWidget())))
+        cmdCancel->setFocus(); // the button that was pressed cannot keep the keyboard
     lstQRV->setEnabled(!busy);
     window()->setCursor(busy ? Qt::WaitCursor : Qt::ArrowCursor);
 }
@@ -125,10 +127,10 @@ void UpdatePanel::clearGrid()
 
 void UpdatePanel::check()
 {
-    cmdCheck->setEnabled(false);
     clearGrid();
     lstQRV->setEmptyText(u"Looking for updates..."_s);
     setBusy(true);
+    cmdCheck->setEnabled(false);
     m_check = std::make_unique<ListCheck>(m_services, m_setup.order, m_services.listLimit);
     // Behind the check's own doings: what follows opens boxes.
     connect(m_check.get(), &ListCheck::finished, this, &UpdatePanel::showCandidates, Qt::QueuedConnection);
@@ -232,8 +234,8 @@ void UpdatePanel::getUpdates()
         cmdCheck->setEnabled(true);
         return;
     }
-    cmdGetUpdates->setEnabled(false);
     setBusy(true);
+    cmdGetUpdates->setEnabled(false);
     m_queue = std::make_unique<UpdateQueue>(m_services, m_setup.order.kind, m_check->location(), std::move(items));
     connect(m_queue.get(), &UpdateQueue::received, this, &UpdatePanel::advance);
     connect(m_queue.get(), &UpdateQueue::finished, this, &UpdatePanel::concludeDownload, Qt::QueuedConnection);

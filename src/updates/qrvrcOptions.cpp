@@ -26,6 +26,7 @@ const QString otherLocation = u"Other Location"_s;
 // Pixels.
 constexpr int margin = 8;
 constexpr QSize buttonSize(130, 30);
+constexpr int labelWidth = 140; // so that the fields of both frames stand in one line
 constexpr QSize usualPage(757, 440);
 
 /// A label and its field, which the label's shortcut reaches and which bears its name.
@@ -35,6 +36,7 @@ QLabel* addRow(QFormLayout* form, const QString& caption, QWidget* field, const 
     field->setAccessibleName(QString(caption).remove(u'&').remove(u':'));
     auto* label = new QLabel(caption);
     label->setBuddy(field);
+    label->setMinimumWidth(labelWidth);
     form->addRow(label, field);
     return label;
 }
@@ -82,7 +84,7 @@ QGroupBox* qrvrcOptions::buildUpdates()
     Label31->setObjectName(u"Label31"_s);
     chkCheckForUpdates = new QCheckBox(u"&Automatically check for updates"_s);
     chkCheckForUpdates->setObjectName(u"chkCheckForUpdates"_s);
-    form->addRow(QString(), chkCheckForUpdates);
+    form->addRow(new QLabel, chkCheckForUpdates);
     return frame;
 }
 

@@ -101,6 +101,8 @@ void qrvrcPlugins::buildDetails(const QRect& place)
     scrolled->setFrameShape(QFrame::NoFrame);
     scrolled->setWidgetResizable(true);
     scrolled->setWidget(page);
+    scrolled->viewport()->setAutoFillBackground(false);
+    page->setAutoFillBackground(false);
     auto* layout = new QVBoxLayout(frame);
     layout->addWidget(scrolled);
     layout->addWidget(lblStatus);

@@ -38,7 +38,7 @@ Desk::~Desk() = default;
 bool Desk::open()
 {
     m_frame = std::make_unique<qrvrcMain>(
-        Setup{.folder = path(""), .makerHost = QUrl(u"http://127.0.0.1:1"_s), .version = "3.0.1.0", .boxes = &boxes});
+        Setup{.folder = path(""), .makerHost = makerHost, .version = "3.0.1.0", .boxes = &boxes});
     if (!m_frame->MDIFormLoad())
         return false;
     m_frame->show();

@@ -6,6 +6,7 @@
 #include "support/RecordingDialogs.h"
 
 #include <QTemporaryDir>
+#include <QUrl>
 
 #include <filesystem>
 #include <memory>
@@ -14,7 +15,7 @@ class QAbstractItemModel;
 class QTabBar;
 
 /// The whole client on a folder of its own, beside a practice tracker on loopback, used through its controls as a user
-/// does. Nobody takes its error reports.
+/// does. Nobody takes its error reports unless a maker host is set.
 class Desk
 {
 public:
@@ -24,6 +25,7 @@ public:
     RecordingDialogs boxes;
     practice::Tracker tracker;
     practice::SupportSide operatorSide; ///< at the port that the tracker announces
+    QUrl makerHost{QStringLiteral("http://127.0.0.1:1")}; ///< of the next open(); nobody is there
 
     /// Makes the frame as a start of the program does, and shows it.
     /// @return what the start says about going on

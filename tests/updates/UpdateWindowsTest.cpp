@@ -1,0 +1,429 @@
+#include "practice/UpdatePages.h"
+#include "practice/WebSide.h"
+#include "support/Desk.h"
+#include "updates/ListCheck.h"
+#include "updates/NewsDesk.h"
+#include "updates/UpdateAgent.h"
+#include "updates/qrvrcPlugins.h"
+#include "updates/qrvrcUpdate.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateTime>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QSpinBox>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using practice::PageFault;
+
+namespace {
+
+const RecordingDialogs::Box noList{u"Failed!"_s, u"Unable to obtain update info!"_s};
+
+/// The client beside a maker host, whose first built-in location it has stored.
+struct House
+{
+    practice::WebSide web;
+    Desk desk;
+
+    explicit House(const QByteArray& settings = "[Settings]\r\nUpdateUrl=\r\nCheckForUpdates=0\r\n")
+    {
+        if (!web.listen())
+            qFatal("no port");
+        desk.makerHost = web.base();
+        if (!settings.isEmpty())
+            desk.put("\\settings\\config.ini", settings);
+        desk.put("\\data.bin", "0123456789");
+        desk.put("\\qrvv3rc.exe", "QRVRC-FILE-VERSION:3.0.1.0"); // the program that the lists speak of
+    }
+    practice::UpdatePages& pages() { return web.updates(); }
+    void offer(const QByteArray& name, const QByteArray& version, const QByteArray& body)
+    {
+        pages().offerClientFile({.name = name,
+                                 .folder = "\\",
+                                 .type = name == "qrvv3rc.exe" ? "executable file" : "data file",
+                                 .description = name == "qrvv3rc.exe" ? "(QRV) Main Executable" : "About " + name,
+                                 .version = version,
+                                 .body = body});
+    }
+    bool open(const QString& window)
+    {
+        if (!desk.open())
+            return false;
+        // The questions of the start are over when nothing of it is left: a box may have come with the answer.
+        if (!QTest::qWaitFor(
+                [this] { return desk.frame().findChildren<ListCheck*>().isEmpty() && !pages().requested().isEmpty(); },
+                30'000))
+            return false;
+        pages().forgetRequests();
+        desk.boxes.boxes.clear();
+        desk.frame().showWindow(window);
+        return true;
+    }
+    template <typename Control = QWidget>
+    Control& inWindow(const QString& window, const QString& name)
+    {
+        auto* found = desk.control(window).findChild<Control*>(name);
+        if (!found)
+            qFatal("there is no control %s", qPrintable(name));
+        return *found;
+    }
+    QStringList rows(const QString& window)
+    {
+        const QAbstractItemModel& model = *inWindow<QTableView>(window, u"lstQRV"_s).model();
+        QStringList texts;
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const bool isTitle = !model.index(row, 0).data().toString().isEmpty();
+            const int state = model.index(row, 0).data(Qt::UserRole).toInt();
+            texts += isTitle ? model.index(row, 0).data().toString()
+                             : (state == 1 ? u"+"_s : u"-"_s) + model.index(row, 1).data().toString();
+        }
+        return texts;
+    }
+    void click(const QString& window, const QString& name)
+    {
+        QTest::mouseClick(&inWindow(window, name), Qt::LeftButton);
+    }
+    bool check(const QString& window, const QString& button)
+    {
+        click(window, button);
+        return QTest::qWaitFor([&] { return inWindow(window, u"lstQRV"_s).isEnabled(); }, 30'000);
+    }
+    /// Downloads what is checked. @return whether the closing message has come
+    bool getUpdates(const QString& window)
+    {
+        const qsizetype before = desk.boxes.boxes.size();
+        click(window, u"cmdGetUpdates"_s);
+        return QTest::qWaitFor([&] { return desk.boxes.boxes.size() > before; }, 30'000);
+    }
+};
+
+const QString update = u"qrvrcUpdate"_s;
+const QString plugins = u"qrvrcPlugins"_s;
+
+} // namespace
+
+class UpdateWindowsTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theGridShowsWhatThereIs()
+    {
+        House house;
+        house.offer("data.bin", "1.0.0.0", "0123456789+");
+        house.offer("new.bin", "1.0.0.0", "new");
+        house.offer("qrvv3rc.exe", "3.0.2.0", "program");
+        QVERIFY(house.open(update));
+        QVERIFY(house.inWindow(update, u"cmdUpdateQRV"_s).isVisible());
+        QVERIFY(!house.inWindow(update, u"cmdGetUpdates"_s).isVisible());
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QCOMPARE(house.rows(update),
+                 (QStringList{u"Updated Files Available"_s, u"+qrvv3rc.exe"_s, u"New Files Available"_s, u"+new.bin"_s,
+                              u"Changed Files"_s, u"-data.bin"_s}));
+        QVERIFY(!house.inWindow(update, u"cmdUpdateQRV"_s).isVisible());
+        QVERIFY(house.inWindow(update, u"cmdGetUpdates"_s).isVisible());
+
+        auto& grid = house.inWindow<QTableView>(update, u"lstQRV"_s);
+        const auto clickRow = [&](int row) {
+            QTest::mouseClick(grid.viewport(), Qt::LeftButton, {},
+                              grid.visualRect(grid.model()->index(row, 1)).center());
+        };
+        clickRow(2); // a title
+        clickRow(3);
+        clickRow(5);
+        QTest::keyClick(&grid, Qt::Key_Space);
+        QTest::keyClick(&grid, Qt::Key_Space);
+        QCOMPARE(house.rows(update).mid(3), (QStringList{u"-new.bin"_s, u"Changed Files"_s, u"+data.bin"_s}));
+        QCOMPARE(grid.model()->index(5, 1).data(Qt::ToolTipRole).toString(), u"About data.bin"_s);
+    }
+
+    void withoutAListThereIsNoGrid_data()
+    {
+        QTest::addColumn<QByteArray>("fault");
+        QTest::addColumn<QByteArray>("settings");
+        const QByteArray usual = "[Settings]\r\nUpdateUrl=\r\n";
+        QTest::newRow("not there") << "notfound"_ba << usual;
+        QTest::newRow("an error page") << "errorpage"_ba << usual;
+        QTest::newRow("cut off") << "cutoff:60"_ba << usual;
+        QTest::newRow("no location stored") << "none"_ba << QByteArray();
+    }
+    void withoutAListThereIsNoGrid()
+    {
+        QFETCH(const QByteArray, fault);
+        QFETCH(const QByteArray, settings);
+        House house(settings);
+        house.pages().misbehave("qrvv3rc_filelist.txt", PageFault::parse(fault).value());
+        QVERIFY(house.desk.open());
+        house.desk.frame().showWindow(update);
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QVERIFY(house.desk.boxes.boxes == QList{noList});
+        QVERIFY(house.rows(update).isEmpty());
+        QVERIFY(house.inWindow(update, u"cmdUpdateQRV"_s).isEnabled());
+        auto& window = static_cast<qrvrcUpdate&>(house.desk.control(update));
+        QVERIFY(!window.QRVUpdateAvailable());
+    }
+
+    void nothingNewIsSaidInTheGrid()
+    {
+        House house;
+        house.offer("data.bin", "1.0.0.0", "9876543210");
+        QVERIFY(house.open(update));
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QCOMPARE(house.rows(update), QStringList{u"No Updates Available!"_s});
+        QVERIFY(house.inWindow(update, u"cmdUpdateQRV"_s).isEnabled());
+        QVERIFY(house.desk.boxes.boxes.isEmpty());
+    }
+
+    void whatIsCheckedIsDownloaded()
+    {
+        House house;
+        house.offer("new.bin", "1.0.0.0", QByteArray(300'000, 'n'));
+        house.offer("help.chm", "1.0.0.5", "new help");
+        house.desk.put("\\config.ini", "[Settings]\r\nhelp=1.0.0.4\r\n");
+        QVERIFY(house.open(update));
+        house.desk.core().updatesAvailable = true;
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QVERIFY(house.getUpdates(update));
+        QCOMPARE(house.desk.boxes.onlyText(), u"Updates downloaded and installed successfully."_s);
+        QCOMPARE(house.desk.bytesOf("\\new.bin").size(), 300'000);
+        QCOMPARE(house.desk.bytesOf("\\help.chm"), "new help");
+        QVERIFY(house.desk.bytesOf("\\config.ini").contains("help=1.0.0.5"));
+        QCOMPARE(house.inWindow<QLabel>(update, u"lblPer"_s).text(), u"100%"_s);
+        QVERIFY(!house.desk.core().updatesAvailable);
+        QVERIFY(house.rows(update).isEmpty() && house.inWindow(update, u"cmdUpdateQRV"_s).isEnabled());
+    }
+
+    void aFileThatMustWaitAsksForARestart()
+    {
+        House house;
+        house.pages().offerClientFile({.name = "new.bin", .folder = "\\not\\there\\", .body = "new"});
+        QVERIFY(house.open(update));
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QVERIFY(house.getUpdates(update));
+        const RecordingDialogs::Box box{
+            u"Success"_s, u"Updates downloaded successfully!\r\n\r\n"
+                          "A restart of the Quorvane Ravelin RC is \r\nrequired to install the updates."_s};
+        QVERIFY(house.desk.boxes.boxes == QList{box});
+        QCOMPARE(house.desk.bytesOf("\\Updates\\new.bin"), "new");
+        QVERIFY(house.desk.bytesOf("\\Updates\\updates.ini").contains("new.bin=\\not\\there\\"));
+    }
+
+    void failuresAreNamedAndNoSuccessIsClaimed()
+    {
+        House house;
+        house.offer("bad.bin", "1", QByteArray(1000, 'x'));
+        house.offer("help.chm", "9", "x");
+        std::filesystem::remove(house.desk.path("\\help.chm"));
+        house.pages().misbehave("bad.bin", {.kind = PageFault::Kind::CutOff, .number = 10});
+        house.pages().misbehave("help.chm", {.kind = PageFault::Kind::NotFound});
+        house.offer("good.bin", "1", "good");
+        QVERIFY(house.open(update));
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QVERIFY(house.getUpdates(update));
+        const RecordingDialogs::Box box = house.desk.boxes.boxes.constLast();
+        QCOMPARE(box.title, u"Failed!"_s);
+        QVERIFY2(box.text.startsWith(u"Failed to obtain update file!"_s) && box.text.contains(u"bad.bin: "_s) &&
+                     box.text.contains(u"help.chm: "_s) && !box.text.contains(u"good.bin"_s),
+                 qPrintable(box.text));
+        QCOMPARE(house.desk.bytesOf("\\good.bin"), "good");
+        QVERIFY(house.desk.bytesOf("\\config.ini").contains("help=9")); // noted before it is downloaded
+    }
+
+    void nothingCheckedIsNothingToDownload()
+    {
+        House house;
+        house.offer("data.bin", "1", "longer than before");
+        QVERIFY(house.open(update));
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QVERIFY(house.getUpdates(update));
+        const RecordingDialogs::Box box{u"Failed!"_s, u"No Updates Available!"_s};
+        QVERIFY(house.desk.boxes.boxes == QList{box});
+        QVERIFY(house.rows(update).isEmpty() && house.inWindow(update, u"cmdUpdateQRV"_s).isVisible());
+    }
+
+    void aDownloadCanBeCancelled()
+    {
+        House house;
+        house.offer("new.bin", "1", QByteArray(100'000, 'n'));
+        house.pages().misbehave("new.bin", {.kind = PageFault::Kind::Slow, .number = 500, .pause = 5ms});
+        QVERIFY(house.open(update));
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        house.click(update, u"cmdGetUpdates"_s);
+        QTRY_VERIFY(house.inWindow<QProgressBar>(update, u"pbDwnld"_s).value() > 0);
+        house.click(update, u"cmdCancel"_s);
+        QTRY_COMPARE(house.desk.boxes.boxes.size(), 1);
+        QVERIFY(house.desk.boxes.onlyText().startsWith(u"The download was cancelled."_s));
+        QVERIFY(!house.desk.exists("\\new.bin") && !house.desk.exists("\\Updates"));
+    }
+
+    void hostileListsAreToldOf()
+    {
+        House house;
+        house.pages().setPage("qrvv3rc_filelist.txt",
+                              "qrvv3rc.exe|\\|executable file|(qrv) main executable|1|1.0.0.0\n"
+                              "evil|\\..\\|data file||1|1\n..\\evil|\\|data file||1|1\ngood.bin|\\|data file||1|1\n");
+        QVERIFY(house.open(update));
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QVERIFY(house.rows(update).contains(u"+good.bin"_s));
+        QVERIFY(!house.rows(update).join(u' ').contains(u"evil"_s));
+        QVERIFY(house.desk.boxes.onlyText().contains(u"\\..\\evil"_s));
+    }
+
+    void theStartAsksAndTells_data()
+    {
+        QTest::addColumn<bool>("core");
+        QTest::addColumn<bool>("plugin");
+        QTest::addColumn<QString>("sentence");
+        QTest::newRow("both")
+            << true << true
+            << u"There is updates available for the QRVRC Core Components and QRVRC Plugins Available."_s;
+        QTest::newRow("core") << true << false << u"There is updates available for the QRVRC Core Components."_s;
+        QTest::newRow("plugins") << false << true << u"There is updates available for the QRVRC Plugins Available."_s;
+        QTest::newRow("neither") << false << false << QString();
+    }
+    void theStartAsksAndTells()
+    {
+        QFETCH(const bool, core);
+        QFETCH(const bool, plugin);
+        QFETCH(const QString, sentence);
+        House house;
+        if (core)
+            std::filesystem::remove(house.desk.path("\\qrvv3rc.exe"));
+        if (plugin)
+            house.pages().offerPluginFile({.name = "a.dll", .type = "Plugin", .body = "x"});
+        QVERIFY(house.desk.open());
+        QVERIFY(house.desk.control(u"qrvrcLogin"_s).isVisible()); // nobody has waited
+        if (sentence.isEmpty()) {
+            QTRY_VERIFY(house.pages().requested().contains("plugins/qrvv3rc_pluginlist.txt"));
+            auto& agent = house.desk.control<QTimer>(u"tmrUpdateCheck"_s);
+            QVERIFY(!static_cast<UpdateAgent*>(agent.parent())->QRVUpdateAvailable());
+            QVERIFY(house.desk.boxes.boxes.isEmpty());
+            return;
+        }
+        QTRY_COMPARE(house.desk.boxes.boxes.size(), 1);
+        const RecordingDialogs::Box box{
+            u"Action Required!"_s,
+            sentence + u"\r\n\r\nPlease update the application before connecting to the host computer."_s};
+        QVERIFY(house.desk.boxes.boxes == QList{box});
+    }
+
+    void theClockChecksOnEveryThirtyFirstTick()
+    {
+        House house("[Settings]\r\nUpdateUrl=\r\nCheckForUpdates=1\r\n");
+        house.pages().offerPluginFile({.name = "a.html", .type = "Help File", .body = "12345"});
+        house.desk.put("\\Plugins\\a.html", "12345");
+        QVERIFY(house.open(update));
+        auto& clock = house.desk.control<QTimer>(u"tmrUpdateCheck"_s);
+        QCOMPARE(clock.interval(), 60'000);
+        QVERIFY(clock.isActive());
+        int fired = 0;
+        connect(&clock, &QTimer::timeout, &clock, [&] {
+            if (++fired == 31)
+                clock.stop();
+        });
+        clock.start(0);
+        QTRY_COMPARE(fired, 31);
+        const auto lists = [&] {
+            QList<QByteArray> pages = house.pages().requested();
+            pages.removeAll("qrvrcnews.txt"_ba);
+            return pages;
+        };
+        QTRY_COMPARE(lists(), (QList<QByteArray>{"qrvv3_filelist.txt", "plugins/qrvv3_pluginlist.txt"}));
+        QVERIFY(!house.desk.core().updatesAvailable);
+
+        house.desk.put("\\Plugins\\a.html", "1234"); // judged by its length
+        auto& agent = *static_cast<UpdateAgent*>(clock.parent());
+        agent.CheckForPlugins();
+        QTRY_VERIFY(house.desk.core().updatesAvailable);
+        house.pages().misbehave("*", {.kind = PageFault::Kind::NotFound});
+        agent.CheckForPlugins();
+        QTRY_VERIFY(!house.desk.core().updatesAvailable);
+    }
+
+    void theNewsComeByTheClockAndWhenTheyAreLookedAt()
+    {
+        House house;
+        house.pages().setNews("All is well.\r\nReally.");
+        QVERIFY(house.open(update));
+        auto& box = house.inWindow<QPlainTextEdit>(update, u"txtScripts"_s);
+        QTRY_COMPARE(box.toPlainText(), u"All is well.\nReally."_s);
+        QVERIFY(box.isReadOnly());
+        const QDateTime now = QDateTime::currentDateTime();
+        QVERIFY(house.desk.bytesOf("\\settings\\config.ini")
+                    .contains("NewsLastUpdate=" + QByteArray::number(now.date().day()) + '-'));
+        auto& frequency = house.inWindow<QComboBox>(update, u"cboFreq"_s);
+        QCOMPARE(frequency.currentText(), u"6 Hours"_s);
+        frequency.setCurrentText(u"Day"_s);
+        QVERIFY(house.desk.bytesOf("\\settings\\config.ini").contains("NewsUpdate=Day"));
+        house.pages().forgetRequests();
+        house.desk.frame().showWindow(update); // there are news already
+        auto& agent = *static_cast<UpdateAgent*>(house.desk.control<QTimer>(u"tmrUpdateCheck"_s).parent());
+        agent.news().fetchIfDue();
+        QVERIFY(!agent.QRVUpdateAvailable()); // a way to the host and back
+        QVERIFY(house.pages().requested().contains("qrvv3rc_filelist.txt"));
+        QVERIFY(!house.pages().requested().contains("qrvrcnews.txt"));
+    }
+
+    void newsThatCannotBeHadSaySo()
+    {
+        House house;
+        house.pages().setNews("<h1>404 Not Found</h1>");
+        QVERIFY(house.open(update));
+        QTRY_COMPARE(house.inWindow<QPlainTextEdit>(update, u"txtScripts"_s).toPlainText(),
+                     u"Unable to retrieve news!"_s);
+        QVERIFY(house.desk.bytesOf("\\settings\\config.ini").contains("NewsLastUpdate="));
+    }
+
+    void thePluginWindowShowsAndUpdatesPlugins()
+    {
+        House house;
+        house.pages().offerPluginFile({.name = "a.dll", .type = "Plugin", .version = "1.0.0.0", .body = "plugin"});
+        std::filesystem::create_directories(house.desk.path("\\Plugins"));
+        QVERIFY(house.open(plugins));
+        auto& table = house.desk.core().plugins;
+        const auto add = [&table](const char* name, bool enabled, bool restricted) {
+            Plugin plugin;
+            plugin.name = name;
+            plugin.enabled = enabled;
+            plugin.restricted = restricted;
+            plugin.description = std::string("About ") + name;
+            table.plugins.push_back(plugin);
+        };
+        add("Watch", true, false);
+        add("Start", false, true);
+        add("Admin", true, true);
+        auto& window = static_cast<qrvrcPlugins&>(house.desk.control(plugins));
+        window.followPlugins();
+        auto& list = house.inWindow<QListWidget>(plugins, u"lstPlugins"_s);
+        const auto& status = house.inWindow<QLabel>(plugins, u"lblStatus"_s);
+        QCOMPARE(status.text(), u"Status:"_s);
+        list.setFocus();
+        QTRY_COMPARE(house.inWindow<QLabel>(plugins, u"lblName"_s).text(), u"Watch"_s);
+        QCOMPARE(house.inWindow<QLabel>(plugins, u"lblInfo"_s).text(), u"About Watch"_s);
+        QCOMPARE(status.text(), u"Status: Enabled"_s);
+        QTest::keyClick(&list, Qt::Key_Down);
+        QCOMPARE(status.text(), u"Status: Disabled"_s);
+        QTest::keyClick(&list, Qt::Key_Down);
+        QCOMPARE(status.text(), u"Status: Restricted"_s);
+
+        QVERIFY(window.PluginsUpdateAvailable());
+        QVERIFY(house.check(plugins, u"cmdCheckPlugins"_s));
+        QCOMPARE(house.rows(plugins), (QStringList{u"New Files Available"_s, u"+a.dll"_s}));
+        QVERIFY(house.getUpdates(plugins));
+        QCOMPARE(house.desk.boxes.onlyText(), u"Updates downloaded and installed successfully!"_s);
+        QCOMPARE(house.desk.bytesOf("\\Plugins\\a.dll"), "plugin");
+    }
+};
+
+QTEST_MAIN(UpdateWindowsTest)
+#include "UpdateWindowsTest.moc"
