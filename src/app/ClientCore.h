@@ -38,8 +38,11 @@ struct Setup
     std::filesystem::path folder; ///< the application folder; exists
     QUrl makerHost;               ///< web host behind the built-in addresses
     std::string version;          ///< four parts
-    /// This executable, which tries components that are new in a process of their own; empty to try none.
+    /// This executable, which updates replace and which tries components that are new in a process of their own; empty
+    /// for neither.
     std::filesystem::path program = {};
+    /// Whether components are tried.
+    bool probesComponents = true;
     /// What it was started with, to be started with again after an update.
     std::vector<std::string> arguments = {};
     /// The boxes to speak through; null for real windows.

@@ -79,7 +79,7 @@ qrvrcMain::qrvrcMain(const Setup& setup)
       m_version(setup.version),
       m_restart{setup.program, setup.arguments}
 {
-    if (!setup.program.empty())
+    if (setup.probesComponents && !setup.program.empty())
         m_core->components.setProbe(childProcessProbe(textOf(setup.program), setup.folder));
     m_supportDesk = std::make_unique<SupportDesk>(m_core->client, m_core->wSupport, [this] { return login().host(); });
     buildFrame();

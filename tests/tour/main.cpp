@@ -11,6 +11,7 @@
 #include "tour/StatsTour.h"
 #include "tour/SupportTour.h"
 #include "tour/Tour.h"
+#include "tour/UpdateTour.h"
 
 #include <QApplication>
 #include <QTemporaryDir>
@@ -84,6 +85,10 @@ std::vector<MakeAct> actsOf(practice::WebSide& web, const QDir& pictures)
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::AdminTour>(frame, pictures); },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::HelpCentreTour>(frame, web, pictures); },
         [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::SupportTour>(frame, pictures); },
+        [&](qrvrcMain& frame, const QDir& home) {
+            const QDir examples(QCoreApplication::applicationDirPath() + QStringLiteral("/Plugins"));
+            return std::make_unique<tour::UpdateTour>(frame, web, home, examples, pictures);
+        },
     };
 }
 
@@ -91,7 +96,12 @@ std::vector<MakeAct> actsOf(practice::WebSide& web, const QDir& pictures)
 int play(const MakeAct& makeAct, const practice::WebSide& web)
 {
     const QTemporaryDir home;
-    qrvrcMain frame({.folder = settleIn(home), .makerHost = web.base(), .version = QRVRC_VERSION});
+    const std::filesystem::path folder = settleIn(home);
+    qrvrcMain frame({.folder = folder,
+                     .makerHost = web.base(),
+                     .version = QRVRC_VERSION,
+                     .program = folder / pathOf(tour::UpdateTour::programName()),
+                     .probesComponents = false});
     const std::unique_ptr<tour::Act> act = makeAct(frame, QDir(home.path()));
     return act->play() ? EXIT_SUCCESS : complain(act->complaint().toStdString());
 }

@@ -1,6 +1,7 @@
 #include "practice/UpdatePages.h"
 #include "practice/WebSide.h"
 #include "support/Desk.h"
+#include "ui/Grid.h"
 #include "updates/ListCheck.h"
 #include "updates/NewsDesk.h"
 #include "updates/UpdateAgent.h"
@@ -133,7 +134,7 @@ private Q_SLOTS:
         QVERIFY(!house.inWindow(update, u"cmdUpdateQRV"_s).isVisible());
         QVERIFY(house.inWindow(update, u"cmdGetUpdates"_s).isVisible());
 
-        auto& grid = house.inWindow<QTableView>(update, u"lstQRV"_s);
+        auto& grid = house.inWindow<GridView>(update, u"lstQRV"_s);
         const auto clickRow = [&](int row) {
             QTest::mouseClick(grid.viewport(), Qt::LeftButton, {},
                               grid.visualRect(grid.model()->index(row, 1)).center());
@@ -144,7 +145,7 @@ private Q_SLOTS:
         QTest::keyClick(&grid, Qt::Key_Space);
         QTest::keyClick(&grid, Qt::Key_Space);
         QCOMPARE(house.rows(update).mid(3), (QStringList{u"-new.bin"_s, u"Changed Files"_s, u"+data.bin"_s}));
-        QCOMPARE(grid.model()->index(5, 1).data(Qt::ToolTipRole).toString(), u"About data.bin"_s);
+        QCOMPARE(grid.rows().row(5).toolTip, u"About data.bin"_s);
     }
 
     void withoutAListThereIsNoGrid_data()
