@@ -105,7 +105,7 @@ void UpdatePanel::setBusy(bool busy)
     if (busy && window()->isActiveWindow() && (!window()->focusWidget() || isAncestorOf(window()->focusWidget())))
         cmdCancel->setFocus(); // the button that was pressed cannot keep the keyboard
     lstQRV->setEnabled(!busy);
-    window()->setCursor(busy ? Qt::WaitCursor : Qt::ArrowCursor);
+    busy ? parentWidget()->setCursor(Qt::WaitCursor) : parentWidget()->unsetCursor();
 }
 
 /// One of the two buttons is shown; the keyboard goes with it.
@@ -128,6 +128,8 @@ void UpdatePanel::clearGrid()
 void UpdatePanel::check()
 {
     clearGrid();
+    pbDwnld->setValue(0); // what it shows is of an earlier download
+    lblPer->setText(u"0%"_s);
     lstQRV->setEmptyText(u"Looking for updates..."_s);
     setBusy(true);
     cmdCheck->setEnabled(false);
