@@ -1,26 +1,13 @@
-#include "practice/UpdatePages.h"
-#include "practice/WebSide.h"
-#include "support/Desk.h"
 #include "ui/Grid.h"
-#include "updates/ListCheck.h"
-#include "updates/NewsDesk.h"
-#include "updates/UpdateAgent.h"
+#include "updates/UpdateHouse.h"
 #include "updates/qrvrcPlugins.h"
 #include "updates/qrvrcUpdate.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDateTime>
-#include <QGroupBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
-#include <QPlainTextEdit>
 #include <QProgressBar>
-#include <QSpinBox>
 #include <QTableView>
 #include <QTest>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -29,84 +16,6 @@ using practice::PageFault;
 namespace {
 
 const RecordingDialogs::Box noList{u"Failed!"_s, u"Unable to obtain update info!"_s};
-
-/// The client beside a maker host, whose first built-in location it has stored.
-struct House
-{
-    practice::WebSide web;
-    Desk desk;
-
-    explicit House(const QByteArray& settings = "[Settings]\r\nUpdateUrl=\r\nCheckForUpdates=0\r\n")
-    {
-        if (!web.listen())
-            qFatal("no port");
-        desk.makerHost = web.base();
-        if (!settings.isEmpty())
-            desk.put("\\settings\\config.ini", settings);
-        desk.put("\\data.bin", "0123456789");
-        desk.put("\\qrvv3rc.exe", "QRVRC-FILE-VERSION:3.0.1.0"); // the program that the lists speak of
-    }
-    practice::UpdatePages& pages() { return web.updates(); }
-    void offer(const QByteArray& name, const QByteArray& version, const QByteArray& body)
-    {
-        pages().offerClientFile({.name = name,
-                                 .folder = "\\",
-                                 .type = name == "qrvv3rc.exe" ? "executable file" : "data file",
-                                 .description = name == "qrvv3rc.exe" ? "(QRV) Main Executable" : "About " + name,
-                                 .version = version,
-                                 .body = body});
-    }
-    bool open(const QString& window)
-    {
-        if (!desk.open())
-            return false;
-        // The questions of the start are over when nothing of it is left: a box may have come with the answer.
-        if (!QTest::qWaitFor(
-                [this] { return desk.frame().findChildren<ListCheck*>().isEmpty() && !pages().requested().isEmpty(); },
-                30'000))
-            return false;
-        pages().forgetRequests();
-        desk.boxes.boxes.clear();
-        desk.frame().showWindow(window);
-        return true;
-    }
-    template <typename Control = QWidget>
-    Control& inWindow(const QString& window, const QString& name)
-    {
-        auto* found = desk.control(window).findChild<Control*>(name);
-        if (!found)
-            qFatal("there is no control %s", qPrintable(name));
-        return *found;
-    }
-    QStringList rows(const QString& window)
-    {
-        const QAbstractItemModel& model = *inWindow<QTableView>(window, u"lstQRV"_s).model();
-        QStringList texts;
-        for (int row = 0; row < model.rowCount(); ++row) {
-            const bool isTitle = !model.index(row, 0).data().toString().isEmpty();
-            const int state = model.index(row, 0).data(Qt::UserRole).toInt();
-            texts += isTitle ? model.index(row, 0).data().toString()
-                             : (state == 1 ? u"+"_s : u"-"_s) + model.index(row, 1).data().toString();
-        }
-        return texts;
-    }
-    void click(const QString& window, const QString& name)
-    {
-        QTest::mouseClick(&inWindow(window, name), Qt::LeftButton);
-    }
-    bool check(const QString& window, const QString& button)
-    {
-        click(window, button);
-        return QTest::qWaitFor([&] { return inWindow(window, u"lstQRV"_s).isEnabled(); }, 30'000);
-    }
-    /// Downloads what is checked. @return whether the closing message has come
-    bool getUpdates(const QString& window)
-    {
-        const qsizetype before = desk.boxes.boxes.size();
-        click(window, u"cmdGetUpdates"_s);
-        return QTest::qWaitFor([&] { return desk.boxes.boxes.size() > before; }, 30'000);
-    }
-};
 
 const QString update = u"qrvrcUpdate"_s;
 const QString plugins = u"qrvrcPlugins"_s;
@@ -278,111 +187,6 @@ private Q_SLOTS:
         QVERIFY(house.rows(update).contains(u"+good.bin"_s));
         QVERIFY(!house.rows(update).join(u' ').contains(u"evil"_s));
         QVERIFY(house.desk.boxes.onlyText().contains(u"\\..\\evil"_s));
-    }
-
-    void theStartAsksAndTells_data()
-    {
-        QTest::addColumn<bool>("core");
-        QTest::addColumn<bool>("plugin");
-        QTest::addColumn<QString>("sentence");
-        QTest::newRow("both")
-            << true << true
-            << u"There is updates available for the QRVRC Core Components and QRVRC Plugins Available."_s;
-        QTest::newRow("core") << true << false << u"There is updates available for the QRVRC Core Components."_s;
-        QTest::newRow("plugins") << false << true << u"There is updates available for the QRVRC Plugins Available."_s;
-        QTest::newRow("neither") << false << false << QString();
-    }
-    void theStartAsksAndTells()
-    {
-        QFETCH(const bool, core);
-        QFETCH(const bool, plugin);
-        QFETCH(const QString, sentence);
-        House house;
-        if (core)
-            std::filesystem::remove(house.desk.path("\\qrvv3rc.exe"));
-        if (plugin)
-            house.pages().offerPluginFile({.name = "a.dll", .type = "Plugin", .body = "x"});
-        QVERIFY(house.desk.open());
-        QVERIFY(house.desk.control(u"qrvrcLogin"_s).isVisible()); // nobody has waited
-        if (sentence.isEmpty()) {
-            QTRY_VERIFY(house.pages().requested().contains("plugins/qrvv3rc_pluginlist.txt"));
-            auto& agent = house.desk.control<QTimer>(u"tmrUpdateCheck"_s);
-            QVERIFY(!static_cast<UpdateAgent*>(agent.parent())->QRVUpdateAvailable());
-            QVERIFY(house.desk.boxes.boxes.isEmpty());
-            return;
-        }
-        QTRY_COMPARE(house.desk.boxes.boxes.size(), 1);
-        const RecordingDialogs::Box box{
-            u"Action Required!"_s,
-            sentence + u"\r\n\r\nPlease update the application before connecting to the host computer."_s};
-        QVERIFY(house.desk.boxes.boxes == QList{box});
-    }
-
-    void theClockChecksOnEveryThirtyFirstTick()
-    {
-        House house("[Settings]\r\nUpdateUrl=\r\nCheckForUpdates=1\r\n");
-        house.pages().offerPluginFile({.name = "a.html", .type = "Help File", .body = "12345"});
-        house.desk.put("\\Plugins\\a.html", "12345");
-        QVERIFY(house.open(update));
-        auto& clock = house.desk.control<QTimer>(u"tmrUpdateCheck"_s);
-        QCOMPARE(clock.interval(), 60'000);
-        QVERIFY(clock.isActive());
-        int fired = 0;
-        connect(&clock, &QTimer::timeout, &clock, [&] {
-            if (++fired == 31)
-                clock.stop();
-        });
-        clock.start(0);
-        QTRY_COMPARE(fired, 31);
-        const auto lists = [&] {
-            QList<QByteArray> pages = house.pages().requested();
-            pages.removeAll("qrvrcnews.txt"_ba);
-            return pages;
-        };
-        QTRY_COMPARE(lists(), (QList<QByteArray>{"qrvv3_filelist.txt", "plugins/qrvv3_pluginlist.txt"}));
-        QVERIFY(!house.desk.core().updatesAvailable);
-
-        house.desk.put("\\Plugins\\a.html", "1234"); // judged by its length
-        auto& agent = *static_cast<UpdateAgent*>(clock.parent());
-        agent.CheckForPlugins();
-        QTRY_VERIFY(house.desk.core().updatesAvailable);
-        house.pages().misbehave("*", {.kind = PageFault::Kind::NotFound});
-        agent.CheckForPlugins();
-        QTRY_VERIFY(!house.desk.core().updatesAvailable);
-    }
-
-    void theNewsComeByTheClockAndWhenTheyAreLookedAt()
-    {
-        House house;
-        house.pages().setNews("All is well.\r\nReally.");
-        QVERIFY(house.open(update));
-        auto& box = house.inWindow<QPlainTextEdit>(update, u"txtScripts"_s);
-        QTRY_COMPARE(box.toPlainText(), u"All is well.\nReally."_s);
-        QVERIFY(box.isReadOnly());
-        const QDateTime now = QDateTime::currentDateTime();
-        QVERIFY(house.desk.bytesOf("\\settings\\config.ini")
-                    .contains("NewsLastUpdate=" + QByteArray::number(now.date().day()) + '-'));
-        auto& frequency = house.inWindow<QComboBox>(update, u"cboFreq"_s);
-        QCOMPARE(frequency.currentText(), u"6 Hours"_s);
-        frequency.setCurrentText(u"Day"_s);
-        QVERIFY(house.desk.bytesOf("\\settings\\config.ini").contains("NewsUpdate=Day"));
-        house.pages().forgetRequests();
-        house.desk.frame().showWindow(update); // there are news already
-        auto& agent = *static_cast<UpdateAgent*>(house.desk.control<QTimer>(u"tmrUpdateCheck"_s).parent());
-        agent.news().fetchIfDue();
-        QVERIFY(!agent.QRVUpdateAvailable()); // a way to the host and back
-        QVERIFY(house.pages().requested().contains("qrvv3rc_filelist.txt"));
-        QVERIFY(!house.pages().requested().contains("qrvrcnews.txt"));
-    }
-
-    void newsThatCannotBeHadSaySo()
-    {
-        House house;
-        house.pages().setNews("<h1>404 Not Found</h1>");
-        QVERIFY(house.open(update));
-        QTRY_COMPARE(house.inWindow<QPlainTextEdit>(update, u"txtScripts"_s).toPlainText(),
-                     u"Unable to retrieve news!"_s);
-        QVERIFY(house.desk.bytesOf("\\settings\\config.ini").contains("NewsLastUpdate="));
     }
 
     void thePluginWindowShowsAndUpdatesPlugins()
