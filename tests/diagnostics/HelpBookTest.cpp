@@ -217,6 +217,7 @@ private Q_SLOTS:
         const qsizetype directory = 0xe0;
         const qsizetype tables = m_shipped.indexOf("LZXC");
         const qsizetype pages = tables + 160;
+        constexpr qsizetype samples = 250; // in the directory and in the pages; each means reading the whole book twice
         int refused = 0;
         int odd = 0;
         for (qsizetype at = 0; at < m_shipped.size();) {
@@ -226,7 +227,7 @@ private Q_SLOTS:
                 odd += fault && fault != ErrorNumber::InvalidFileFormat ? 1 : 0;
             }
             const bool isSample = at >= pages || (at >= directory && at < tables);
-            at += isSample ? 61 : 1;
+            at += isSample ? m_shipped.size() / samples : 1;
         }
         QVERIFY(refused > 100);
         QCOMPARE(odd, 0);
