@@ -1,6 +1,7 @@
 #include "platform/Component.h"
 
 #include "base/RuntimeError.h"
+#include "platform/SystemCodePage.h"
 #include "store/AppFolder.h"
 
 #include <windows.h>
@@ -15,33 +16,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Bytes are Windows-1252 on this side and UTF-16 on the other, whatever code page the system is set to.
-constexpr UINT codePage = 1252;
-
-std::wstring wideOf(std::string_view bytes)
-{
-    std::wstring text(bytes.size(), L'\0'); // one byte a character
-    if (!bytes.empty()) {
-        MultiByteToWideChar(codePage, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
-                            static_cast<int>(text.size()));
-    }
-    return text;
-}
-
-std::string bytesOf(const wchar_t* text, UINT length)
-{
-    std::string bytes(length, '\0');
-    if (length > 0) {
-        const int size = WideCharToMultiByte(codePage, 0, text, static_cast<int>(length), bytes.data(),
-                                             static_cast<int>(bytes.size()), nullptr, nullptr);
-        bytes.resize(static_cast<std::size_t>(size));
-    }
-    return bytes;
-}
-
 std::string bytesOf(BSTR text)
 {
-    return text ? bytesOf(text, SysStringLen(text)) : std::string();
+    return text ? ::bytesOf(std::wstring_view(text, SysStringLen(text))) : std::string();
 }
 
 void demandMemory(const void* pointer)
