@@ -25,8 +25,10 @@ public:
         static int count = 1;
         static char name[] = "plugin";
         static char* arguments[] = {name, nullptr};
-        if (!QCoreApplication::instance())
+        if (!QCoreApplication::instance()) {
             new QApplication(count, arguments);
+            QApplication::setStyle(QStringLiteral("Fusion")); // the client's
+        }
     }
 
     /// Makes `page` a part of the frame, below its navigation and above its status bar.
@@ -45,8 +47,11 @@ public:
         QWindow* frame = QWindow::fromWinId(m_id);
         if (!frame)
             return;
-        page.setWindowFlag(Qt::FramelessWindowHint);
-        page.winId(); // makes its window
+        if (!page.testAttribute(Qt::WA_WState_Created)) {
+            page.setWindowFlag(Qt::FramelessWindowHint);
+            page.winId(); // makes its window
+            page.windowHandle()->installEventFilter(new FocusOnClick(&page));
+        }
         page.windowHandle()->setParent(frame);
         page.setGeometry(1, navigationHeight, frame->width() - 3,
                          frame->height() - navigationHeight - statusBarHeight - 2);
@@ -64,6 +69,20 @@ public:
     }
 
 private:
+    /// A window inside of somebody else's takes the keyboard only when it asks for it.
+    class FocusOnClick : public QObject
+    {
+    public:
+        using QObject::QObject;
+
+        bool eventFilter(QObject* watched, QEvent* event) override
+        {
+            if (event->type() == QEvent::MouseButtonPress)
+                static_cast<QWindow*>(watched)->requestActivate();
+            return false;
+        }
+    };
+
     WId m_id;
     QWidget* m_widget = nullptr;
 };
