@@ -55,7 +55,7 @@ declare -A packages=(
     "
     # What packaging/windows/smoke needs besides.
     [wine]="
-        fonts-wine          # the fonts that Windows has
+        fonts-liberation2   # stand in for the fonts of Windows
         openbox
         scrot
         wine                # runs the program
