@@ -2,6 +2,8 @@
 
 #include "platform/PathBytes.h"
 
+#include <algorithm>
+
 #include <windows.h>
 
 namespace {
@@ -19,12 +21,25 @@ UINT settingOfTheSystem()
     return isUsable ? number : westernCodePage;
 }
 
-} // namespace
-
-unsigned systemCodePage()
+UINT systemCodePage()
 {
     static const UINT codePage = settingOfTheSystem();
     return codePage;
+}
+
+} // namespace
+
+std::array<char16_t, 256> hostCharacters()
+{
+    std::array<char16_t, 256> characters{};
+    for (std::size_t value = 0; value < characters.size(); ++value) {
+        const char single = static_cast<char>(value);
+        const auto character = static_cast<char16_t>(wideOf(std::string_view(&single, 1)).front());
+        const auto end = characters.begin() + static_cast<std::ptrdiff_t>(value);
+        const bool isTaken = std::find(characters.begin(), end, character) != end;
+        characters[value] = isTaken ? static_cast<char16_t>(value) : character;
+    }
+    return characters;
 }
 
 std::wstring wideOf(std::string_view bytes)
