@@ -39,6 +39,11 @@ declare -A packages=(
         python3             # compares, prints the table
         valgrind            # counts instructions; without it those rows are left out
     "
+    # What packaging/linux/build needs besides the build.
+    [linux]="
+        dpkg-dev            # finds the packages that the program's libraries come from
+        file                # as it asks for
+    "
     # What packaging/windows/build needs: the compiler, Qt's own tools, and what fetches source packages.
     [windows]="
         ccache              # as above
