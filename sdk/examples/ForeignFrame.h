@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QFont>
 #include <QStatusBar>
 #include <QWindow>
 
@@ -27,7 +28,9 @@ public:
         static char* arguments[] = {name, nullptr};
         if (!QCoreApplication::instance()) {
             new QApplication(count, arguments);
-            QApplication::setStyle(QStringLiteral("Fusion")); // the client's
+            QApplication::setStyle(QStringLiteral("Fusion")); // this and the font are the client's
+            constexpr int points = 9;
+            QApplication::setFont(QFont(QStringList{QStringLiteral("Segoe UI"), QStringLiteral("Tahoma")}, points));
         }
     }
 
