@@ -1,4 +1,4 @@
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154
 # Makes what the Windows build links against, from Debian's own source packages. To be sourced by bash; the caller sets
 # here (the folder of this file).
 
