@@ -18,8 +18,6 @@
 #include <array>
 
 #if defined(Q_OS_WIN)
-#include <QWidget>
-
 #include <windows.h>
 #endif
 
