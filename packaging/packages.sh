@@ -50,6 +50,7 @@ declare -A packages=(
         cmake
         dpkg-dev            # unpacks source packages
         g++-mingw-w64-x86-64-posix  # compiles and links for Windows
+        make                # builds libcrypto, as it asks for
         ninja-build
         pkgconf
         qt6-base-dev        # Qt's CMake packages for the tools

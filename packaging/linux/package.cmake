@@ -2,7 +2,7 @@
 # beside its own and keeps its state in the user's data folder.
 include(GNUInstallDirs)
 
-install(TARGETS qrvv3rc RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS qrvv3rc QRVV3Updater RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY assets/shipped/ DESTINATION ${CMAKE_INSTALL_DATADIR}/qrvv3rc PATTERN icons EXCLUDE)
 install(FILES assets/qrvv3rc.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 foreach(size 16 24 32 48 64 128 256)

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <array>
 #include <string>
 #include <string_view>
 
-/// What each byte of the host stands for; no two stand for the same. Windows-1252, but the system's own code page where
-/// there is one that has one byte a character.
-std::array<char16_t, 256> hostCharacters();
+/// The name of the code page in which bytes of the host stand for characters, as far as this system knows: its own
+/// where it has one that has one byte a character, otherwise "windows-1252".
+std::string systemCodePage();
 
 #if defined(_WIN32)
 

@@ -2,8 +2,6 @@
 
 #include "platform/PathBytes.h"
 
-#include <algorithm>
-
 #include <windows.h>
 
 namespace {
@@ -21,7 +19,7 @@ UINT settingOfTheSystem()
     return isUsable ? number : westernCodePage;
 }
 
-UINT systemCodePage()
+UINT codePageNumber()
 {
     static const UINT codePage = settingOfTheSystem();
     return codePage;
@@ -29,24 +27,16 @@ UINT systemCodePage()
 
 } // namespace
 
-std::array<char16_t, 256> hostCharacters()
+std::string systemCodePage()
 {
-    std::array<char16_t, 256> characters{};
-    for (std::size_t value = 0; value < characters.size(); ++value) {
-        const char single = static_cast<char>(value);
-        const auto character = static_cast<char16_t>(wideOf(std::string_view(&single, 1)).front());
-        const auto end = characters.begin() + static_cast<std::ptrdiff_t>(value);
-        const bool isTaken = std::find(characters.begin(), end, character) != end;
-        characters[value] = isTaken ? static_cast<char16_t>(value) : character;
-    }
-    return characters;
+    return "windows-" + std::to_string(codePageNumber());
 }
 
 std::wstring wideOf(std::string_view bytes)
 {
     std::wstring text(bytes.size(), L'\0'); // one byte a character
     if (!bytes.empty()) {
-        MultiByteToWideChar(systemCodePage(), 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
+        MultiByteToWideChar(codePageNumber(), 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
                             static_cast<int>(text.size()));
     }
     return text;
@@ -56,7 +46,7 @@ std::string bytesOf(std::wstring_view text)
 {
     std::string bytes(text.size(), '\0');
     if (!text.empty()) {
-        const int size = WideCharToMultiByte(systemCodePage(), 0, text.data(), static_cast<int>(text.size()),
+        const int size = WideCharToMultiByte(codePageNumber(), 0, text.data(), static_cast<int>(text.size()),
                                              bytes.data(), static_cast<int>(bytes.size()), "?", nullptr);
         bytes.resize(static_cast<std::size_t>(size));
     }

@@ -17,6 +17,7 @@ public:
         Read,
         CreateNew, ///< to be written; fails when there is such a file
         Append,    ///< to be written at its end; created when missing
+        Settle,    ///< an existing one, to be flushed or given rights
     };
 
     /// @param access  of a file that is created

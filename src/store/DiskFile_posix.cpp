@@ -32,6 +32,7 @@ int flagsOf(DiskFile::Mode mode)
 {
     switch (mode) {
     case DiskFile::Mode::Read:
+    case DiskFile::Mode::Settle:
         return O_RDONLY | O_NONBLOCK;
     case DiskFile::Mode::CreateNew:
         return O_WRONLY | O_CREAT | O_EXCL;

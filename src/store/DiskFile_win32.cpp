@@ -62,6 +62,8 @@ std::error_code faultOf(DWORD error)
     case ERROR_HANDLE_DISK_FULL:
     case diskQuotaExceeded:
         return known(std::errc::no_space_on_device);
+    case ERROR_NOT_SAME_DEVICE:
+        return known(std::errc::cross_device_link);
     case ERROR_FILE_TOO_LARGE:
         return known(std::errc::file_too_large);
     default:
@@ -84,6 +86,10 @@ HANDLE open(const fs::path& path, DiskFile::Mode mode, Access access)
     if (mode == DiskFile::Mode::Read) {
         return CreateFileW(path.c_str(), GENERIC_READ, everybodyShares, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
                            nullptr);
+    }
+    if (mode == DiskFile::Mode::Settle) {
+        return CreateFileW(path.c_str(), GENERIC_WRITE | WRITE_DAC, everybodyShares, nullptr, OPEN_EXISTING,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
     }
     PSECURITY_DESCRIPTOR made = nullptr;
     if (access == Access::OwnerOnly)

@@ -167,12 +167,11 @@ void copyFile(const fs::path& from, const fs::path& to, std::source_location whe
     std::error_code fault;
     fs::copy_file(from, temporary.path, fault);
     if (!fault) {
-        const OpenFile copy(temporary.path, O_RDONLY);
-        if (!copy.isOpen() || ::fsync(copy.descriptor()) != 0)
-            fault = lastFault();
+        DiskFile copy(temporary.path, DiskFile::Mode::Settle);
+        fault = copy.fault() ? copy.fault() : copy.flush();
     }
     if (!fault)
-        fs::rename(temporary.path, to, fault);
+        fault = renameOver(temporary.path, to);
     if (fault)
         throwFileError(fault, to, where);
     temporary.kept = true;
@@ -181,20 +180,22 @@ void copyFile(const fs::path& from, const fs::path& to, std::source_location whe
 void moveFile(const fs::path& from, const fs::path& to, std::source_location where)
 {
     const fs::path target = behindLinks(to);
-    struct stat old = {};
-    const bool replaces = ::stat(target.c_str(), &old) == 0;
-    if (replaces && !S_ISREG(old.st_mode))
-        throw RuntimeError(ErrorNumber::PermissionDenied, to.string(), where);
-    {
-        const OpenFile whole(from, O_RDONLY);
-        const bool isReady = whole.isOpen() &&
-                             (!replaces || ::fchmod(whole.descriptor(), old.st_mode & rightsMask) == 0) &&
-                             ::fsync(whole.descriptor()) == 0;
-        if (!isReady)
-            throwFileError(lastFault(), from, where);
-    }
     std::error_code fault;
-    fs::rename(from, target, fault);
+    const fs::file_status old = fs::status(target, fault);
+    const bool replaces = fs::exists(old);
+    if (replaces && !fs::is_regular_file(old))
+        throw RuntimeError(ErrorNumber::PermissionDenied, bytesOf(to), where);
+    {
+        DiskFile whole(from, DiskFile::Mode::Settle);
+        fault = whole.fault();
+        if (!fault && replaces)
+            fault = whole.takeRightsOf(target);
+        if (!fault)
+            fault = whole.flush();
+        if (fault)
+            throwFileError(fault, from, where);
+    }
+    fault = renameOver(from, target);
     if (fault == std::errc::cross_device_link) {
         copyFile(from, target, where);
         std::error_code ignored; // it has arrived; what is left of it is only in the way
