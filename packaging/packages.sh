@@ -39,6 +39,36 @@ declare -A packages=(
         python3             # compares, prints the table
         valgrind            # counts instructions; without it those rows are left out
     "
+    # What packaging/linux/build needs besides the build.
+    [linux]="
+        dpkg-dev            # finds the packages that the program's libraries come from
+        file                # as it asks for
+    "
+    # What packaging/windows/build needs: the compiler, Qt's own tools, and what fetches source packages.
+    [windows]="
+        ccache              # as above
+        cmake
+        dpkg-dev            # unpacks source packages
+        g++-mingw-w64-x86-64-posix  # compiles and links for Windows
+        make                # builds libcrypto, as it asks for
+        ninja-build
+        pkgconf
+        qt6-base-dev        # Qt's CMake packages for the tools
+        qt6-base-dev-tools  # moc and rcc
+    "
+    [windows-installer]="
+        nsis                # packs the installer
+    "
+    # What packaging/windows/smoke needs besides.
+    [wine]="
+        fonts-liberation2   # stand in for the fonts of Windows
+        openbox
+        scrot
+        wine                # runs the program
+        wine64
+        xdotool             # presses its buttons
+        xvfb
+    "
     # What the scripts in assets/ need.
     [assets]="
         fp-utils            # compiles help.chm

@@ -115,6 +115,8 @@ struct QrvrcObject
     const QrvrcObjectFunctions* functions;
 };
 
+#if !defined(_WIN32) /* where a plugin is a component of the system, it exports what the system asks for */
+
 /* What a plugin exports. */
 
 /* Called first, and nothing else when it is not QRVRC_ABI_VERSION. */
@@ -125,6 +127,8 @@ QRVRC_EXPORT void qrvrc_attach_host(const QrvrcHost* host);
 QRVRC_EXPORT int32_t DllRegisterServer(void);
 /* Makes an instance. */
 QRVRC_EXPORT int32_t qrvrc_create_object(const char* progId, QrvrcObject** object);
+
+#endif
 
 #ifdef __cplusplus
 }

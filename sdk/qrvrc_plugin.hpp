@@ -4,6 +4,9 @@
 #define QRVRC_PLUGIN_HPP
 
 #include "qrvrc_values.hpp"
+#if defined(_WIN32)
+#include "qrvrc_com.hpp"
+#endif
 
 #include <cstdint>
 #include <string>
@@ -209,7 +212,13 @@ std::int32_t create(const char* ownProgId, const char* progId, QrvrcObject** obj
 
 /// Exports a plugin's class: once a library, outside of all namespaces.
 /// @param progId   the file name without ".dll", followed by ".clsPlugin"
-/// @param version  the library's four-part file version
+/// @param version  the library's four-part file version; on Windows that of its version resource counts
+#if defined(_WIN32)
+#define QRVRC_PLUGIN(PluginClass, progId, version)                                                                     \
+    QRVRC_COM_SERVER(progId, [](const char* askedFor, QrvrcObject** object) {                                          \
+        return qrvrc::detail::create<PluginClass>(progId, askedFor, object);                                           \
+    })
+#else
 #define QRVRC_PLUGIN(PluginClass, progId, version)                                                                     \
     extern "C" {                                                                                                       \
     QRVRC_FILE_VERSION(version);                                                                                       \
@@ -232,5 +241,6 @@ std::int32_t create(const char* ownProgId, const char* progId, QrvrcObject** obj
     }                                                                                                                  \
     }                                                                                                                  \
     static_assert(true, "takes the semicolon")
+#endif
 
 #endif

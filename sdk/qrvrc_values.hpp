@@ -169,6 +169,10 @@ inline std::string applicationFolder()
     return host->application_folder(host);
 }
 
+#if defined(_WIN32)
+/// UTF-8 for a text in the host's code page.
+inline std::string toUtf8(std::string_view bytes);
+#else
 /// UTF-8 for a text in the host's code page (Windows-1252; its five unused values become control characters).
 inline std::string toUtf8(std::string_view bytes)
 {
@@ -194,6 +198,7 @@ inline std::string toUtf8(std::string_view bytes)
     }
     return text;
 }
+#endif
 
 } // namespace QRVRC_LOCAL
 

@@ -1,8 +1,8 @@
 // "BHD Auto Start": asks the tracker to start a game for a profile, through the client's queue of raw requests.
 
+#include "ForeignFrame.h"
 #include "qrvrc_plugin.hpp"
 
-#include <QDialog>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QPushButton>
@@ -46,7 +46,7 @@ void queueRequest(const std::string& name, const std::string& text)
 /// Says what happens, and goes by itself.
 void showNotice(std::int32_t profileId, std::int32_t frame)
 {
-    auto* notice = new QDialog(QWidget::find(static_cast<WId>(static_cast<std::uint32_t>(frame))));
+    QDialog* notice = ForeignFrame(frame).newDialog();
     notice->setObjectName(u"qrvrcBHDGS"_s);
     notice->setWindowTitle(u"BHD Auto Start"_s);
     notice->setAttribute(Qt::WA_DeleteOnClose);

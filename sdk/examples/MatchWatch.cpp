@@ -1,11 +1,11 @@
 // "Match Watch": a section of the server manager that lists what the plugin's counterpart on the tracker tells.
 
+#include "ForeignFrame.h"
 #include "qrvrc_plugin.hpp"
 
 #include <QLabel>
 #include <QListWidget>
 #include <QPointer>
-#include <QStatusBar>
 #include <QTime>
 #include <QVBoxLayout>
 
@@ -13,14 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int navigationHeight = 28; // the page begins below the client's navigation
 constexpr int maxEntries = 1000;
 
 /// The page in the client's frame. Messages arrive whether it is shown or not.
 class WatchPage : public QWidget
 {
 public:
-    explicit WatchPage(QWidget* frame) : QWidget(frame), m_profile(new QLabel(this)), m_messages(new QListWidget(this))
+    WatchPage() : m_profile(new QLabel(this)), m_messages(new QListWidget(this))
     {
         setObjectName(u"qrvrcWatch"_s);
         setAccessibleName(u"Match Watch"_s);
@@ -34,14 +33,10 @@ public:
         hide();
     }
 
-    void showFor(std::int32_t profileId)
+    void showFor(std::int32_t profileId, const ForeignFrame& frame)
     {
         m_profile->setText(u"Profile %1"_s.arg(profileId));
-        if (const QWidget* frame = parentWidget()) {
-            const auto* status = frame->findChild<QStatusBar*>();
-            const int bottom = status ? status->y() : frame->height();
-            setGeometry(1, navigationHeight, frame->width() - 3, bottom - navigationHeight - 2);
-        }
+        frame.place(*this);
         show();
         raise();
     }
@@ -62,13 +57,12 @@ private:
 
 /// The page belongs to the library, because every message of the tracker comes to an instance of its own. It is made
 /// for the first frame or message; the frame takes it along when it goes.
-WatchPage& page(QWidget* frame)
+WatchPage& page()
 {
+    ForeignFrame::needApplication();
     static QPointer<WatchPage> shared;
     if (!shared)
-        shared = new WatchPage(frame);
-    else if (frame && shared->parentWidget() != frame)
-        shared->setParent(frame);
+        shared = new WatchPage;
     return *shared;
 }
 
@@ -94,11 +88,11 @@ public:
     void LoadInterface(std::int32_t profileId, std::int32_t window, std::vector<std::string>& /*list*/,
                        const std::string& /*user*/) override
     {
-        page(QWidget::find(static_cast<WId>(static_cast<std::uint32_t>(window)))).showFor(profileId);
+        page().showFor(profileId, ForeignFrame(window));
     }
 
-    void HideInterface(const std::string& /*text*/) override { page(nullptr).hide(); }
-    void RemoteData(const std::string& payload) override { page(nullptr).add(payload); }
+    void HideInterface(const std::string& /*text*/) override { page().hide(); }
+    void RemoteData(const std::string& payload) override { page().add(payload); }
 };
 
 } // namespace

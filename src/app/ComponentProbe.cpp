@@ -1,6 +1,7 @@
 #include "app/ComponentProbe.h"
 
 #include "base/RuntimeError.h"
+#include "platform/PathBytes.h"
 #include "platform/PathText.h"
 #include "store/AppFolder.h"
 #include "ui/EventWait.h"
@@ -41,13 +42,13 @@ Components::Probe childProcessProbe(const QString& program, const std::filesyste
         if (child.state() != QProcess::NotRunning) {
             child.kill();
             if (end != WaitEnd::TimedOut)
-                throw RuntimeError(ErrorNumber::CannotCreateObject, file.string() + ": its try was broken off");
+                throw RuntimeError(ErrorNumber::CannotCreateObject, bytesOf(file) + ": its try was broken off");
             static_cast<void>(EventWait(limit).endsOn(&child, &QProcess::finished, WaitEnd::Replied).run());
             why = "creating it takes too long";
             return false;
         }
         if (child.error() == QProcess::FailedToStart)
-            throw RuntimeError(ErrorNumber::CannotCreateObject, file.string() + ": it could not be tried");
+            throw RuntimeError(ErrorNumber::CannotCreateObject, bytesOf(file) + ": it could not be tried");
         if (child.exitStatus() == QProcess::NormalExit && child.exitCode() == cameToItsEnd)
             return true;
         why = "creating it ends the program";
@@ -61,8 +62,8 @@ int runComponentProbe(int argc, char** argv, const std::filesystem::path& applic
 #if defined(Q_OS_UNIX)
     const rlimit noDump{0, 0};
     setrlimit(RLIMIT_CORE, &noDump);
-#endif
     qputenv("QT_QPA_PLATFORM", "offscreen"); // whatever window the component opens is nobody's business
+#endif
     const QApplication application(argc, argv);
     tryComponent(AppFolder(applicationFolder), file, progId);
     std::_Exit(cameToItsEnd); // what goes wrong at the end of a process is not what was asked

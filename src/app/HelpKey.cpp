@@ -17,6 +17,10 @@
 #include <algorithm>
 #include <array>
 
+#if defined(Q_OS_WIN)
+#include <windows.h>
+#endif
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -62,6 +66,9 @@ const char* pageOf(const std::array<Topic, Count>& known, const QString& name)
 HelpKey::HelpKey(Client& client) : m_client(client)
 {
     QCoreApplication::instance()->installEventFilter(this);
+#if defined(Q_OS_WIN)
+    QCoreApplication::instance()->installNativeEventFilter(this);
+#endif
 }
 
 bool HelpKey::eventFilter(QObject* watched, QEvent* event)
@@ -75,6 +82,23 @@ bool HelpKey::eventFilter(QObject* watched, QEvent* event)
                                    [this, window] { showHelp(window ? window->objectName() : QString()); });
         }
     }
+    return false;
+}
+
+bool HelpKey::nativeEventFilter(const QByteArray& /*kind*/, void* message, qintptr* /*result*/)
+{
+#if defined(Q_OS_WIN)
+    constexpr LPARAM wasDownBefore = 1 << 30;
+    const MSG& native = *static_cast<const MSG*>(message);
+    if (native.message == WM_KEYDOWN && native.wParam == VK_F1 && (native.lParam & wasDownBefore) == 0 &&
+        !QWidget::find(reinterpret_cast<WId>(native.hwnd))) {
+        QMetaObject::invokeMethod(
+            this, [this] { m_client.reporter.trap("MDIFormLoad", [this] { showHelpFor(m_client.helpSection); }); },
+            Qt::QueuedConnection);
+    }
+#else
+    static_cast<void>(message);
+#endif
     return false;
 }
 

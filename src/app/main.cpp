@@ -4,7 +4,9 @@
 #include "app/ShippedFiles.h"
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
+#include "platform/PathBytes.h"
 #include "platform/PathText.h"
+#include "platform/StandardStreams.h"
 #include "updates/UpdateOptions.h"
 
 #include <QApplication>
@@ -39,7 +41,7 @@ public:
 
 int complain(const std::string& text)
 {
-    std::cerr << "qrvv3rc: " << text << '\n';
+    tellCaller("qrvv3rc: " + text);
     return badUsage;
 }
 
@@ -49,7 +51,7 @@ int registerComponent(const std::filesystem::path& folder, const std::filesystem
     const AppFolder appFolder(folder);
     if (Components(appFolder).registerFile(std::filesystem::absolute(file)))
         return 0;
-    std::cerr << "qrvv3rc: '" << file.string() << "' cannot be registered\n";
+    tellCaller("qrvv3rc: '" + bytesOf(file) + "' cannot be registered");
     return 1;
 }
 
@@ -87,12 +89,12 @@ int run(Application& application, const CommandLine& line)
     if (!instance.tryLock()) {
         if (instance.error() == QLockFile::LockFailedError)
             return 0; // another instance uses the folder
-        return complain("the folder '" + folder.string() + "' cannot be written to");
+        return complain("the folder '" + bytesOf(folder) + "' cannot be written to");
     }
     try {
         fillAppFolder(AppFolder(folder), installationFolder(executable));
     } catch (const RuntimeError& error) {
-        return complain("the folder '" + folder.string() + "' cannot be filled: " + error.description());
+        return complain("the folder '" + bytesOf(folder) + "' cannot be filled: " + error.description());
     }
 
     applyLook();
@@ -148,10 +150,11 @@ int start(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    joinCallersConsole();
     try {
         return start(argc, argv);
     } catch (const std::exception& fault) {
-        std::cerr << "qrvv3rc: " << fault.what() << '\n';
+        tellCaller(std::string("qrvv3rc: ") + fault.what());
         return 1;
     }
 }

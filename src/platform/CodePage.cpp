@@ -1,6 +1,7 @@
 #include "platform/CodePage.h"
 
 #include "platform/CodePageTables.h"
+#include "platform/SystemCodePage.h"
 
 #include <algorithm>
 
@@ -8,7 +9,8 @@ CodePage::CodePage()
 {
     for (std::size_t value = 0; value < 0x80; ++value)
         m_characters[value] = static_cast<char16_t>(value);
-    use(usual);
+    if (!use(systemCodePage()))
+        use(usual);
 }
 
 bool CodePage::use(std::string_view name)

@@ -7,8 +7,8 @@
 #include <string_view>
 
 /// The one place where bytes of the host become text for a widget, and a widget's text becomes bytes for the host.
-/// Single-byte, Windows-1252 unless told otherwise: all 256 values have a character of their own, so bytes survive the
-/// way there and back.
+/// Single-byte, Windows-1252 (on Windows the system's own, if that is a single-byte one) unless told otherwise: all 256
+/// values have a character of their own, so bytes survive the way there and back.
 class CodePage
 {
 public:

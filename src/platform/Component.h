@@ -81,7 +81,7 @@ public:
     explicit Components(const AppFolder& folder);
     ~Components();
 
-    /// Without a probe nothing is tried beforehand. Where the system has components of its own, none is used.
+    /// Without a probe nothing is tried beforehand.
     /// @param probe  may let events run; while it does, its library is refused to others
     void setProbe(Probe probe);
 

@@ -1,7 +1,11 @@
 #include "platform/Component.h"
 
 #include "base/RuntimeError.h"
+#include "platform/ComponentTrials.h"
+#include "platform/PathBytes.h"
+#include "platform/SystemCodePage.h"
 #include "store/AppFolder.h"
+#include "store/IniText.h"
 
 #include <windows.h>
 
@@ -15,33 +19,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Bytes are Windows-1252 on this side and UTF-16 on the other, whatever code page the system is set to.
-constexpr UINT codePage = 1252;
-
-std::wstring wideOf(std::string_view bytes)
-{
-    std::wstring text(bytes.size(), L'\0'); // one byte a character
-    if (!bytes.empty()) {
-        MultiByteToWideChar(codePage, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
-                            static_cast<int>(text.size()));
-    }
-    return text;
-}
-
-std::string bytesOf(const wchar_t* text, UINT length)
-{
-    std::string bytes(length, '\0');
-    if (length > 0) {
-        const int size = WideCharToMultiByte(codePage, 0, text, static_cast<int>(length), bytes.data(),
-                                             static_cast<int>(bytes.size()), nullptr, nullptr);
-        bytes.resize(static_cast<std::size_t>(size));
-    }
-    return bytes;
-}
-
 std::string bytesOf(BSTR text)
 {
-    return text ? bytesOf(text, SysStringLen(text)) : std::string();
+    return text ? ::bytesOf(std::wstring_view(text, SysStringLen(text))) : std::string();
 }
 
 void demandMemory(const void* pointer)
@@ -322,14 +302,34 @@ ComponentValue DispatchObject::call(std::string_view member, std::vector<Compone
     return valueOf(*answer.get());
 }
 
-ObjectRef create(const std::string& progId)
+CLSID classOf(const std::string& progId)
 {
     CLSID classId{};
-    HRESULT result = CLSIDFromProgID(wideOf(progId).c_str(), &classId);
+    const HRESULT result = CLSIDFromProgID(wideOf(progId).c_str(), &classId);
     if (FAILED(result))
         refuse(progId, result);
+    return classId;
+}
+
+/// The library that the system creates the class from; empty when it tells none.
+fs::path libraryOf(const CLSID& classId)
+{
+    wchar_t id[40] = {};
+    StringFromGUID2(classId, id, static_cast<int>(std::size(id)));
+    const std::wstring key = L"CLSID\\" + std::wstring(id) + L"\\InprocServer32";
+    std::wstring path(32768, L'\0'); // longer ones do not exist
+    auto bytes = static_cast<DWORD>(path.size() * sizeof(wchar_t));
+    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, path.data(), &bytes) !=
+        ERROR_SUCCESS)
+        return {};
+    path.resize(path.find(L'\0'));
+    return path;
+}
+
+ObjectRef create(const std::string& progId)
+{
     void* dispatch = nullptr;
-    result = CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &dispatch);
+    const HRESULT result = CoCreateInstance(classOf(progId), nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &dispatch);
     if (FAILED(result) || !dispatch)
         refuse(progId, result);
     return std::make_shared<DispatchObject>(static_cast<IDispatch*>(dispatch), progId);
@@ -354,7 +354,10 @@ bool registerLibrary(const fs::path& file)
 class Components::Impl
 {
 public:
-    Impl() : m_initialized(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    explicit Impl(const AppFolder& folder)
+        : trials(folder),
+          m_initialized(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
+    {}
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
     ~Impl()
@@ -363,24 +366,60 @@ public:
             CoUninitialize();
     }
 
+    ComponentTrials trials;
+
+    /// What was found out about the classes of a library counts no more.
+    void forgetClassesOf(const fs::path& file)
+    {
+        const IniText before = trials.notes();
+        IniText after = before;
+        for (const std::string& progId : before.sectionNames()) {
+            CLSID classId{};
+            std::error_code fault;
+            if (FAILED(CLSIDFromProgID(wideOf(progId).c_str(), &classId)) ||
+                !fs::equivalent(libraryOf(classId), file, fault))
+                continue;
+            after.removeSection(progId);
+            trials.forget(progId);
+        }
+        if (after.bytes() != before.bytes())
+            trials.writeNotes(after);
+    }
+
 private:
     bool m_initialized;
 };
 
-Components::Components(const AppFolder&) : m_impl(std::make_unique<Impl>()) {}
+Components::Components(const AppFolder& folder) : m_impl(std::make_unique<Impl>(folder)) {}
 
 Components::~Components() = default;
 
-void Components::setProbe(Probe) {}
+void Components::setProbe(Probe probe)
+{
+    m_impl->trials.probe = std::move(probe);
+}
 
 ObjectRef Components::createObject(const std::string& progId)
 {
-    return create(progId);
+    const fs::path file = libraryOf(classOf(progId));
+    if (!file.empty())
+        m_impl->trials.tryFirst(progId, bytesOf(file), file);
+    ObjectRef object = create(progId);
+    if (!file.empty())
+        m_impl->trials.createdWell(progId, file);
+    return object;
 }
 
 bool Components::registerFile(const fs::path& file)
 {
-    return registerLibrary(file);
+    try {
+        if (m_impl->trials.runProbe(bytesOf(file), file, {}) || !registerLibrary(file))
+            return false;
+        m_impl->forgetClassesOf(file);
+        return true;
+    } catch (const RuntimeError&) {
+        return false;
+    }
 }
 
 void tryComponent(const AppFolder& folder, const fs::path& file, const std::string& progId)

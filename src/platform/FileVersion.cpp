@@ -1,8 +1,6 @@
 #include "platform/FileVersion.h"
 
-#include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "store/FileBytes.h"
 
 #include <algorithm>
 #include <array>
@@ -191,14 +189,4 @@ std::optional<std::string> versionBehindMarker(std::string_view bytes)
 std::optional<std::string> fileVersion(std::string_view bytes)
 {
     return bytes.starts_with("MZ") ? versionOfPe(bytes) : versionBehindMarker(bytes);
-}
-
-std::optional<std::string> fileVersionOf(const std::filesystem::path& file)
-{
-    try {
-        const std::optional<std::string> bytes = readBytesIfPresent(file, maxVersionedFileBytes);
-        return bytes ? fileVersion(*bytes) : std::nullopt;
-    } catch (const RuntimeError&) {
-        return std::nullopt;
-    }
 }

@@ -13,5 +13,6 @@ inline constexpr std::size_t maxVersionedFileBytes = std::size_t{64} * 1024 * 10
 /// @param bytes  the whole file; may hold anything
 std::optional<std::string> fileVersion(std::string_view bytes);
 
-/// The same for a file; nothing also for one that is missing, unreadable or larger than `maxVersionedFileBytes`.
+/// The same for a file, as the system reads it where it knows version resources; nothing also for one that is missing,
+/// unreadable or larger than `maxVersionedFileBytes`.
 std::optional<std::string> fileVersionOf(const std::filesystem::path& file);

@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "platform/PathBytes.h"
 #include "store/FileBytes.h"
 
 #include <algorithm>
@@ -47,14 +48,14 @@ bool isDeviceName(std::string_view name)
 std::optional<fs::path> entryIgnoringCase(const fs::path& folder, std::string_view name)
 {
     std::error_code fault;
-    const fs::path asGiven = fs::path(name);
+    const fs::path asGiven = pathOfBytes(name);
     if (fs::exists(fs::symlink_status(folder / asGiven, fault)))
         return asGiven;
     std::optional<fs::path> found;
     fs::directory_iterator entries(folder, fault);
     for (; !fault && entries != fs::directory_iterator(); entries.increment(fault)) {
         fs::path candidate = entries->path().filename();
-        if (equalsIgnoringCase(candidate.string(), name) && (!found || candidate.native() < found->native()))
+        if (equalsIgnoringCase(bytesOf(candidate), name) && (!found || candidate.native() < found->native()))
             found = std::move(candidate);
     }
     return found;
@@ -104,7 +105,7 @@ fs::path AppFolder::path(std::string_view layoutName) const
             refuse(layoutName);
         const std::optional<fs::path> entry = exists ? entryIgnoringCase(result, part) : std::nullopt;
         exists = entry.has_value();
-        result /= entry.value_or(fs::path(part));
+        result /= entry.value_or(pathOfBytes(part));
         std::error_code fault;
         if (exists && fs::is_symlink(fs::symlink_status(result, fault)) && !liesInside(m_root, result))
             refuse(layoutName);
@@ -143,7 +144,7 @@ std::vector<std::string> AppFolder::fileNames(std::string_view layoutName) const
     for (; !fault && entries != fs::directory_iterator(); entries.increment(fault)) {
         std::error_code ignored;
         if (entries->is_regular_file(ignored))
-            names.push_back(entries->path().filename().string());
+            names.push_back(bytesOf(entries->path().filename()));
     }
     std::sort(names.begin(), names.end());
     return names;

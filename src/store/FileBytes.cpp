@@ -1,68 +1,16 @@
 #include "store/FileBytes.h"
 
 #include "base/RuntimeError.h"
+#include "platform/PathBytes.h"
+#include "store/DiskFile.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <random>
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr int noFile = -1;
-constexpr mode_t usualMode = 0666;
-constexpr mode_t ownerMode = 0600;
-constexpr mode_t rightsMask = 07777;
-
-std::error_code lastFault()
-{
-    return {errno, std::generic_category()};
-}
-
-/// An open file that is closed when its scope ends.
-class OpenFile
-{
-public:
-    OpenFile(const fs::path& path, int flags, mode_t mode = usualMode)
-        : m_descriptor(::open(path.c_str(), flags | O_CLOEXEC, mode))
-    {}
-    ~OpenFile()
-    {
-        if (m_descriptor != noFile)
-            ::close(m_descriptor);
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    bool isOpen() const { return m_descriptor != noFile; }
-    int descriptor() const { return m_descriptor; }
-
-    std::error_code write(std::string_view bytes)
-    {
-        while (!bytes.empty()) {
-            const ssize_t written = ::write(m_descriptor, bytes.data(), bytes.size());
-            if (written < 0 && errno != EINTR)
-                return lastFault();
-            bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-        }
-        return {};
-    }
-
-    /// Closing can report that the last bytes did not fit.
-    std::error_code close()
-    {
-        return ::close(std::exchange(m_descriptor, noFile)) == 0 ? std::error_code() : lastFault();
-    }
-
-private:
-    int m_descriptor;
-};
 
 /// Removes a temporary file unless it has become the real one.
 struct TemporaryFile
@@ -84,8 +32,8 @@ fs::path temporaryNameFor(const fs::path& target)
 {
     constexpr std::size_t takenOver = 64;
     std::random_device random;
-    const std::string name = target.filename().string().substr(0, takenOver);
-    return target.parent_path() / ('.' + name + '.' + std::to_string(random()) + ".tmp");
+    fs::path::string_type name = target.filename().native().substr(0, takenOver);
+    return target.parent_path() / fs::path(".").concat(name).concat('.' + std::to_string(random()) + ".tmp");
 }
 
 /// The file that `path` finally leads to.
@@ -116,7 +64,7 @@ ErrorNumber numberOf(std::error_code fault, const fs::path& path)
         condition == std::errc::read_only_file_system || condition == std::errc::is_a_directory ||
         condition == std::errc::text_file_busy)
         return ErrorNumber::PermissionDenied;
-    if (condition == std::errc::no_space_on_device || condition == std::errc::file_too_large || fault.value() == EDQUOT)
+    if (condition == std::errc::no_space_on_device || condition == std::errc::file_too_large)
         return ErrorNumber::DiskFull;
     return ErrorNumber::DeviceInputOutput;
 }
@@ -125,37 +73,33 @@ ErrorNumber numberOf(std::error_code fault, const fs::path& path)
 
 void throwFileError(std::error_code fault, const fs::path& path, std::source_location where)
 {
-    throw RuntimeError(numberOf(fault, path), path.string(), where);
+    throw RuntimeError(numberOf(fault, path), bytesOf(path), where);
 }
 
 std::optional<std::string> readBytesIfPresent(const fs::path& file, std::size_t maxBytes, std::source_location where)
 {
-    const OpenFile opened(file, O_RDONLY | O_NONBLOCK); // a pipe without a writer must not hold the program up
-    if (!opened.isOpen()) {
-        const std::error_code fault = lastFault();
+    DiskFile opened(file, DiskFile::Mode::Read);
+    if (const std::error_code fault = opened.fault()) {
         if (fault == std::errc::no_such_file_or_directory || fault == std::errc::not_a_directory)
             return {};
         throwFileError(fault, file, where);
     }
-    struct stat state = {};
-    if (::fstat(opened.descriptor(), &state) != 0)
-        throwFileError(lastFault(), file, where);
-    if (!S_ISREG(state.st_mode))
-        throw RuntimeError(ErrorNumber::PermissionDenied, file.string(), where);
+    std::error_code fault;
+    const std::uintmax_t size = opened.size(fault);
+    if (fault)
+        throwFileError(fault, file, where);
 
     // The file may grow or shrink meanwhile, so what counts is what is read; one byte more tells that it is too long.
-    const auto expected = std::min(static_cast<std::size_t>(state.st_size), maxBytes) + 1;
+    const auto expected = static_cast<std::size_t>(std::min<std::uintmax_t>(size, maxBytes)) + 1;
     std::string bytes(expected, '\0');
     std::size_t filled = 0;
     for (;;) {
-        const ssize_t received = ::read(opened.descriptor(), bytes.data() + filled, bytes.size() - filled);
-        if (received < 0 && errno == EINTR)
-            continue;
-        if (received < 0)
-            throwFileError(lastFault(), file, where);
-        filled += static_cast<std::size_t>(received);
+        const std::size_t received = opened.read(bytes.data() + filled, bytes.size() - filled, fault);
+        if (fault)
+            throwFileError(fault, file, where);
+        filled += received;
         if (filled > maxBytes)
-            throw RuntimeError(ErrorNumber::InvalidFileFormat, file.string(), where);
+            throw RuntimeError(ErrorNumber::InvalidFileFormat, bytesOf(file), where);
         if (received == 0)
             break;
         if (filled == bytes.size())
@@ -175,29 +119,27 @@ std::string readBytes(const fs::path& file, std::size_t maxBytes, std::source_lo
 void writeBytes(const fs::path& file, std::string_view bytes, Access access, std::source_location where)
 {
     const fs::path target = behindLinks(file);
-    struct stat old = {};
-    const bool replaces = ::stat(target.c_str(), &old) == 0;
-    if (replaces && !S_ISREG(old.st_mode))
-        throw RuntimeError(ErrorNumber::PermissionDenied, file.string(), where);
-
-    const bool asUsual = !replaces && access == Access::AsUsual;
-    TemporaryFile temporary{temporaryNameFor(target)};
-    OpenFile opened(temporary.path, O_WRONLY | O_CREAT | O_EXCL, asUsual ? usualMode : ownerMode);
-    if (!opened.isOpen()) {
-        temporary.kept = true; // not ours
-        throwFileError(lastFault(), target, where);
-    }
     std::error_code fault;
-    if (replaces && ::fchmod(opened.descriptor(), old.st_mode & rightsMask) != 0)
-        fault = lastFault();
+    const fs::file_status old = fs::status(target, fault);
+    const bool replaces = fs::exists(old);
+    if (replaces && !fs::is_regular_file(old))
+        throw RuntimeError(ErrorNumber::PermissionDenied, bytesOf(file), where);
+
+    TemporaryFile temporary{temporaryNameFor(target)};
+    DiskFile opened(temporary.path, DiskFile::Mode::CreateNew, replaces ? Access::OwnerOnly : access);
+    if (opened.fault()) {
+        temporary.kept = true; // not ours
+        throwFileError(opened.fault(), target, where);
+    }
+    fault = replaces ? opened.takeRightsOf(target) : std::error_code();
     if (!fault)
         fault = opened.write(bytes);
-    if (!fault && ::fsync(opened.descriptor()) != 0)
-        fault = lastFault();
+    if (!fault)
+        fault = opened.flush();
     if (const std::error_code closing = opened.close(); !fault)
         fault = closing;
     if (!fault)
-        fs::rename(temporary.path, target, fault);
+        fault = renameOver(temporary.path, target);
     if (fault)
         throwFileError(fault, target, where);
     temporary.kept = true;
@@ -205,20 +147,17 @@ void writeBytes(const fs::path& file, std::string_view bytes, Access access, std
 
 void appendBytes(const fs::path& file, std::string_view bytes, std::source_location where)
 {
-    OpenFile opened(file, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK);
-    if (!opened.isOpen())
-        throwFileError(lastFault(), file, where);
-    struct stat old = {};
-    if (::fstat(opened.descriptor(), &old) != 0)
-        throwFileError(lastFault(), file, where);
-    if (!S_ISREG(old.st_mode))
-        throw RuntimeError(ErrorNumber::PermissionDenied, file.string(), where);
-    if (const std::error_code fault = opened.write(bytes)) {
-        // Half an entry would hide those that follow. Should this fail too, the first fault is still the one to tell.
-        [[maybe_unused]] const int ignored = ::ftruncate(opened.descriptor(), old.st_size);
+    DiskFile opened(file, DiskFile::Mode::Append);
+    std::error_code fault = opened.fault();
+    const std::uintmax_t oldSize = fault ? 0 : opened.size(fault);
+    if (fault)
         throwFileError(fault, file, where);
-    }
-    if (const std::error_code fault = opened.close())
+    fault = opened.write(bytes);
+    if (fault)
+        opened.cutTo(oldSize); // half an entry would hide those that follow
+    if (const std::error_code closing = opened.close(); !fault)
+        fault = closing;
+    if (fault)
         throwFileError(fault, file, where);
 }
 
@@ -228,12 +167,11 @@ void copyFile(const fs::path& from, const fs::path& to, std::source_location whe
     std::error_code fault;
     fs::copy_file(from, temporary.path, fault);
     if (!fault) {
-        const OpenFile copy(temporary.path, O_RDONLY);
-        if (!copy.isOpen() || ::fsync(copy.descriptor()) != 0)
-            fault = lastFault();
+        DiskFile copy(temporary.path, DiskFile::Mode::Settle);
+        fault = copy.fault() ? copy.fault() : copy.flush();
     }
     if (!fault)
-        fs::rename(temporary.path, to, fault);
+        fault = renameOver(temporary.path, to);
     if (fault)
         throwFileError(fault, to, where);
     temporary.kept = true;
@@ -242,20 +180,22 @@ void copyFile(const fs::path& from, const fs::path& to, std::source_location whe
 void moveFile(const fs::path& from, const fs::path& to, std::source_location where)
 {
     const fs::path target = behindLinks(to);
-    struct stat old = {};
-    const bool replaces = ::stat(target.c_str(), &old) == 0;
-    if (replaces && !S_ISREG(old.st_mode))
-        throw RuntimeError(ErrorNumber::PermissionDenied, to.string(), where);
-    {
-        const OpenFile whole(from, O_RDONLY);
-        const bool isReady = whole.isOpen() &&
-                             (!replaces || ::fchmod(whole.descriptor(), old.st_mode & rightsMask) == 0) &&
-                             ::fsync(whole.descriptor()) == 0;
-        if (!isReady)
-            throwFileError(lastFault(), from, where);
-    }
     std::error_code fault;
-    fs::rename(from, target, fault);
+    const fs::file_status old = fs::status(target, fault);
+    const bool replaces = fs::exists(old);
+    if (replaces && !fs::is_regular_file(old))
+        throw RuntimeError(ErrorNumber::PermissionDenied, bytesOf(to), where);
+    {
+        DiskFile whole(from, DiskFile::Mode::Settle);
+        fault = whole.fault();
+        if (!fault && replaces)
+            fault = whole.takeRightsOf(target);
+        if (!fault)
+            fault = whole.flush();
+        if (fault)
+            throwFileError(fault, from, where);
+    }
+    fault = renameOver(from, target);
     if (fault == std::errc::cross_device_link) {
         copyFile(from, target, where);
         std::error_code ignored; // it has arrived; what is left of it is only in the way

@@ -2,6 +2,8 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "platform/KernelName.h"
+#include "platform/PathBytes.h"
 #include "store/AppFolder.h"
 #include "store/ErrorLogBlock.h"
 #include "store/Expansion.h"
@@ -12,8 +14,6 @@
 #include <algorithm>
 #include <ctime>
 #include <random>
-
-#include <sys/utsname.h>
 
 namespace {
 
@@ -26,7 +26,7 @@ constexpr std::size_t identityDigits = 32;
 IniText readIni(const std::filesystem::path& file)
 {
     std::optional<std::string> bytes = readBytesIfPresent(file, IniText::maxBytes);
-    return bytes ? IniText(*std::move(bytes), file.string()) : IniText();
+    return bytes ? IniText(*std::move(bytes), bytesOf(file)) : IniText();
 }
 
 void writeIniIfChanged(const std::filesystem::path& file, const IniText& before, const IniText& after)
@@ -45,7 +45,11 @@ LocalTime localTimeNow()
 {
     const std::time_t now = std::time(nullptr);
     std::tm parts = {};
+#if defined(_WIN32)
+    localtime_s(&parts, &now);
+#else
     localtime_r(&now, &parts);
+#endif
     std::array<char, 32> text{};
     const auto formatted = [&](const char* format) {
         return std::string(text.data(), std::strftime(text.data(), text.size(), format, &parts));
@@ -56,10 +60,7 @@ LocalTime localTimeNow()
 /// The operating system's name and release, the processor and the width of a pointer.
 std::string systemText()
 {
-    std::string text = "unknown system";
-    if (utsname names = {}; uname(&names) == 0)
-        text = std::string(names.sysname) + ' ' + names.release + ' ' + names.machine;
-    return text + ", " + std::to_string(8 * sizeof(void*)) + " bit";
+    return kernelName() + ", " + std::to_string(8 * sizeof(void*)) + " bit";
 }
 
 bool isIdentity(std::string_view text)

@@ -9,6 +9,12 @@
 /// What the updater needs of the operating system.
 namespace updater {
 
+#if defined(_WIN32)
+inline constexpr const char* clientName = "QRVV3RC.exe";
+#else
+inline constexpr const char* clientName = "qrvv3rc";
+#endif
+
 /// Held while an updater works on a folder, so that a second one does nothing.
 class FolderHold
 {

@@ -2,6 +2,7 @@
 // client again. The client starts it without arguments, in the program folder.
 
 #include "base/RuntimeError.h"
+#include "platform/StandardStreams.h"
 #include "store/AppFolder.h"
 #include "store/FileBytes.h"
 #include "updater/UpdaterSystem.h"
@@ -34,7 +35,7 @@ constexpr std::string_view help =
 
 int complain(std::string_view text, int status = 1)
 {
-    std::cerr << "QRVV3Updater: " << text << '\n';
+    tellCaller("QRVV3Updater: " + std::string(text));
     return status;
 }
 
@@ -57,7 +58,7 @@ RestartOrder restartOrder(const AppFolder& folder, const char* calledAs)
         complain(error.description());
     }
     if (order.program.empty())
-        order = {.program = updater::ownFolder(calledAs) / "qrvv3rc",
+        order = {.program = updater::ownFolder(calledAs) / updater::clientName,
                  .arguments = {"--app-folder", folder.root().string()}};
     return order;
 }
@@ -86,6 +87,7 @@ int run(bool restores, const char* calledAs)
 
 int main(int argc, char** argv)
 {
+    joinCallersConsole();
     const std::string_view option = argc > 1 ? argv[1] : "";
     if (argc > 2 || (argc == 2 && option != "--restore" && option != "--version" && option != "--help"))
         return complain("unknown arguments (see --help)", badUsage);

@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "platform/PathBytes.h"
 #include "store/AppFolder.h"
 #include "store/FileBytes.h"
 #include "store/IniText.h"
@@ -119,7 +120,7 @@ std::string layoutName(const fs::path& relative)
 {
     std::string name;
     for (const fs::path& part : relative)
-        name.append("\\").append(part.string());
+        name.append("\\").append(bytesOf(part));
     return name;
 }
 

@@ -1,0 +1,42 @@
+# shellcheck shell=bash disable=SC2154
+# Programs in the background and a display to show them on, for scripts that run the client. To be sourced by bash; the
+# script that does so has a function fail, holds its lock in the descriptor lock, and finds what the display says in
+# build/display.log.
+
+background=() # processes that must not outlive this script, in the order in which they were started
+end_background() {
+    local index
+    for ((index = ${#background[@]} - 1; index >= 0; --index)); do
+        kill "${background[index]}" 2>/dev/null || true
+        wait "${background[index]}" 2>/dev/null || true
+    done
+}
+trap end_background EXIT
+
+# Waits until a command succeeds while a process lives.
+wait_until() { # seconds, process, command...
+    local deadline=$((SECONDS + $1)) process=$2
+    shift 2
+    until "$@" >/dev/null 2>&1; do
+        if ! kill -0 "$process" 2>/dev/null || ((SECONDS >= deadline)); then
+            return 1
+        fi
+        sleep 0.1
+    done
+}
+
+# Starts a virtual display with a window manager, and has everything that follows use it.
+start_display() {
+    local output number
+    exec {output}< <(exec Xvfb -displayfd 1 -screen 0 1280x960x24 -nolisten tcp 2>build/display.log {lock}>&-)
+    background+=($!)
+    read -r -t 30 number <&"$output" || fail "the virtual display does not start (see build/display.log)"
+    export DISPLAY=:$number QT_QPA_PLATFORM=xcb
+    if [[ -z ${XDG_RUNTIME_DIR:-} ]]; then # no desktop login has set it; without it every program complains
+        install -d -m 700 build/runtime
+        export XDG_RUNTIME_DIR=$PWD/build/runtime
+    fi
+    openbox --sm-disable >>build/display.log 2>&1 {lock}>&- &
+    background+=($!)
+    wait_until 30 $! xdotool get_num_desktops || fail "the window manager does not start (see build/display.log)"
+}

@@ -1,0 +1,98 @@
+# shellcheck shell=bash disable=SC2154
+# Makes what the Windows build links against, from Debian's own source packages. To be sourced by bash; the caller sets
+# here (the folder of this file).
+
+readonly target=x86_64-w64-mingw32
+
+# Fetches a source package and unpacks it into a folder. The system's own lists of packages are left alone.
+unpack_source() { # package, folder
+    local package=$1 folder=$2 release lists
+    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    lists=$folder.lists
+    rm -rf "$folder" "$folder.download"
+    mkdir -p "$folder.download" "$lists/state"
+    printf 'deb-src %s %s main\n' "${QRVRC_DEBIAN_MIRROR:-http://deb.debian.org/debian}" "$release" >"$lists/sources.list"
+    local apt=(apt-get --quiet=2 -o "Dir::Etc::sourcelist=$lists/sources.list" -o Dir::Etc::sourceparts=-
+        -o "Dir::State::lists=$lists/state" -o APT::Sandbox::User=root)
+    "${apt[@]}" update
+    (cd "$folder.download" && "${apt[@]}" source --download-only "$package" >/dev/null)
+    dpkg-source -x "$folder.download"/*.dsc "$folder" >/dev/null 2>&1
+    rm -rf "$folder.download" "$lists"
+}
+
+# Compiles C files into a static library of the prefix.
+static_library() { # prefix, name, flag or file...
+    local prefix=$1 name=$2 work
+    shift 2
+    work=$(mktemp -d)
+    (cd "$work" && "$target-gcc-posix" -O2 -w -c "$@")
+    mkdir -p "$prefix/lib/pkgconfig" "$prefix/include"
+    rm -f "$prefix/lib/$name.a"
+    "$target-ar" rcs "$prefix/lib/$name.a" "$work"/*.o
+    rm -r "$work"
+}
+
+describe_library() { # prefix, package, version, linker name
+    printf '%s\n' "Name: $2" "Description: $2 for Windows" "Version: $3" "Cflags: -I$1/include" "Libs: -L$1/lib -l$4" \
+        >"$1/lib/pkgconfig/$2.pc"
+}
+
+make_libdeflate() { # prefix, folder for the work
+    local source=$2/libdeflate
+    unpack_source libdeflate "$source"
+    static_library "$1" libdeflate -I"$source" "$source"/lib/*.c "$source"/lib/x86/*.c
+    cp "$source/libdeflate.h" "$1/include/"
+    describe_library "$1" libdeflate \
+        "$(sed -nE 's/^#define LIBDEFLATE_VERSION_STRING[^"]*"(.*)"/\1/p' "$source/libdeflate.h")" deflate
+}
+
+# Only what reads compiled help.
+make_libmspack() { # prefix, folder for the work
+    local source=$2/libmspack
+    unpack_source libmspack "$source"
+    static_library "$1" libmspack -DSIZEOF_OFF_T=4 -I"$source/mspack" "$source"/mspack/{system,chmd,lzxd}.c
+    cp "$source/mspack/mspack.h" "$1/include/"
+    describe_library "$1" libmspack "$(sed -nE 's/^AC_INIT.*\[([0-9.]+)(alpha)?\].*/\1/p' "$source/configure.ac")" mspack
+}
+
+# What checks sums and signatures of updates, without most of the rest.
+make_libcrypto() { # prefix, folder for the work
+    local source=$2/openssl without=(asm aria async autoload-config bf camellia cast cms comp ct dh dsa ec2m engine
+        gost idea legacy md4 mdc2 module ocb psk rc2 rc4 rc5 rmd160 scrypt seed shared siv sm2 sm3 sm4 sock srp ssl3
+        tests ts ui-console whirlpool)
+    unpack_source openssl "$source"
+    (
+        cd "$source" || exit
+        # shellcheck disable=SC2046 # one word an option
+        ./Configure mingw64 --cross-compile-prefix="$target-" CC=gcc-posix -Os $(printf 'no-%s ' "${without[@]}")
+        make -j"$(nproc)" build_generated
+        make -j"$(nproc)" libcrypto.a
+    ) >"$2/openssl.log" 2>&1
+    mkdir -p "$1/lib/pkgconfig" "$1/include"
+    cp "$source/libcrypto.a" "$1/lib/"
+    cp -r "$source/include/openssl" "$1/include/"
+    describe_library "$1" libcrypto "$(sed -nE 's/^# define OPENSSL_VERSION_STR "(.*)"/\1/p' \
+        "$source/include/openssl/opensslv.h")" "crypto -lws2_32 -lgdi32 -lcrypt32"
+}
+
+# All of them, but what the prefix has already.
+make_libraries() { # prefix, folder for the work
+    [[ -e $1/lib/pkgconfig/libdeflate.pc ]] || make_libdeflate "$1" "$2"
+    [[ -e $1/lib/pkgconfig/libmspack.pc ]] || make_libmspack "$1" "$2"
+    [[ -e $1/lib/pkgconfig/libcrypto.pc ]] || make_libcrypto "$1" "$2"
+}
+
+# Qt as the client needs it: static, with the system's own TLS. Takes the better part of an hour on two cores.
+make_qt() { # prefix, folder for the work
+    local source=$2/qt6-base
+    unpack_source qt6-base "$source"
+    # The source package carries no header for tablets, so that their events must be off.
+    cmake -S "$source" -B "$2/qt6-build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$here/toolchain.cmake" \
+        -DCMAKE_INSTALL_PREFIX="$1" -DCMAKE_BUILD_TYPE=MinSizeRel -DBUILD_SHARED_LIBS=OFF \
+        -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF \
+        -DFEATURE_sql=OFF -DFEATURE_dbus=OFF -DFEATURE_printsupport=OFF -DFEATURE_opengl=OFF -DINPUT_opengl=no \
+        -DFEATURE_vulkan=OFF -DFEATURE_concurrent=OFF -DFEATURE_testlib=ON -DFEATURE_xml=OFF -DFEATURE_openssl=OFF \
+        -DFEATURE_schannel=ON -DFEATURE_system_zlib=OFF -DFEATURE_pkg_config=OFF -DFEATURE_tabletevent=OFF
+    cmake --build "$2/qt6-build"
+    cmake --install "$2/qt6-build"
+}

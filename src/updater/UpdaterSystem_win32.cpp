@@ -1,0 +1,104 @@
+#include "updater/UpdaterSystem.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+
+namespace fs = std::filesystem;
+
+namespace updater {
+
+namespace {
+
+constexpr const char* holdName = "QRVV3Updater.lock";
+constexpr const char* clientLockName = "instance.lock"; // the client holds it as long as it runs
+constexpr auto pollPause = std::chrono::milliseconds(50);
+constexpr DWORD sharedWithNobody = 0;
+
+/// Whether somebody holds the file; not when there is none.
+bool isHeld(const fs::path& file)
+{
+    const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, sharedWithNobody, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return GetLastError() == ERROR_SHARING_VIOLATION;
+    CloseHandle(handle);
+    return false;
+}
+
+/// `word` as the other program's start-up code takes it apart again: backslashes count as such unless a quotation mark
+/// follows.
+std::wstring quoted(const std::wstring& word)
+{
+    std::wstring text = L"\"";
+    std::size_t backslashes = 0;
+    for (const wchar_t c : word) {
+        if (c == L'"')
+            text.append(backslashes + 1, L'\\');
+        backslashes = c == L'\\' ? backslashes + 1 : 0;
+        text += c;
+    }
+    return text.append(backslashes, L'\\') + L'"';
+}
+
+} // namespace
+
+FolderHold::FolderHold(fs::path file, int descriptor) : m_file(std::move(file)), m_descriptor(descriptor) {}
+
+std::unique_ptr<FolderHold> FolderHold::take(const fs::path& folder)
+{
+    fs::path file = folder / holdName;
+    const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, sharedWithNobody, nullptr,
+                                      OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return nullptr;
+    const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_RDWR);
+    return std::unique_ptr<FolderHold>(new FolderHold(std::move(file), descriptor));
+}
+
+FolderHold::~FolderHold()
+{
+    _close(m_descriptor); // what is open cannot be removed
+    std::error_code ignored;
+    fs::remove(m_file, ignored);
+}
+
+bool waitForClient(const fs::path& folder, std::chrono::milliseconds limit)
+{
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (isHeld(folder / clientLockName)) {
+        if (std::chrono::steady_clock::now() >= deadline)
+            return false;
+        std::this_thread::sleep_for(pollPause);
+    }
+    return true;
+}
+
+bool startProgram(const fs::path& program, const std::vector<std::string>& arguments)
+{
+    std::wstring line = quoted(program.native());
+    for (const std::string& argument : arguments)
+        line += L' ' + quoted(fs::path(argument).native()); // UTF-8 like all paths that are kept as bytes here
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process))
+        return false;
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return true;
+}
+
+fs::path ownFolder(const char* calledAs)
+{
+    std::wstring path(32768, L'\0'); // longer ones do not exist
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    return (path.empty() ? fs::absolute(calledAs) : fs::path(path)).parent_path();
+}
+
+} // namespace updater
