@@ -46,8 +46,8 @@ void gatheringOurs(benchmark::State& state)
     for ([[maybe_unused]] const auto step : state) {
         ReplyAssembler assembler;
         eachChunk(whole, [&assembler](std::string_view chunk) { assembler.add(chunk); });
-        const std::optional<std::string> reply = assembler.take();
-        isWhole = isWhole && reply && reply->size() == whole.size() - prefixBytes;
+        const std::optional<Reply> reply = assembler.take();
+        isWhole = isWhole && reply && reply->text.size() == whole.size() - prefixBytes;
         benchmark::DoNotOptimize(reply);
     }
     finish(state, isWhole);
