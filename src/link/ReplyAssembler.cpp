@@ -17,10 +17,14 @@ void GrowingSearch::look(std::string_view text)
 {
     if (m_end != nowhere)
         return;
-    const std::size_t found = text.find(m_pattern, m_from);
-    if (found != nowhere)
-        m_end = found + m_pattern.size();
-    else if (text.size() >= m_pattern.size())
+    for (std::size_t at = text.find(m_pattern[m_rare], m_from + m_rare); at != nowhere;
+         at = text.find(m_pattern[m_rare], at + 1)) {
+        if (text.substr(at - m_rare, m_pattern.size()) == m_pattern) {
+            m_end = at - m_rare + m_pattern.size();
+            return;
+        }
+    }
+    if (text.size() >= m_pattern.size())
         m_from = text.size() - m_pattern.size() + 1; // the pattern may have begun in what stands at the end
 }
 

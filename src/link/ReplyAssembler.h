@@ -29,7 +29,8 @@ public:
     static constexpr std::size_t nowhere = std::string_view::npos;
 
     /// @param pattern  a literal
-    explicit constexpr GrowingSearch(std::string_view pattern) : m_pattern(pattern) {}
+    /// @param rare     offset of its rarest character, which is looked for first. Most of a reply is Base64.
+    constexpr GrowingSearch(std::string_view pattern, std::size_t rare) : m_pattern(pattern), m_rare(rare) {}
 
     /// @param text  what was given before, and more
     void look(std::string_view text);
@@ -38,6 +39,7 @@ public:
 
 private:
     std::string_view m_pattern;
+    std::size_t m_rare;
     std::size_t m_from = 0; ///< the pattern does not begin before this offset
     std::size_t m_end = nowhere;
 };
@@ -70,9 +72,9 @@ private:
     std::int32_t m_expected = 0;
     bool m_prefixRead = false;
     // All that must be known of a reply is looked for while it arrives: a large one is not gone through at its end.
-    GrowingSearch m_end{"[ND]"};
-    GrowingSearch m_failure{"Login Failed"};
-    GrowingSearch m_success{"[ST]Success_"};
+    GrowingSearch m_end{"[ND]", 0};
+    GrowingSearch m_failure{"Login Failed", 5};
+    GrowingSearch m_success{"[ST]Success_", 0};
 };
 
 /// The bodies of the messages in a complete reply, in order: for each piece that ends at an "[ND]", the text between
