@@ -13,12 +13,20 @@ constexpr std::int32_t maxPrefix = 9'999'999;
 
 struct Gathered
 {
-    std::vector<std::string> replies;
+    std::vector<Reply> replies;
     std::vector<std::string> messages;
     std::size_t pending = 0; ///< bytes of a reply that is not complete
 
     bool operator==(const Gathered&) const = default;
 };
+
+/// The kind of a reply that is looked at as a whole.
+ReplyKind kindOf(std::string_view reply)
+{
+    if (reply.find("Login Failed") != std::string_view::npos)
+        return ReplyKind::LoginFailed;
+    return reply.find("[ST]Success_") != std::string_view::npos ? ReplyKind::LoginSucceeded : ReplyKind::Messages;
+}
 
 void checkDecoders(std::string_view reply)
 {
@@ -34,14 +42,16 @@ void checkDecoders(std::string_view reply)
 
 void takeAll(ReplyAssembler& assembler, Gathered& gathered)
 {
-    while (const std::optional<std::string> reply = assembler.take()) {
-        check(reply->ends_with(endMarker));
-        for (const std::string_view body : messagesOf(*reply)) {
+    while (const std::optional<Reply> reply = assembler.take()) {
+        const std::string& text = reply->text;
+        check(text.ends_with(endMarker));
+        check(reply->kind == kindOf(text));
+        for (const std::string_view body : messagesOf(text)) {
             check(body.find(startMarker) == std::string_view::npos && body.find(endMarker) == std::string_view::npos);
-            check(body.data() >= reply->data() && body.data() + body.size() <= reply->data() + reply->size());
+            check(body.data() >= text.data() && body.data() + body.size() <= text.data() + text.size());
             gathered.messages.emplace_back(body);
         }
-        checkDecoders(*reply);
+        checkDecoders(text);
         gathered.replies.push_back(*reply);
     }
     gathered.pending = assembler.received();

@@ -13,6 +13,21 @@ constexpr std::string_view endMarker = "[ND]";
 
 } // namespace
 
+void GrowingSearch::look(std::string_view text)
+{
+    if (m_end != nowhere)
+        return;
+    for (std::size_t at = text.find(m_pattern[m_rare], m_from + m_rare); at != nowhere;
+         at = text.find(m_pattern[m_rare], at + 1)) {
+        if (text.substr(at - m_rare, m_pattern.size()) == m_pattern) {
+            m_end = at - m_rare + m_pattern.size();
+            return;
+        }
+    }
+    if (text.size() >= m_pattern.size())
+        m_from = text.size() - m_pattern.size() + 1; // the pattern may have begun in what stands at the end
+}
+
 void ReplyAssembler::add(std::string_view chunk)
 {
     if (chunk.size() > maxReplyBytes - m_buffer.size()) {
@@ -22,12 +37,9 @@ void ReplyAssembler::add(std::string_view chunk)
     m_buffer.append(chunk);
     if (!m_prefixRead && m_buffer.size() >= prefixBytes)
         startReply();
-    if (m_prefixRead && !m_complete) {
-        // A marker may begin in what an earlier chunk left at the end.
-        const std::size_t found = m_buffer.find(endMarker, m_searched);
-        m_complete = found != std::string::npos;
-        const std::size_t tail = endMarker.size() - 1;
-        m_searched = m_complete ? found : std::max(m_searched, m_buffer.size() - std::min(m_buffer.size(), tail));
+    if (m_prefixRead) {
+        for (GrowingSearch* search : {&m_end, &m_failure, &m_success})
+            search->look(m_buffer);
     }
 }
 
@@ -44,26 +56,29 @@ void ReplyAssembler::startReply()
     m_buffer.reserve(static_cast<std::size_t>(m_expected)); // seven digits: at most 10 MB
 }
 
-std::optional<std::string> ReplyAssembler::take()
+std::optional<Reply> ReplyAssembler::take()
 {
-    if (!m_complete)
+    if (m_end.end() == GrowingSearch::nowhere)
         return {};
     const std::size_t end = m_buffer.rfind(endMarker) + endMarker.size();
-    std::string rest = m_buffer.substr(end);
-    std::string reply = std::move(m_buffer);
-    reply.resize(end);
+    const std::string rest = m_buffer.substr(end);
+    Reply reply{.text = std::move(m_buffer), .kind = kindUpTo(end)};
+    reply.text.resize(end);
     reset();
     add(rest);
     return reply;
 }
 
+ReplyKind ReplyAssembler::kindUpTo(std::size_t end) const
+{
+    if (m_failure.end() <= end)
+        return ReplyKind::LoginFailed;
+    return m_success.end() <= end ? ReplyKind::LoginSucceeded : ReplyKind::Messages;
+}
+
 void ReplyAssembler::reset()
 {
-    m_buffer = std::string();
-    m_expected = 0;
-    m_prefixRead = false;
-    m_searched = 0;
-    m_complete = false;
+    *this = {};
 }
 
 std::vector<std::string_view> messagesOf(std::string_view reply)
@@ -80,15 +95,6 @@ std::vector<std::string_view> messagesOf(std::string_view reply)
         bodies.push_back(body.substr(0, body.find(startMarker)));
     }
     return bodies;
-}
-
-ReplyKind kindOf(std::string_view reply)
-{
-    if (reply.find("Login Failed") != std::string_view::npos)
-        return ReplyKind::LoginFailed;
-    if (reply.find("[ST]Success_") != std::string_view::npos)
-        return ReplyKind::LoginSucceeded;
-    return ReplyKind::Messages;
 }
 
 std::string loginFailureText(std::string_view reply)

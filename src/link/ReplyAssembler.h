@@ -1,10 +1,48 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+enum class ReplyKind { LoginFailed, LoginSucceeded, Messages };
+
+/// A complete reply.
+struct Reply
+{
+    std::string text; ///< from behind the length prefix to the last "[ND]"
+    /// Login replies are recognised anywhere in a reply, a failure first.
+    ReplyKind kind = ReplyKind::Messages;
+
+    bool operator==(const Reply&) const = default;
+};
+
+/// The text in which a message body stands. Who keeps it keeps the body without copying it.
+using ReplyOwner = std::shared_ptr<const std::string>;
+
+/// Finds where a text stands first in another one that grows, looking at every byte once.
+class GrowingSearch
+{
+public:
+    static constexpr std::size_t nowhere = std::string_view::npos;
+
+    /// @param pattern  a literal
+    /// @param rare     offset of its rarest character, which is looked for first. Most of a reply is Base64.
+    constexpr GrowingSearch(std::string_view pattern, std::size_t rare) : m_pattern(pattern), m_rare(rare) {}
+
+    /// @param text  what was given before, and more
+    void look(std::string_view text);
+    /// The offset behind the first place found, or `nowhere`.
+    std::size_t end() const { return m_end; }
+
+private:
+    std::string_view m_pattern;
+    std::size_t m_rare;
+    std::size_t m_from = 0; ///< the pattern does not begin before this offset
+    std::size_t m_end = nowhere;
+};
 
 /// Gathers the tracker's replies from the chunks in which they arrive, in time linear in their size. A reply is seven
 /// characters of decimal length and one or more messages "[ST]"..."[ND]"; it is complete as soon as an "[ND]" is there.
@@ -17,9 +55,8 @@ public:
     /// @throws RuntimeError OutOfMemory when the reply under way exceeds `maxReplyBytes`; the buffer is then empty
     void add(std::string_view chunk);
 
-    /// The complete reply, from behind its prefix to its last "[ND]", or nothing. What stands behind stays for the
-    /// next reply.
-    std::optional<std::string> take();
+    /// The complete reply, or nothing. What stands behind it stays for the next one.
+    std::optional<Reply> take();
 
     /// The number in the prefix of the reply under way; 0 between replies and when the prefix is no number.
     std::int32_t expectedLength() const { return m_expected; }
@@ -29,22 +66,20 @@ public:
 
 private:
     void startReply();
+    ReplyKind kindUpTo(std::size_t end) const;
 
     std::string m_buffer;
     std::int32_t m_expected = 0;
     bool m_prefixRead = false;
-    std::size_t m_searched = 0; ///< no "[ND]" begins before this offset
-    bool m_complete = false;
+    // All that must be known of a reply is looked for while it arrives: a large one is not gone through at its end.
+    GrowingSearch m_end{"[ND]", 0};
+    GrowingSearch m_failure{"Login Failed", 5};
+    GrowingSearch m_success{"[ST]Success_", 0};
 };
 
 /// The bodies of the messages in a complete reply, in order: for each piece that ends at an "[ND]", the text between
 /// its first "[ST]" and the next "[ST]" or the piece's end. Pieces without "[ST]" are skipped. Views into `reply`.
 std::vector<std::string_view> messagesOf(std::string_view reply);
-
-enum class ReplyKind { LoginFailed, LoginSucceeded, Messages };
-
-/// Login replies are recognised anywhere in a reply, a failure first.
-ReplyKind kindOf(std::string_view reply);
 
 /// The tracker's own words of a "Login Failed" reply, without the markers.
 std::string loginFailureText(std::string_view reply);

@@ -13,6 +13,11 @@ ReplyDispatcher::ReplyDispatcher(Reporter& reporter, LockableInterface& interfac
 
 void ReplyDispatcher::on(const std::string& request, QObject* owner, Handler handler)
 {
+    on(request, owner, [handler = std::move(handler)](std::string_view body, const ReplyOwner&) { handler(body); });
+}
+
+void ReplyDispatcher::on(const std::string& request, QObject* owner, KeepingHandler handler)
+{
     if (pendingRequest == request)
         pendingRequest.clear(); // what is due was asked for by the owner before, and not for this one's purpose
     m_handlers[request] = {owner, std::move(handler)};
@@ -25,6 +30,12 @@ void ReplyDispatcher::onPluginMessage(QObject* owner, PluginHandler handler)
 }
 
 void ReplyDispatcher::HandleData(std::string_view body)
+{
+    const auto owner = std::make_shared<const std::string>(body);
+    HandleData(*owner, owner);
+}
+
+void ReplyDispatcher::HandleData(std::string_view body, const ReplyOwner& owner)
 {
     const InterfaceLock lock(m_interface);
     const bool isForPlugin = isPluginMessage(body);
@@ -39,5 +50,5 @@ void ReplyDispatcher::HandleData(std::string_view body)
     }
     const auto found = m_handlers.find(request);
     if (found != m_handlers.end() && found->second.owner)
-        m_reporter.trap("HandleData", [&] { found->second.handler(body); });
+        m_reporter.trap("HandleData", [&] { found->second.handler(body, owner); });
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/ReplyAssembler.h"
+
 #include <QObject>
 #include <QPointer>
 
@@ -17,6 +19,7 @@ class ReplyDispatcher : public QObject
 {
 public:
     using Handler = std::function<void(std::string_view body)>;
+    using KeepingHandler = std::function<void(std::string_view body, const ReplyOwner& owner)>;
     using PluginHandler = std::function<void(const std::string& component, const std::string& payload)>;
 
     /// @param interface  locked while a message is handled
@@ -26,12 +29,17 @@ public:
     /// for replies itself; what must follow a reply it schedules. A reply that is due already was asked for by another
     /// owner and reaches nobody.
     void on(const std::string& request, QObject* owner, Handler handler);
+    /// The same for a handler that needs the body after it has returned: it is valid while a share in its owner is
+    /// held.
+    void on(const std::string& request, QObject* owner, KeepingHandler handler);
     /// Registers where messages to plugins go.
     void onPluginMessage(QObject* owner, PluginHandler handler);
 
     /// Handles one message body. Whatever happens in a handler, no request is pending afterwards and the interface is
     /// unlocked; a RuntimeError is reported under "HandleData".
     void HandleData(std::string_view body);
+    /// @param owner  holds `body`; not null
+    void HandleData(std::string_view body, const ReplyOwner& owner);
 
     /// The name of the request sent last, empty when none is pending. Written by `clsWinSock::SendData`, cleared here
     /// and when the link leaves the connected state.
@@ -41,7 +49,7 @@ private:
     struct Entry
     {
         QPointer<QObject> owner;
-        Handler handler;
+        KeepingHandler handler;
     };
 
     Reporter& m_reporter;

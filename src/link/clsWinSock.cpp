@@ -100,31 +100,32 @@ void clsWinSock::receive(std::string_view chunk)
     }
     if (expected >= progressBytes)
         Q_EMIT progress(0, received, true);
-    while (const std::optional<std::string> reply = m_assembler.take()) {
+    while (std::optional<Reply> reply = m_assembler.take()) {
         m_progressOpen = false;
         m_isAwaitingReply = false;
         Q_EMIT replyComplete();
-        handleReply(*reply);
+        handleReply(std::move(*reply));
         ReplyReceived = true;
         Q_EMIT replyHandled();
     }
 }
 
-void clsWinSock::handleReply(const std::string& reply)
+void clsWinSock::handleReply(Reply reply)
 {
-    switch (kindOf(reply)) {
+    const ReplyOwner text = std::make_shared<const std::string>(std::move(reply.text));
+    switch (reply.kind) {
     case ReplyKind::LoginFailed:
         m_session.loggedIn = false;
         m_main.close();
-        Q_EMIT loginFailed(loginFailureText(reply));
+        Q_EMIT loginFailed(loginFailureText(*text));
         return;
     case ReplyKind::LoginSucceeded:
-        acceptLogin(reply);
+        acceptLogin(*text);
         return;
     case ReplyKind::Messages:
         if (m_session.loggedIn) {
-            for (const std::string_view body : messagesOf(reply))
-                m_replies.HandleData(body);
+            for (const std::string_view body : messagesOf(*text))
+                m_replies.HandleData(body, text);
         }
         return;
     }

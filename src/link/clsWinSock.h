@@ -72,7 +72,7 @@ Q_SIGNALS:
 
 private:
     void receive(std::string_view chunk);
-    void handleReply(const std::string& reply);
+    void handleReply(Reply reply);
     void acceptLogin(const std::string& reply);
     void linkStateChanged(SocketState state);
     void breakOff(const QString& text);

@@ -14,15 +14,15 @@ TextExpander::TextExpander(QObject* parent) : QObject(parent)
 
 TextExpander::~TextExpander() = default;
 
-void TextExpander::expand(const PackedReply& packed)
+void TextExpander::expand(const PackedReply& packed, const ReplyOwner& owner)
 {
     stop();
     if (packed.length <= maxDirectBytes) {
         Q_EMIT ready(std::make_shared<const LinedText>(clsMFD::DecompressString(packed.data, packed.length)));
         return;
     }
-    m_watcher.setFuture(inBackground([data = std::string(packed.data), length = packed.length]() -> Text {
-        return std::make_shared<const LinedText>(clsMFD::DecompressString(data, length));
+    m_watcher.setFuture(inBackground([packed, owner]() -> Text {
+        return std::make_shared<const LinedText>(clsMFD::DecompressString(packed.data, packed.length));
     }));
     m_isExpanding = true;
     Q_EMIT started();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/LinedText.h"
+#include "link/ReplyAssembler.h"
 
 #include <QFutureWatcher>
 
@@ -23,8 +24,9 @@ public:
     ~TextExpander() override;
 
     /// Emits `ready` before it returns, or `started` when the text is large.
+    /// @param owner  holds the packed text; a share in it is kept as long as it is needed
     /// @throws RuntimeError for a small text that cannot be expanded
-    void expand(const PackedReply& packed);
+    void expand(const PackedReply& packed, const ReplyOwner& owner);
     /// Drops what is under way.
     void stop();
 

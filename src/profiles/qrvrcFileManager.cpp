@@ -142,7 +142,8 @@ void qrvrcFileManager::wireSignals()
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter})
         connect(new QShortcut(key, mfgFM, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this, view);
     m_client.replies.on("GetFileList", this, [this](std::string_view body) { showList(body); });
-    m_client.replies.on("GetRemFile", this, [this](std::string_view body) { takeFile(body); });
+    m_client.replies.on("GetRemFile", this,
+                        [this](std::string_view body, const ReplyOwner& owner) { takeFile(body, owner); });
 }
 
 void qrvrcFileManager::Form_Activate()
@@ -266,7 +267,7 @@ void qrvrcFileManager::viewFile()
         lblState->setText(stateAfter(end));
 }
 
-void qrvrcFileManager::takeFile(std::string_view body)
+void qrvrcFileManager::takeFile(std::string_view body, const ReplyOwner& owner)
 {
     m_isAnswered = true;
     if (body.empty()) {
@@ -275,6 +276,6 @@ void qrvrcFileManager::takeFile(std::string_view body)
     }
     lblState->setText(u"%1 could not be read."_s.arg(m_fetchedName)); // unless it can
     if (auto* pad = static_cast<qrvrcNotePad*>(m_client.windows.window(u"qrvrcNotePad"_s)))
-        pad->showFile(m_fetchedName, splitPackedReply(body));
+        pad->showFile(m_fetchedName, splitPackedReply(body), owner);
     lblState->clear();
 }

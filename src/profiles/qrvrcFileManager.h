@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/ReplyAssembler.h"
 #include "profiles/RemoteFiles.h"
 #include "ui/WorkingWindow.h"
 
@@ -38,7 +39,7 @@ private:
     void showList(std::string_view body);
     void showFiles(std::vector<RemoteFile> files);
     void viewFile();
-    void takeFile(std::string_view body);
+    void takeFile(std::string_view body, const ReplyOwner& owner);
     bool isLoggedIn() const;
     const RemoteFileType& chosenType() const;
 

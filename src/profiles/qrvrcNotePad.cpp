@@ -152,11 +152,11 @@ void qrvrcNotePad::showText(const QString& caption, const QString& text)
     present(std::make_shared<const LinedText>(m_client.codePage.toBytes(text)));
 }
 
-void qrvrcNotePad::showFile(const QString& file, const PackedReply& packed)
+void qrvrcNotePad::showFile(const QString& file, const PackedReply& packed, const ReplyOwner& owner)
 {
     dropAwaited();
     m_awaited = file;
-    m_expander->expand(packed);
+    m_expander->expand(packed, owner);
 }
 
 void qrvrcNotePad::dropAwaited()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/ReplyAssembler.h"
+
 #include <QFutureWatcher>
 #include <QWidget>
 
@@ -33,8 +35,9 @@ public:
     /// Brings the window to the front with the text of a file in it. A large one is expanded first, beside the window,
     /// which says so; if that fails, the window reports it and shows what it showed before.
     /// @param file  its name on the host
+    /// @param owner  keeps the packed text
     /// @throws RuntimeError for a small text that cannot be expanded
-    void showFile(const QString& file, const PackedReply& packed);
+    void showFile(const QString& file, const PackedReply& packed, const ReplyOwner& owner);
 
 protected:
     /// A text that is still being expanded is no longer wanted.

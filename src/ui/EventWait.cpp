@@ -21,7 +21,11 @@ WaitEnd EventWait::run()
     if (!m_end) {
         if (m_isLimited)
             m_silence.start();
-        m_loop.exec();
+        // A loop that starts inside a posted event may sleep on the events that stand behind that one, arrived data
+        // among them, until another is posted: the dispatcher takes them to be in delivery already.
+        QCoreApplication::sendPostedEvents();
+        if (!m_end)
+            m_loop.exec();
     }
     return m_end.value_or(WaitEnd::LinkDropped); // no ending was reached: the program quits
 }

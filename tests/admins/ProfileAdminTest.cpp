@@ -37,10 +37,7 @@ public:
     /// Leaves the window for the profile list and comes back.
     bool comeBack()
     {
-        const qsizetype listed = requestCount("GetProfiles");
         clickTab(u"tsSection"_s, u"Profile Manager"_s);
-        if (!QTest::qWaitFor([&] { return requestCount("GetProfiles") > listed; }) || !settles())
-            return false;
         clickTab(u"tsSection"_s, u"Server Manager"_s);
         return loaded();
     }

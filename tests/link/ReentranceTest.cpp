@@ -50,6 +50,18 @@ private Q_SLOTS:
         QCOMPARE(rig.tracker.requests().size(), 2);
     }
 
+    void whatStandsBehindThePostedEventThatWaitsIsDelivered()
+    {
+        QObject object;
+        std::optional<WaitEnd> end;
+        QTimer::singleShot(0, &object, [&] {
+            end = EventWait(2s).endsOn(&object, &QObject::objectNameChanged, WaitEnd::Replied).run();
+        });
+        QTimer::singleShot(0, &object, [&] { object.setObjectName(u"another"_s); });
+        QVERIFY(QTest::qWaitFor([&] { return end.has_value(); }));
+        QCOMPARE(end, std::optional(WaitEnd::Replied));
+    }
+
     void aSilentTrackerIsToldOnceHoweverManyWait()
     {
         LinkRig rig;
