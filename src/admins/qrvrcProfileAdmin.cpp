@@ -72,11 +72,6 @@ void qrvrcProfileAdmin::wireSignals()
     m_client.replies.on("GetProfileAdminPrivis", this, [this](std::string_view body) { showChecklist(body); });
 }
 
-bool qrvrcProfileAdmin::isLoggedIn() const
-{
-    return m_client.session.loggedIn && m_client.link.isConnected();
-}
-
 bool qrvrcProfileAdmin::may(std::string_view privilege) const
 {
     return m_permissions.isSuper || m_permissions.value(section, privilege) != "0";
@@ -133,7 +128,7 @@ void qrvrcProfileAdmin::followLogin()
 
 void qrvrcProfileAdmin::reload()
 {
-    if (!isLoggedIn()) {
+    if (!m_client.link.isLoggedIn()) {
         showNothing(notConnected);
         return;
     }
@@ -156,7 +151,7 @@ void qrvrcProfileAdmin::work()
         return; // whoever works goes on with what is new
     m_isWorking = true;
     const QPointer<QWidget> self(this);
-    while (!m_steps.empty() && isLoggedIn()) {
+    while (!m_steps.empty() && m_client.link.isLoggedIn()) {
         m_current = std::move(m_steps.front());
         m_steps.pop_front();
         const WaitEnd end = ask(m_client.link, m_current->request);
@@ -207,7 +202,7 @@ void qrvrcProfileAdmin::chosenAgain()
 
 void qrvrcProfileAdmin::askForChecklist()
 {
-    if (!isLoggedIn() || m_profileId == 0)
+    if (!m_client.link.isLoggedIn() || m_profileId == 0)
         return;
     // Who walks through the names wants the privileges of the last one only.
     std::erase_if(m_steps, [](const Step& step) { return !step.checklistOf.empty() && step.checklistOf != newAdmin; });
@@ -238,7 +233,7 @@ void qrvrcProfileAdmin::sendAccount(ImageButton* button)
                                     u"The character '%1' cannot be sent to the host!"_s.arg(foreign));
         return;
     }
-    if (!isLoggedIn())
+    if (!m_client.link.isLoggedIn())
         return;
     if (m_profileId == 0) {
         m_client.reporter.ReportMsg(MessageKind::ActionRequired, u"You must select a profile from the list!"_s);
@@ -257,7 +252,7 @@ void qrvrcProfileAdmin::sendAccount(ImageButton* button)
 
 void qrvrcProfileAdmin::actOnSelected(ImageButton* button)
 {
-    if (m_accounts.empty() || !isLoggedIn() || m_profileId == 0)
+    if (m_accounts.empty() || !m_client.link.isLoggedIn() || m_profileId == 0)
         return;
     const int row = mfgUsers->selectedRow();
     if (row < 0) {

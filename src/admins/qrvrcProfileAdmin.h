@@ -87,7 +87,6 @@ private:
     void followLogin();
     void updateControls();
 
-    bool isLoggedIn() const;
     /// Whether the logged-in account may do something here; only a "0" denies.
     bool may(std::string_view privilege) const;
     bool isBusy(const ImageButton* button) const;

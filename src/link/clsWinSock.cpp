@@ -78,6 +78,7 @@ void clsWinSock::linkStateChanged(SocketState state)
         m_assembler.reset();
         m_replies.pendingRequest.clear();
         m_isAwaitingReply = false;
+        m_isLoggedIn = false;
         ReplyReceived = true;
         Q_EMIT linkLost();
     }
@@ -136,6 +137,7 @@ void clsWinSock::acceptLogin(const std::string& reply)
     try {
         const LoginSuccess success = decodeLoginSuccess(reply);
         m_session.loggedIn = true;
+        m_isLoggedIn = true;
         m_session.supportPort = success.supportPort;
         Q_EMIT loginSucceeded(success.privileges);
     } catch (const RuntimeError&) {

@@ -35,6 +35,8 @@ public:
     void SendDataS(std::string_view text, std::string_view unused = {});
 
     bool isConnected() const { return m_main.state() == SocketState::Connected; }
+    /// Whether the tracker has accepted a login on this connection. Unlike `Session::loggedIn` it ends with that.
+    bool isLoggedIn() const { return m_isLoggedIn; }
     /// Whether a request on the host link is still to be answered.
     bool isAwaitingReply() const { return m_isAwaitingReply; }
     SocketState state() const { return m_main.state(); }
@@ -85,5 +87,6 @@ private:
     QString m_peer;
     bool m_wasConnected = false;
     bool m_isAwaitingReply = false;
+    bool m_isLoggedIn = false;
     bool m_progressOpen = false; ///< the reply under way has announced itself through `progress`
 };

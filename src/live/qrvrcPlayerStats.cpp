@@ -80,11 +80,6 @@ void qrvrcPlayerStats::wireSignals()
     m_client.replies.on("GetPlayerStats", this, [this](std::string_view body) { showStatistics(body); });
 }
 
-bool qrvrcPlayerStats::isLoggedIn() const
-{
-    return m_client.session.loggedIn && m_client.link.isConnected();
-}
-
 qrvrcPlayerStats::Tab qrvrcPlayerStats::chosenTab() const
 {
     return tsMain->currentIndex() == Weapons ? Weapons : Players;
@@ -108,7 +103,7 @@ void qrvrcPlayerStats::resizeEvent(QResizeEvent* event)
 
 void qrvrcPlayerStats::refresh()
 {
-    if (!isLoggedIn() || m_openRequests >= mostRequests)
+    if (!m_client.link.isLoggedIn() || m_openRequests >= mostRequests)
         return;
     const QPointer<QWidget> self(this);
     ++m_openRequests;

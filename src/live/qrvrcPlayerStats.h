@@ -70,7 +70,6 @@ private:
     void takeSelectedPlayer();
     void explain(const QString& why);
     void showTitle();
-    bool isLoggedIn() const;
     Tab chosenTab() const;
 
     Client& m_client;

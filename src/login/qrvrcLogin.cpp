@@ -354,7 +354,7 @@ void qrvrcLogin::poll()
         m_client.link.closeSupportLink();
     }
     lblStatus->setText(m_client.link.StatusText);
-    if (state == SocketState::Connected)
+    if (m_client.link.isLoggedIn()) // before that the tracker would refuse the connection for what is queued
         m_rawRequests.serve();
 }
 

@@ -89,14 +89,9 @@ void ProfileActions::runAlone(void (ProfileActions::*action)())
     (this->*action)();
 }
 
-bool ProfileActions::isLoggedIn() const
-{
-    return m_client.session.loggedIn && m_client.link.isConnected();
-}
-
 WaitEnd ProfileActions::send(const Request& request)
 {
-    if (!isLoggedIn())
+    if (!m_client.link.isLoggedIn())
         return WaitEnd::LinkDropped;
     return ask(m_client.link, request);
 }
@@ -160,7 +155,7 @@ void ProfileActions::attachByMenu()
 {
     const WindowLock lock({m_hooks.navigation, &m_list});
     static_cast<void>(attach()); // refreshed in any case
-    if (isLoggedIn())
+    if (m_client.link.isLoggedIn())
         pauseFor(afterMenuAttach);
     m_list.FormReload();
 }
@@ -213,7 +208,7 @@ void ProfileActions::letRawRequestsOut()
     const auto isQueued = [this] {
         return m_client.link.isAwaitingReply() || !m_client.folder.fileNames("\\RCData").empty();
     };
-    for (int step = 0; step < queueSteps && isLoggedIn() && isQueued(); ++step)
+    for (int step = 0; step < queueSteps && m_client.link.isLoggedIn() && isQueued(); ++step)
         pauseFor(queueStep);
 }
 

@@ -54,7 +54,6 @@ private:
     void chooseProcess(const std::string& profileId);
     void letRawRequestsOut();
     WaitEnd send(const Request& request);
-    bool isLoggedIn() const;
 
     Client& m_client;
     qrvrcProfilesList& m_list;

@@ -152,11 +152,6 @@ void qrvrcFileManager::Form_Activate()
     cboFileType->setFocus();
 }
 
-bool qrvrcFileManager::isLoggedIn() const
-{
-    return m_client.session.loggedIn && m_client.link.isConnected();
-}
-
 const RemoteFileType& qrvrcFileManager::chosenType() const
 {
     return remoteFileTypes.at(static_cast<std::size_t>(std::max(0, cboFileType->currentIndex())));
@@ -189,7 +184,7 @@ void qrvrcFileManager::getFiles()
     const QDate to = dtpTo->date();
     if (m_isAsking)
         return;
-    if (!isLoggedIn()) {
+    if (!m_client.link.isLoggedIn()) {
         lblState->setText(u"Not connected."_s);
         return;
     }
@@ -248,7 +243,7 @@ void qrvrcFileManager::viewFile()
     const int row = mfgFM->selectedRow();
     if (row < 0 || m_isAsking)
         return;
-    if (!isLoggedIn()) {
+    if (!m_client.link.isLoggedIn()) {
         lblState->setText(u"Not connected."_s);
         return;
     }

@@ -40,7 +40,6 @@ private:
     void showFiles(std::vector<RemoteFile> files);
     void viewFile();
     void takeFile(std::string_view body, const ReplyOwner& owner);
-    bool isLoggedIn() const;
     const RemoteFileType& chosenType() const;
 
     Client& m_client;

@@ -71,11 +71,6 @@ void qrvrcModify::wireSignals()
     });
 }
 
-bool qrvrcModify::isLoggedIn() const
-{
-    return m_client.session.loggedIn && m_client.link.isConnected();
-}
-
 void qrvrcModify::Form_Activate()
 {
     m_client.helpSection = u"Modify Profile"_s;
@@ -109,7 +104,7 @@ void qrvrcModify::readProfile()
     showSettings({});
     note({});
     followState();
-    if (!isLoggedIn() || m_selected.row == 0)
+    if (!m_client.link.isLoggedIn() || m_selected.row == 0)
         return;
     m_id = std::to_string(m_selected.id);
     m_peer = m_client.link.peer();
@@ -274,7 +269,7 @@ bool qrvrcModify::isAccepted(const ProfileSettings& now)
     }
     if (!isSendable(txtSrHost))
         return false;
-    if (!isLoggedIn()) {
+    if (!m_client.link.isLoggedIn()) {
         m_client.reporter.ReportMsg(
             MessageKind::Failed,
             u"The profile was not modified: there is no connection to the host. What you entered is kept."_s);

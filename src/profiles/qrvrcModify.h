@@ -77,7 +77,6 @@ private:
     void send(const ProfileSettings& settings);
     WaitEnd exchange(const Request& request, const QString& doing);
 
-    bool isLoggedIn() const;
     void showSettings(const ProfileSettings& settings);
     ProfileSettings typed() const;
     void clearEntry();

@@ -77,11 +77,6 @@ void qrvrcProfilesList::wireSignals()
     m_client.replies.on("GetProfiles", this, [this](std::string_view body) { showProfiles(body); });
 }
 
-bool qrvrcProfilesList::isLoggedIn() const
-{
-    return m_client.session.loggedIn && m_client.link.isConnected();
-}
-
 void qrvrcProfilesList::Form_Activate()
 {
     m_client.helpSection = u"Profile List"_s;
@@ -95,7 +90,7 @@ void qrvrcProfilesList::FormReload()
 {
     m_keptId = 0;
     const QPointer<QWidget> self(this);
-    if (isLoggedIn())
+    if (m_client.link.isLoggedIn())
         askForProfiles();
     else
         showNoProfiles(u"Not connected."_s);
@@ -107,7 +102,7 @@ void qrvrcProfilesList::FormReload()
 void qrvrcProfilesList::refreshQuietly()
 {
     // The list does not move under a menu, a box or a button that is held down.
-    if (!isVisible() || !isEnabled() || !isLoggedIn() || m_isAsking || m_client.link.isAwaitingReply() ||
+    if (!isVisible() || !isEnabled() || !m_client.link.isLoggedIn() || m_isAsking || m_client.link.isAwaitingReply() ||
         QApplication::activePopupWidget() || QApplication::activeModalWidget() ||
         QApplication::mouseButtons() != Qt::NoButton)
         return;

@@ -73,7 +73,6 @@ private:
     void updateSelection();
     void popUpMenu(const QPoint& position);
     void menuChosen(const QAction* action);
-    bool isLoggedIn() const;
 
     Client& m_client;
     const PluginTable& m_plugins;

@@ -39,6 +39,17 @@ class LoginTroubleTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void queuedRawRequestsWaitForTheLogin()
+    {
+        Desk desk;
+        QVERIFY(desk.open());
+        desk.put("\\RCData\\1", "queued");
+        QVERIFY(desk.logIn());
+        QTRY_VERIFY(desk.tracker.requests().contains("queued"));
+        QVERIFY(desk.tracker.requests().constFirst().startsWith("login_"));
+        QVERIFY(desk.link().isLoggedIn());
+    }
+
     void aLoginThatFailsIsToldOnce_data()
     {
         QTest::addColumn<Fault>("fault");
