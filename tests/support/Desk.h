@@ -24,7 +24,7 @@ public:
 
     RecordingDialogs boxes;
     practice::Tracker tracker;
-    practice::SupportSide operatorSide; ///< at the port that the tracker announces
+    practice::SupportSide operatorSide;                   ///< at the port that the tracker announces
     QUrl makerHost{QStringLiteral("http://127.0.0.1:1")}; ///< of the next open(); nobody is there
 
     /// Makes the frame as a start of the program does, and shows it.
