@@ -10,7 +10,7 @@ constexpr std::size_t endingLength = 4; // characters
 
 std::string twoDigits(int number)
 {
-    return (number < 10 ? "0" : "") + std::to_string(number);
+    return std::string(number < 10 ? "0" : "").append(std::to_string(number));
 }
 
 } // namespace
