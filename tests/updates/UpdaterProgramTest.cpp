@@ -75,7 +75,7 @@ private Q_SLOTS:
         QVERIFY(second.waitForFinished());
         QCOMPARE(second.exitCode(), 1);
         QVERIFY(second.readAllStandardError().contains("another updater"));
-        QCOMPARE(first.state(), QProcess::Running);
+        QVERIFY(first.state() != QProcess::NotRunning);
         QVERIFY(house.folder.fileExists("\\Updates\\x.bin"));
         client.unlock();
         QVERIFY(first.waitForFinished());
