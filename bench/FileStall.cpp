@@ -4,8 +4,8 @@
 //   FileStall [MIB]     64 unless told otherwise
 
 #include "QuietDesk.h"
+#include "TrackerThread.h"
 #include "base/LinedText.h"
-#include "practice/Tracker.h"
 #include "profiles/qrvrcNotePad.h"
 #include "ui/Grid.h"
 #include "ui/TextFinder.h"
@@ -19,7 +19,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QPlainTextEdit>
-#include <QThread>
 #include <QTimer>
 
 #include <cstdio>
@@ -32,42 +31,12 @@ namespace {
 
 constexpr auto beat = 5ms;
 
-/// The practice tracker with its logs, in a thread of its own.
-class LogHost
+practice::World worldWithLog(int mebibytes)
 {
-public:
-    explicit LogHost(int mebibytes)
-    {
-        m_thread.start();
-        m_host.moveToThread(&m_thread);
-        QMetaObject::invokeMethod(
-            &m_host,
-            [this, mebibytes] {
-                practice::World world = practice::World::small();
-                world.addBigLog(mebibytes);
-                m_tracker = std::make_unique<practice::Tracker>(std::move(world));
-                if (!m_tracker->listen())
-                    qFatal("no port can be had");
-            },
-            Qt::BlockingQueuedConnection);
-    }
-    LogHost(const LogHost&) = delete;
-    LogHost& operator=(const LogHost&) = delete;
-    ~LogHost()
-    {
-        QMetaObject::invokeMethod(
-            &m_host, [this] { m_tracker.reset(); }, Qt::BlockingQueuedConnection);
-        m_thread.quit();
-        m_thread.wait();
-    }
-
-    quint16 port() const { return m_tracker->port(); }
-
-private:
-    QThread m_thread;
-    QObject m_host;
-    std::unique_ptr<practice::Tracker> m_tracker;
-};
+    practice::World world = practice::World::small();
+    world.addBigLog(mebibytes);
+    return world;
+}
 
 class Heartbeat : public QObject
 {
@@ -131,7 +100,7 @@ void logIn(QuietDesk& desk, quint16 port)
 
 int measure(int mebibytes)
 {
-    const LogHost host(mebibytes);
+    const TrackerThread host(worldWithLog(mebibytes));
     QuietDesk desk;
     ClientCore& core = desk.frame->core();
     logIn(desk, host.port());

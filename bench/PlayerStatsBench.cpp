@@ -62,7 +62,8 @@ public:
     {
         ClientCore& core = m_desk.frame->core();
         core.replies.pendingRequest = "GetPlayerStats";
-        core.replies.HandleData(m_replies[static_cast<std::size_t>(++m_turn % 2)]);
+        const ReplyOwner& owner = m_replies[static_cast<std::size_t>(++m_turn % 2)];
+        core.replies.HandleData(*owner, owner);
     }
     void handleAndPaint()
     {
@@ -77,7 +78,8 @@ public:
 
 private:
     QuietDesk m_desk;
-    std::array<std::string, 2> m_replies{reply(0), reply(1)};
+    std::array<ReplyOwner, 2> m_replies{std::make_shared<const std::string>(reply(0)),
+                                        std::make_shared<const std::string>(reply(1))};
     GridView* m_grid = nullptr;
     std::unique_ptr<PaintCounter> m_counter;
     int m_turn = 0;

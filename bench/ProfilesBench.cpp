@@ -75,7 +75,8 @@ public:
     {
         m_counter->reset();
         m_desk.frame->core().replies.pendingRequest = "GetProfiles";
-        m_desk.frame->core().replies.HandleData(body);
+        const auto owner = std::make_shared<const std::string>(body);
+        m_desk.frame->core().replies.HandleData(*owner, owner);
     }
     // Instructions are counted by this name, so it is not to be inlined.
     [[gnu::noinline]] void countedPaint() { m_counter->waitForPaint(); }

@@ -2,8 +2,8 @@
 
 #include "Painting.h"
 #include "QuietDesk.h"
+#include "TrackerThread.h"
 #include "app/qrvrcProgress.h"
-#include "practice/Tracker.h"
 #include "profiles/ProfileRecord.h"
 #include "profiles/qrvrcProfilesList.h"
 #include "ui/Grid.h"
@@ -12,7 +12,6 @@
 
 #include <QEventLoop>
 #include <QHostAddress>
-#include <QThread>
 
 #include <array>
 #include <memory>
@@ -20,41 +19,6 @@
 namespace {
 
 constexpr int profiles = 50;
-
-/// The practice tracker in a thread of its own.
-class TrackerThread
-{
-public:
-    TrackerThread()
-    {
-        m_thread.start();
-        m_host.moveToThread(&m_thread);
-        QMetaObject::invokeMethod(
-            &m_host,
-            [this] {
-                m_tracker = std::make_unique<practice::Tracker>(practice::World::many(profiles));
-                if (!m_tracker->listen())
-                    qFatal("no port can be had");
-            },
-            Qt::BlockingQueuedConnection);
-    }
-    TrackerThread(const TrackerThread&) = delete;
-    TrackerThread& operator=(const TrackerThread&) = delete;
-    ~TrackerThread()
-    {
-        QMetaObject::invokeMethod(
-            &m_host, [this] { m_tracker.reset(); }, Qt::BlockingQueuedConnection);
-        m_thread.quit();
-        m_thread.wait();
-    }
-
-    quint16 port() const { return m_tracker->port(); }
-
-private:
-    QThread m_thread;
-    QObject m_host;
-    std::unique_ptr<practice::Tracker> m_tracker;
-};
 
 /// What a refresh does to the windows.
 class WindowEvents : public QObject
@@ -105,7 +69,7 @@ public:
 
 void refreshOurs(benchmark::State& state)
 {
-    const TrackerThread tracker;
+    const TrackerThread tracker(practice::World::many(profiles));
     const LoggedInDesk desk(tracker.port());
     PaintCounter grid(desk.list()->findChild<GridView*>()->viewport());
     const auto* progress = desk.frame->findChild<qrvrcProgress*>();
@@ -202,7 +166,7 @@ private:
 
 void refreshBare(benchmark::State& state)
 {
-    const TrackerThread tracker;
+    const TrackerThread tracker(practice::World::many(profiles));
     BareClient client(tracker.port());
     int rows = profiles;
     for ([[maybe_unused]] const auto step : state)

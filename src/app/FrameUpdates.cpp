@@ -15,7 +15,7 @@ void qrvrcMain::registerUpdateWindows()
     ClientCore& core = *m_core;
     m_updateAgent = new UpdateAgent(core.updates, core.client, core.updatesAvailable, this);
     m_options = std::make_unique<UpdateOptions>(
-        UpdateOptions::Subjects{core.store, core.folder, core.updates, *m_updateAgent, core.link, core.codePage});
+        UpdateOptions::Subjects{core.folder, core.updates, *m_updateAgent, core.link, core.codePage});
     core.windows.add(u"qrvrcOptions"_s, [this] { return new qrvrcOptions(m_core->client, *m_options, m_pages); });
     core.windows.add(u"qrvrcUpdate"_s,
                      [this] { return new qrvrcUpdate(m_core->client, m_core->updates, *m_updateAgent, m_pages); });

@@ -4,6 +4,7 @@
 #include "app/ShippedFiles.h"
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
+#include "platform/Inet.h"
 #include "platform/PathBytes.h"
 #include "platform/PathText.h"
 #include "platform/StandardStreams.h"
@@ -72,7 +73,7 @@ QUrl makerHostFor(const CommandLine& line, const std::filesystem::path& folder)
 {
     const QUrl chosen(line.makerHost ? QString::fromLocal8Bit(line.makerHost->c_str())
                                      : QString::fromStdString(storedMakerHost(AppFolder(folder))));
-    return isWebHost(chosen) ? chosen : QUrl(QString::fromLatin1(QRVRC_MAKER_HOST));
+    return isWebAddress(chosen) ? chosen : QUrl(QString::fromLatin1(QRVRC_MAKER_HOST));
 }
 
 int run(Application& application, const CommandLine& line)
@@ -137,7 +138,7 @@ int start(int argc, char** argv)
     case CommandLine::Wish::Run:
         break;
     }
-    if (line.makerHost && !isWebHost(QUrl(QString::fromLocal8Bit(line.makerHost->c_str()))))
+    if (line.makerHost && !isWebAddress(QUrl(QString::fromLocal8Bit(line.makerHost->c_str()))))
         return complain("'" + *line.makerHost + "' is no http or https address");
 
     QCoreApplication::setApplicationName(QStringLiteral("qrvv3rc"));

@@ -29,12 +29,6 @@ void ReplyDispatcher::onPluginMessage(QObject* owner, PluginHandler handler)
     m_pluginHandler = std::move(handler);
 }
 
-void ReplyDispatcher::HandleData(std::string_view body)
-{
-    const auto owner = std::make_shared<const std::string>(body);
-    HandleData(*owner, owner);
-}
-
 void ReplyDispatcher::HandleData(std::string_view body, const ReplyOwner& owner)
 {
     const InterfaceLock lock(m_interface);

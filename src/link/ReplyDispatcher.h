@@ -37,7 +37,6 @@ public:
 
     /// Handles one message body. Whatever happens in a handler, no request is pending afterwards and the interface is
     /// unlocked; a RuntimeError is reported under "HandleData".
-    void HandleData(std::string_view body);
     /// @param owner  holds `body`; not null
     void HandleData(std::string_view body, const ReplyOwner& owner);
 

@@ -15,6 +15,11 @@ constexpr qint64 maxAnswerBytes = 1 << 20;
 
 } // namespace
 
+bool isWebAddress(const QUrl& url)
+{
+    return url.isValid() && !url.host().isEmpty() && (url.scheme() == u"http" || url.scheme() == u"https");
+}
+
 PageFetch::PageFetch(QNetworkReply* reply, std::chrono::milliseconds limit) : m_reply(reply)
 {
     reply->setParent(this);

@@ -12,6 +12,9 @@ class QNetworkAccessManager;
 
 class QNetworkReply;
 
+/// Whether a transfer can be made to that address: http or https, with a host.
+bool isWebAddress(const QUrl& url);
+
 /// What a page answered.
 struct PageAnswer
 {

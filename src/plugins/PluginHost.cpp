@@ -81,7 +81,7 @@ void PluginHost::loadFiles()
         .module = versionDigits(m_client.folder.path(gameModule)),
     };
     for (const std::string& file : m_client.folder.fileNames(pluginFolder)) {
-        if (!equalsIgnoringCase(file.substr(file.size() - std::min<std::size_t>(file.size(), 4)), ".dll"))
+        if (!lowerAscii(file).ends_with(".dll"))
             continue;
         Plugin plugin;
         plugin.base = componentBase(file);

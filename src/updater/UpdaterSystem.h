@@ -15,6 +15,8 @@ inline constexpr const char* clientName = "QRVV3RC.exe";
 inline constexpr const char* clientName = "qrvv3rc";
 #endif
 
+inline constexpr const char* holdName = "QRVV3Updater.lock";
+
 /// Held while an updater works on a folder, so that a second one does nothing.
 class FolderHold
 {
@@ -31,6 +33,9 @@ private:
     std::filesystem::path m_file;
     int m_descriptor;
 };
+
+/// Whether somebody holds the file; not when there is none.
+bool isHeld(const std::filesystem::path& file);
 
 /// Waits until no client uses the folder.
 /// @return whether it has become free within `limit`

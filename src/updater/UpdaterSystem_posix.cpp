@@ -1,6 +1,5 @@
 #include "updater/UpdaterSystem.h"
 
-#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -12,13 +11,6 @@ namespace fs = std::filesystem;
 
 namespace updater {
 
-namespace {
-
-constexpr const char* holdName = "QRVV3Updater.lock";
-constexpr const char* clientLockName = "instance.lock"; // the client holds it as long as it runs
-constexpr auto pollPause = std::chrono::milliseconds(50);
-
-/// Whether somebody holds the file; not when there is none.
 bool isHeld(const fs::path& file)
 {
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
@@ -28,10 +20,6 @@ bool isHeld(const fs::path& file)
     ::close(descriptor);
     return held;
 }
-
-} // namespace
-
-FolderHold::FolderHold(fs::path file, int descriptor) : m_file(std::move(file)), m_descriptor(descriptor) {}
 
 std::unique_ptr<FolderHold> FolderHold::take(const fs::path& folder)
 {
@@ -51,17 +39,6 @@ FolderHold::~FolderHold()
     std::error_code ignored;
     fs::remove(m_file, ignored);
     ::close(m_descriptor);
-}
-
-bool waitForClient(const fs::path& folder, std::chrono::milliseconds limit)
-{
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (isHeld(folder / clientLockName)) {
-        if (std::chrono::steady_clock::now() >= deadline)
-            return false;
-        std::this_thread::sleep_for(pollPause);
-    }
-    return true;
 }
 
 bool startProgram(const fs::path& program, const std::vector<std::string>& arguments)

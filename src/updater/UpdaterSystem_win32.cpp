@@ -1,7 +1,6 @@
 #include "updater/UpdaterSystem.h"
 
 #include <algorithm>
-#include <thread>
 #include <utility>
 
 #include <windows.h>
@@ -15,21 +14,7 @@ namespace updater {
 
 namespace {
 
-constexpr const char* holdName = "QRVV3Updater.lock";
-constexpr const char* clientLockName = "instance.lock"; // the client holds it as long as it runs
-constexpr auto pollPause = std::chrono::milliseconds(50);
 constexpr DWORD sharedWithNobody = 0;
-
-/// Whether somebody holds the file; not when there is none.
-bool isHeld(const fs::path& file)
-{
-    const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, sharedWithNobody, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
-        return GetLastError() == ERROR_SHARING_VIOLATION;
-    CloseHandle(handle);
-    return false;
-}
 
 /// `word` as the other program's start-up code takes it apart again: backslashes count as such unless a quotation mark
 /// follows.
@@ -48,7 +33,15 @@ std::wstring quoted(const std::wstring& word)
 
 } // namespace
 
-FolderHold::FolderHold(fs::path file, int descriptor) : m_file(std::move(file)), m_descriptor(descriptor) {}
+bool isHeld(const fs::path& file)
+{
+    const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, sharedWithNobody, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return GetLastError() == ERROR_SHARING_VIOLATION;
+    CloseHandle(handle);
+    return false;
+}
 
 std::unique_ptr<FolderHold> FolderHold::take(const fs::path& folder)
 {
@@ -66,17 +59,6 @@ FolderHold::~FolderHold()
     _close(m_descriptor); // what is open cannot be removed
     std::error_code ignored;
     fs::remove(m_file, ignored);
-}
-
-bool waitForClient(const fs::path& folder, std::chrono::milliseconds limit)
-{
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (isHeld(folder / clientLockName)) {
-        if (std::chrono::steady_clock::now() >= deadline)
-            return false;
-        std::this_thread::sleep_for(pollPause);
-    }
-    return true;
 }
 
 bool startProgram(const fs::path& program, const std::vector<std::string>& arguments)

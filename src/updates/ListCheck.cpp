@@ -44,8 +44,7 @@ QUrl addressAt(const QString& location, ListKind kind, std::string_view name)
     const QByteArray encoded =
         QByteArray(name.data(), static_cast<qsizetype>(name.size())).toPercentEncoding("!$&'()*+,;=:@ ");
     const QUrl url(location + (kind == ListKind::Plugins ? u"plugins/"_s : QString()) + QString::fromLatin1(encoded));
-    const bool isWeb = url.isValid() && (url.scheme() == u"http" || url.scheme() == u"https") && !url.host().isEmpty();
-    return isWeb ? url : QUrl();
+    return isWebAddress(url) ? url : QUrl();
 }
 
 ListCheck::ListCheck(const UpdateServices& services, const CheckOrder& order, std::chrono::milliseconds limit,

@@ -4,10 +4,10 @@
 #include "base/Text.h"
 #include "link/clsWinSock.h"
 #include "platform/CodePage.h"
+#include "platform/PathBytes.h"
 #include "store/AppFolder.h"
 #include "store/FileBytes.h"
 #include "store/IniText.h"
-#include "store/clsMFD.h"
 #include "updates/UpdateAgent.h"
 #include "updates/UpdateServices.h"
 
@@ -36,6 +36,13 @@ std::string forFile(const QString& text)
     return text.toUtf8().toStdString();
 }
 
+/// @throws RuntimeError InvalidFileFormat for a damaged file
+IniText storedSettings(const AppFolder& folder)
+{
+    const std::filesystem::path file = folder.path(settingsFile);
+    return IniText(readBytesIfPresent(file, IniText::maxBytes).value_or(std::string()), bytesOf(file));
+}
+
 } // namespace
 
 QString UpdateOptions::builtIn(int number) const
@@ -47,15 +54,14 @@ QString UpdateOptions::builtIn(int number) const
 
 void UpdateOptions::load()
 {
-    const std::filesystem::path file = m_subjects.folder.path(settingsFile);
     m_values = OptionValues{.location = {}, .codePage = std::string(CodePage::usual), .makerHost = {}, .updateKey = {}};
     if (m_subjects.folder.fileExists(settingsFile)) {
-        const clsMFD& store = m_subjects.store;
-        const auto own = [&](std::string_view key) { return store.GetIniKey(ownSection, key, file); };
-        m_values.location = fromFile(store.GetIniKey(updateSection, "UpdateUrl", file));
+        const IniText text = storedSettings(m_subjects.folder);
+        const auto own = [&text](std::string_view key) { return text.value(ownSection, key).value_or(std::string()); };
+        m_values.location = fromFile(text.value(updateSection, "UpdateUrl").value_or(std::string()));
         if (m_values.location.isEmpty())
             m_values.location = builtIn(1);
-        m_values.automatic = store.GetIniKey(updateSection, "CheckForUpdates", file) == "1";
+        m_values.automatic = text.value(updateSection, "CheckForUpdates") == "1";
         if (const auto seconds = parseInt32(own("ReplyTimeout")))
             m_values.replyLimit = std::clamp(std::chrono::seconds(*seconds), minReplyLimit, maxReplyLimit);
         m_values.codePage = own("CodePage");
@@ -70,16 +76,15 @@ void UpdateOptions::load()
 void UpdateOptions::save(const OptionValues& values)
 {
     m_subjects.folder.makeFolder("\\settings");
-    const std::filesystem::path file = m_subjects.folder.path(settingsFile);
     // All in one piece: half of the settings would be none that anybody chose.
-    IniText text(readBytesIfPresent(file, IniText::maxBytes).value_or(std::string()), file.string());
+    IniText text = storedSettings(m_subjects.folder);
     text.setValue(updateSection, "UpdateUrl", forFile(values.location));
     text.setValue(updateSection, "CheckForUpdates", values.automatic ? "1" : "0");
     text.setValue(ownSection, "ReplyTimeout", std::to_string(values.replyLimit.count()));
     text.setValue(ownSection, "CodePage", values.codePage);
     text.setValue(ownSection, makerHostKey, forFile(values.makerHost));
     text.setValue(ownSection, "UpdateKey", forFile(values.updateKey));
-    writeBytes(file, text.bytes(), Access::OwnerOnly);
+    writeBytes(m_subjects.folder.path(settingsFile), text.bytes(), Access::OwnerOnly);
     m_values = values;
     putInForce();
 }
@@ -104,15 +109,8 @@ void UpdateOptions::putInForce()
 std::string storedMakerHost(const AppFolder& folder)
 {
     try {
-        const std::filesystem::path file = folder.path(settingsFile);
-        const IniText text(readBytesIfPresent(file, IniText::maxBytes).value_or(std::string()), file.string());
-        return text.value(ownSection, makerHostKey).value_or(std::string());
+        return storedSettings(folder).value(ownSection, makerHostKey).value_or(std::string());
     } catch (const RuntimeError&) {
         return {}; // told when the settings are loaded
     }
-}
-
-bool isWebHost(const QUrl& url)
-{
-    return url.isValid() && !url.host().isEmpty() && (url.scheme() == u"http" || url.scheme() == u"https");
 }

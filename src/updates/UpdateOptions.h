@@ -6,7 +6,6 @@
 #include <string>
 
 class AppFolder;
-class clsMFD;
 class clsWinSock;
 class CodePage;
 class QUrl;
@@ -36,7 +35,6 @@ public:
     /// What the settings act on. All outlive the options.
     struct Subjects
     {
-        const clsMFD& store;
         const AppFolder& folder;
         UpdateServices& services;
         UpdateAgent& agent;
@@ -67,6 +65,3 @@ private:
 
 /// The maker host that is stored in the options; empty for none.
 std::string storedMakerHost(const AppFolder& folder);
-
-/// Whether the text is the address of a web host.
-bool isWebHost(const QUrl& url);

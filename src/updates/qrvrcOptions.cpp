@@ -3,6 +3,7 @@
 #include "diagnostics/Reporter.h"
 #include "link/Client.h"
 #include "platform/CodePageTables.h"
+#include "platform/Inet.h"
 #include "ui/ImageButton.h"
 #include "updates/FileSums.h"
 #include "updates/UpdateOptions.h"
@@ -167,7 +168,7 @@ void qrvrcOptions::complainOf(QLineEdit* field, const QString& fault)
 void qrvrcOptions::save()
 {
     const OptionValues values = typed();
-    if (!values.makerHost.isEmpty() && !isWebHost(QUrl(values.makerHost))) {
+    if (!values.makerHost.isEmpty() && !isWebAddress(QUrl(values.makerHost))) {
         complainOf(txtMakerHost, u"The maker host must be a web address such as http://www.example.com, or empty."_s);
         return;
     }
