@@ -1,8 +1,8 @@
 // A file of 16 MiB from the loopback address to the disk, against a bare socket that does the same.
 
-#include "platform/Download.h"
-#include "platform/Inet.h"
-#include "ui/EventWait.h"
+#include "link/EventWait.h"
+#include "platform/net/Download.h"
+#include "platform/net/Inet.h"
 
 #include <benchmark/benchmark.h>
 
@@ -112,8 +112,8 @@ void downloadOurs(benchmark::State& state)
     const auto fetch = [&](const QString& page) {
         const QUrl url(QStringLiteral("http://127.0.0.1:%1/%2").arg(host.port()).arg(page));
         Download download(inet, url, folder.filePath(QStringLiteral("ours")).toStdU16String(), 30s);
-        const WaitEnd end = EventWait(30s).endsOn(&download, &Download::finished, WaitEnd::Replied).run();
-        return end == WaitEnd::Replied && download.outcome() == DownloadEnd::Whole;
+        const WaitEnd end = EventWait(30s).endsOn(&download, &Download::finished, WaitEnd::Done).run();
+        return end == WaitEnd::Done && download.outcome() == DownloadEnd::Whole;
     };
     fetch(QStringLiteral("small")); // sets the network machinery up, once in a program's life
     forgetPeak();

@@ -5,11 +5,11 @@
 
 #include "QuietDesk.h"
 #include "TrackerThread.h"
-#include "base/LinedText.h"
-#include "profiles/qrvrcNotePad.h"
+#include "profiles/viewer/LinedText.h"
+#include "profiles/viewer/TextFinder.h"
+#include "profiles/viewer/TextPane.h"
+#include "profiles/viewer/qrvrcNotePad.h"
 #include "ui/Grid.h"
-#include "ui/TextFinder.h"
-#include "ui/TextPane.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -94,7 +94,7 @@ void logIn(QuietDesk& desk, quint16 port)
     desk.frame->connectProfile(u"bench"_s);
     runUntil([&] {
         const auto* list = desk.frame->findChild<GridView*>(u"fgProfiles"_s);
-        return list && list->rows().rowCount() > 0 && !core.link.isAwaitingReply();
+        return list && list->rows().rowCount() > 0 && !core.link.pending();
     });
 }
 
@@ -105,7 +105,7 @@ int measure(int mebibytes)
     ClientCore& core = desk.frame->core();
     logIn(desk, host.port());
     desk.frame->findChild<QTimer*>(u"tmrRefresh"_s)->stop();
-    desk.frame->showWindow(u"qrvrcFileManager"_s);
+    desk.frame->showWindowFor(u"qrvrcFileManager"_s, {.id = 1, .name = {}, .gameVersion = {}});
     QWidget* room = core.windows.window(u"qrvrcFileManager"_s);
     room->findChild<QComboBox*>(u"cboFileType"_s)->setCurrentText(u"Chat Logs"_s);
     for (const QString& picker : {u"dtpFrom"_s, u"dtpTo"_s})
@@ -127,7 +127,7 @@ int measure(int mebibytes)
     bool isReceived = false;
     QObject::connect(&core.link, &clsWinSock::replyHandled, &heart, [&] { isReceived = true; });
     grid->selectRow(1);
-    Q_EMIT grid->doubleClicked(grid->model()->index(1, 1));
+    Q_EMIT grid->rowOpened(1);
     runUntil([&] { return isReceived; });
     const qint64 fetching = heart.greatest();
     const auto size = static_cast<std::size_t>(mebibytes) << 20;

@@ -21,6 +21,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
+constexpr char loginText[] = "0000033[ST]Success_a_b_U3VwZXI=_8000[ND]";
 constexpr char replyText[] = "0000312[ST]" // a reply of usual length, below that which opens the progress window
                              "RWNob3xFY2hvfEVjaG98RWNob3xFY2hvfEVjaG98RWNob3xFY2hvfEVjaG98RWNob3xFY2hvfEVjaG98RWNob3w"
                              "RWNob3xFY2hvfEVjaG98RWNob3xFY2hvfEVjaG98RWNob3xFY2hvfEVjaG98RWNob3xFY2hvfEVjaG98RWNob3w"
@@ -73,7 +74,7 @@ private:
             return;
         const QByteArray request = socket.readAll(); // short enough to arrive in one piece
         if (request.endsWith("[ND]") && !request.contains("Silent")) {
-            socket.write(replyText, sizeof(replyText) - 1);
+            socket.write(request.contains("Login") ? loginText : replyText);
             socket.flush();
         }
     }
@@ -101,10 +102,10 @@ public:
                  m_boxes, m_interface, [](const std::filesystem::path&, const QString&) {})
     {
         m_core.replies.on("Echo", &m_owner, [this](std::string_view body) { m_answered += body.empty() ? 0 : 1; });
-        m_core.link.connectTo(QStringLiteral("127.0.0.1"), port);
-        if (EventWait(5s).endsOn(&m_core.link, &clsWinSock::connected, WaitEnd::Replied).run() != WaitEnd::Replied)
+        m_core.link.open({.profile = {}, .host = QStringLiteral("127.0.0.1"), .isAddress = true, .port = port});
+        if (EventWait(5s).endsOn(&m_core.link, &clsWinSock::connected, WaitEnd::Done).run() != WaitEnd::Done ||
+            ask("Login") != WaitEnd::Done)
             qFatal("the peer cannot be reached");
-        m_core.session.loggedIn = true;
     }
 
     WaitEnd ask(const char* name) { return ::ask(m_core.link, {name, name, {}}); }
@@ -125,7 +126,7 @@ void roundTripOurs(benchmark::State& state)
     const EchoPeer peer;
     Link link(peer.port());
     for ([[maybe_unused]] const auto step : state) {
-        if (link.ask("Echo") != WaitEnd::Replied)
+        if (link.ask("Echo") != WaitEnd::Done)
             state.SkipWithError("no reply");
     }
     if (link.answered() != state.iterations())

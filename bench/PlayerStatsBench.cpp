@@ -2,8 +2,8 @@
 
 #include "Painting.h"
 #include "QuietDesk.h"
-#include "live/qrvrcPlayerStats.h"
-#include "practice/Answers.h"
+#include "live/statistics/qrvrcPlayerStats.h"
+#include "practice/answers/Answers.h"
 #include "ui/Grid.h"
 
 #include <QTabBar>
@@ -42,11 +42,8 @@ class ShownStatistics
 public:
     explicit ShownStatistics(int tab)
     {
-        ClientCore& core = m_desk.frame->core();
-        core.selected.row = 1;
-        core.selected.id = 1;
-        core.selected.gameVersions = {{}, practice::deltaForce};
-        m_desk.frame->showWindow(QStringLiteral("qrvrcPlayerStats"));
+        m_desk.frame->showWindowFor(QStringLiteral("qrvrcPlayerStats"),
+                                    {.id = 1, .name = {}, .gameVersion = practice::deltaForce});
         settle();
         auto* window = m_desk.frame->findChild<qrvrcPlayerStats*>();
         const QString names[] = {QStringLiteral("fgPlayers"), QStringLiteral("fgWeapons")};
@@ -60,10 +57,9 @@ public:
 
     void handle()
     {
-        ClientCore& core = m_desk.frame->core();
-        core.replies.pendingRequest = "GetPlayerStats";
+        ReplyDispatcher& replies = m_desk.frame->core().replies;
         const ReplyOwner& owner = m_replies[static_cast<std::size_t>(++m_turn % 2)];
-        core.replies.HandleData(*owner, owner);
+        replies.HandleData(*owner, owner, replies.handlerOf("GetPlayerStats"));
     }
     void handleAndPaint()
     {

@@ -2,9 +2,9 @@
 
 #include "Painting.h"
 #include "QuietDesk.h"
-#include "practice/Answers.h"
-#include "profiles/ProfileRecord.h"
-#include "profiles/qrvrcProfilesList.h"
+#include "practice/answers/Answers.h"
+#include "profiles/list/ProfileRecord.h"
+#include "profiles/list/qrvrcProfilesList.h"
 #include "ui/Grid.h"
 
 #include <benchmark/benchmark.h>
@@ -66,7 +66,6 @@ public:
     {
         m_desk.frame->showWindow(QStringLiteral("qrvrcProfilesList"));
         settle();
-        m_desk.frame->core().session.loggedIn = true;
         m_list = m_desk.frame->findChild<qrvrcProfilesList*>();
         m_counter = std::make_unique<PaintCounter>(m_list->findChild<GridView*>()->viewport());
     }
@@ -74,9 +73,9 @@ public:
     void handle(const std::string& body)
     {
         m_counter->reset();
-        m_desk.frame->core().replies.pendingRequest = "GetProfiles";
         const auto owner = std::make_shared<const std::string>(body);
-        m_desk.frame->core().replies.HandleData(*owner, owner);
+        ReplyDispatcher& replies = m_desk.frame->core().replies;
+        replies.HandleData(*owner, owner, replies.handlerOf("GetProfiles"));
     }
     // Instructions are counted by this name, so it is not to be inlined.
     [[gnu::noinline]] void countedPaint() { m_counter->waitForPaint(); }

@@ -2,7 +2,7 @@
 
 #include "app/ShippedFiles.h"
 #include "app/qrvrcMain.h"
-#include "diagnostics/MessageBoxes.h"
+#include "diagnostics/report/MessageBoxes.h"
 
 #include <QTemporaryDir>
 

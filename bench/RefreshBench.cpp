@@ -4,8 +4,8 @@
 #include "QuietDesk.h"
 #include "TrackerThread.h"
 #include "app/qrvrcProgress.h"
-#include "profiles/ProfileRecord.h"
-#include "profiles/qrvrcProfilesList.h"
+#include "profiles/list/ProfileRecord.h"
+#include "profiles/list/qrvrcProfilesList.h"
 #include "ui/Grid.h"
 
 #include <benchmark/benchmark.h>

@@ -2,7 +2,7 @@
 
 #include "base/Base64.h"
 #include "base/Text.h"
-#include "live/StatisticsRows.h"
+#include "live/statistics/StatisticsRows.h"
 
 #include <benchmark/benchmark.h>
 

@@ -2,9 +2,9 @@
 
 #include "QuietDesk.h"
 #include "base/Base64.h"
-#include "live/Conversation.h"
-#include "live/SupportDesk.h"
-#include "live/SupportTexts.h"
+#include "live/support/Conversation.h"
+#include "live/support/SupportDesk.h"
+#include "live/support/SupportTexts.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "practice/Tracker.h"
+#include "practice/links/Tracker.h"
 
 #include <QThread>
 

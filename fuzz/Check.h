@@ -36,3 +36,15 @@ inline std::string_view viewOf(const std::uint8_t* data, std::size_t size)
 {
     return {reinterpret_cast<const char*>(data), size};
 }
+
+/// Whether a decoder ends like that on what a host sends it.
+inline bool isDecoderError(std::optional<ErrorNumber> error)
+{
+    return error == ErrorNumber::SubscriptOutOfRange || error == ErrorNumber::TypeMismatch ||
+           error == ErrorNumber::Overflow;
+}
+
+inline bool liesIn(std::string_view whole, std::string_view part)
+{
+    return part.empty() || (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());
+}

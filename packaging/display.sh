@@ -1,7 +1,7 @@
 # shellcheck shell=bash disable=SC2154
-# Programs in the background and a display to show them on, for scripts that run the client. To be sourced by bash; the
-# script that does so has a function fail, holds its lock in the descriptor lock, and finds what the display says in
-# build/display.log.
+# Programs in the background, a practice tracker among them, and a display to show them on, for scripts that run the
+# client. To be sourced by bash; the script that does so has a function fail, holds its lock in the descriptor lock, leaves
+# its pictures in the folder pictures, and finds what was said in build/display.log and build/practice.log.
 
 background=() # processes that must not outlive this script, in the order in which they were started
 end_background() {
@@ -39,4 +39,30 @@ start_display() {
     openbox --sm-disable >>build/display.log 2>&1 {lock}>&- &
     background+=($!)
     wait_until 30 $! xdotool get_num_desktops || fail "the window manager does not start (see build/display.log)"
+}
+
+# Starts a practice tracker; sets tracker_port and tracker_web. Its log names every request that it gets.
+start_tracker() { # option...
+    local output line
+    exec {output}< <(exec build/dev/practice/qrvrc-practice --verbose "$@" 2>build/practice.log {lock}>&-)
+    background+=($!)
+    if ! read -r -t 30 line <&"$output" || [[ ! $line =~ ^host\ link\ 127\.0\.0\.1:([0-9]+)$ ]]; then
+        fail "the practice tracker does not start (see build/practice.log)"
+    fi
+    tracker_port=${BASH_REMATCH[1]}
+    if ! read -r -t 30 line <&"$output" || [[ ! $line =~ ^web\ (http://.+)$ ]]; then
+        fail "the practice tracker serves no web pages (see build/practice.log)"
+    fi
+    tracker_web=${BASH_REMATCH[1]}
+}
+
+# Whether the screen has stopped changing since the last call; keeps its picture.
+is_at_rest() { # name
+    scrot --silent --overwrite "$pictures/$1.new.png"
+    if cmp --silent "$pictures/$1.new.png" "$pictures/$1.png"; then
+        rm "$pictures/$1.new.png"
+    else
+        mv "$pictures/$1.new.png" "$pictures/$1.png"
+        return 1
+    fi
 }

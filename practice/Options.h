@@ -1,8 +1,8 @@
 #pragma once
 
-#include "practice/Fault.h"
-#include "practice/PageFault.h"
-#include "practice/RecoveryTool.h"
+#include "practice/links/Fault.h"
+#include "practice/links/RecoveryTool.h"
+#include "practice/web/PageFault.h"
 
 #include <QByteArray>
 #include <QList>

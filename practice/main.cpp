@@ -1,10 +1,10 @@
 #include "practice/Options.h"
-#include "practice/RecoveryTool.h"
-#include "practice/ScriptPages.h"
-#include "practice/SupportSide.h"
-#include "practice/Tracker.h"
-#include "practice/UpdatePages.h"
-#include "practice/WebSide.h"
+#include "practice/links/RecoveryTool.h"
+#include "practice/links/SupportSide.h"
+#include "practice/links/Tracker.h"
+#include "practice/web/ScriptPages.h"
+#include "practice/web/UpdatePages.h"
+#include "practice/web/WebSide.h"
 
 #include <QCoreApplication>
 #include <QFile>

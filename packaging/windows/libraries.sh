@@ -6,18 +6,24 @@ readonly target=x86_64-w64-mingw32
 
 # Fetches a source package and unpacks it into a folder. The system's own lists of packages are left alone.
 unpack_source() { # package, folder
-    local package=$1 folder=$2 release lists
-    release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+    local package=$1 folder=$2 lists
     lists=$folder.lists
     rm -rf "$folder" "$folder.download"
     mkdir -p "$folder.download" "$lists/state"
-    printf 'deb-src %s %s main\n' "${QRVRC_DEBIAN_MIRROR:-http://deb.debian.org/debian}" "$release" >"$lists/sources.list"
+    binary_sources >"$lists/sources.list"
     local apt=(apt-get --quiet=2 -o "Dir::Etc::sourcelist=$lists/sources.list" -o Dir::Etc::sourceparts=-
         -o "Dir::State::lists=$lists/state" -o APT::Sandbox::User=root)
     "${apt[@]}" update
     (cd "$folder.download" && "${apt[@]}" source --download-only "$package" >/dev/null)
     dpkg-source -x "$folder.download"/*.dsc "$folder" >/dev/null 2>&1
     rm -rf "$folder.download" "$lists"
+}
+
+# Where the system's own packages come from, asked for their sources.
+binary_sources() {
+    # shellcheck disable=SC2016 # words of the format
+    apt-get indextargets --format '$(SITE) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
+        sort -u | sed 's/^/deb-src /'
 }
 
 # Compiles C files into a static library of the prefix.

@@ -146,9 +146,9 @@ std::optional<std::string_view> firstFault(const AccountFields& fields)
         return "Username field is empty!";
     if (trimmed(fields.password).empty())
         return "Password field is empty!";
-    // It would part the new name from the current one.
-    if (fields.name.find('|') != std::string::npos)
-        return "The Username cannot hold the character '|'!";
+    // It would part the new name from the current one. Two names that are the same can still be told apart.
+    if (fields.currentName && fields.name != *fields.currentName && fields.name.find('|') != std::string::npos)
+        return "The new Username cannot hold the character '|'!";
     if (fields.name == newAdmin)
         return "Please choose another Username!";
     return {};

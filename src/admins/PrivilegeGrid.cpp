@@ -1,6 +1,6 @@
 #include "admins/PrivilegeGrid.h"
 
-#include "platform/CodePage.h"
+#include "platform/system/CodePage.h"
 
 #include <QHeaderView>
 #include <QMouseEvent>
@@ -43,13 +43,18 @@ PrivilegeGrid::PrivilegeGrid(const QString& name, const CodePage& codePage, QWid
 
 void PrivilegeGrid::showReceived(Checklist received)
 {
-    m_received = std::move(received);
-    showRows(m_received);
+    Checklist unchanged = received;
+    showEdited(std::move(received), std::move(unchanged));
 }
 
 void PrivilegeGrid::showReceivedKeepingEdits(Checklist received)
 {
     Checklist edited = withEdits(received, m_received, m_rows);
+    showEdited(std::move(received), std::move(edited));
+}
+
+void PrivilegeGrid::showEdited(Checklist received, Checklist edited)
+{
     m_received = std::move(received);
     showRows(std::move(edited));
 }

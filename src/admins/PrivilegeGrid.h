@@ -22,6 +22,10 @@ public:
     void showReceived(Checklist received);
     /// The same, with what the user had changed in the rows before.
     void showReceivedKeepingEdits(Checklist received);
+    /// Shows what the tracker has told, and what the user has made of it.
+    void showEdited(Checklist received, Checklist edited);
+    /// The rows as the tracker told them.
+    const Checklist& received() const { return m_received; }
     /// The rows as they stand.
     const Checklist& checklist() const { return m_rows; }
     /// Whether the user has changed something.

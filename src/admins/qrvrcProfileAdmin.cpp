@@ -1,26 +1,23 @@
 #include "admins/qrvrcProfileAdmin.h"
 
-#include "admins/PrivilegeGrid.h"
-#include "diagnostics/Reporter.h"
-#include "link/Ask.h"
-#include "link/Client.h"
+#include "admins/AccountForm.h"
+#include "admins/AccountTable.h"
+#include "admins/ConnectivityLog.h"
+#include "client/Client.h"
+#include "client/PermissionRecords.h"
+#include "diagnostics/report/Reporter.h"
+#include "link/PackedReply.h"
 #include "link/ReplyDispatcher.h"
-#include "link/Session.h"
 #include "link/clsWinSock.h"
-#include "navigation/PermissionRecords.h"
-#include "navigation/SelectedProfile.h"
-#include "platform/CodePage.h"
-#include "ui/ImageButton.h"
+#include "platform/system/CodePage.h"
+#include "store/clsMFD.h"
 
 #include <QApplication>
-#include <QComboBox>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
+#include <QScopeGuard>
 #include <QTimer>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -29,12 +26,11 @@ namespace {
 
 constexpr std::string_view section = "Profile Admins";
 
-const QString notConnected = u"Not connected."_s;
+// Pixels.
+constexpr int margin = 8;
+constexpr int frameGap = 6;
 
-QString asText(std::string_view words)
-{
-    return QString::fromLatin1(words.data(), static_cast<qsizetype>(words.size()));
-}
+const QString notConnected = u"Not connected."_s;
 
 } // namespace
 
@@ -43,33 +39,39 @@ qrvrcProfileAdmin::qrvrcProfileAdmin(Client& client, const Permissions& permissi
     : WorkingWindow(parent),
       m_client(client),
       m_permissions(permissions),
-      m_selected(selected)
+      m_selected(selected),
+      m_steps(client.link)
 {
     setObjectName(u"qrvrcProfileAdmin"_s);
-    buildControls();
+    fmeAddUser = new AccountForm(m_client.codePage, m_client.pictures, this);
+    fmeUsers = new AccountTable(m_client.codePage, m_client.pictures, this);
+    fmeLog = new ConnectivityLog(this);
     placeControls();
-    showNothing(notConnected);
+    moveTo({});
     wireSignals();
+}
+
+void qrvrcProfileAdmin::placeControls()
+{
+    const QSize page = parentWidget() ? parentWidget()->size() : QSize(757, 440);
+    fmeAddUser->move(margin, 2);
+    const int logLeft = margin + fmeAddUser->width() + frameGap;
+    fmeLog->setGeometry(logLeft, 2, page.width() - margin - logLeft, fmeAddUser->height());
+    const int usersTop = 2 + fmeAddUser->height() + frameGap;
+    fmeUsers->setGeometry(margin, usersTop, page.width() - 2 * margin, page.height() - margin - usersTop);
 }
 
 void qrvrcProfileAdmin::wireSignals()
 {
-    connect(cboUser, &QComboBox::currentIndexChanged, this, &qrvrcProfileAdmin::nameChanged);
-    connect(cboUser, &QComboBox::activated, this, &qrvrcProfileAdmin::chosenAgain);
-    for (ImageButton* button : {cmdAddUser, cmdModify})
-        connect(button, &ImageButton::clicked, this, [this, button] { saveAccount(button); });
-    for (ImageButton* button : {cmdKickUser, cmdDeleteUser})
-        connect(button, &ImageButton::clicked, this, [this, button] { actOnSelected(button); });
-    for (QLineEdit* field : {txtUser, txtPass})
-        connect(field, &QLineEdit::returnPressed, this, [this] { saveAccount(m_chosen ? cmdModify : cmdAddUser); });
+    connect(fmeAddUser, &AccountForm::accountChosen, this, &qrvrcProfileAdmin::askForChecklist);
+    connect(fmeAddUser, &AccountForm::saveWanted, this, &qrvrcProfileAdmin::saveAccount);
+    connect(fmeUsers, &AccountTable::kickWanted, this, [this] { actOnSelected(AccountAct::Kick); });
+    connect(fmeUsers, &AccountTable::deleteWanted, this, [this] { actOnSelected(AccountAct::Delete); });
+    connect(&m_steps, &AccountSteps::moved, this, &qrvrcProfileAdmin::updateControls);
     connect(&m_client.link, &clsWinSock::loginSucceeded, this, &qrvrcProfileAdmin::followLogin);
-    connect(&m_client.link, &clsWinSock::linkLost, this, [this] {
-        m_profileId = 0;
-        m_steps.clear();
-        showNothing(notConnected);
-    });
-    m_client.replies.on("GetProfileAdmins", this, [this](std::string_view body) { showAdmins(body); });
-    m_client.replies.on("GetProfileAdminPrivis", this, [this](std::string_view body) { showChecklist(body); });
+    connect(&m_client.link, &clsWinSock::linkLost, this, &qrvrcProfileAdmin::followDrop);
+    m_client.replies.on("GetProfileAdmins", this, [this](std::string_view body) { takeAdmins(body); });
+    m_client.replies.on("GetProfileAdminPrivis", this, [this](std::string_view body) { takeChecklist(body); });
 }
 
 bool qrvrcProfileAdmin::may(std::string_view privilege) const
@@ -77,232 +79,261 @@ bool qrvrcProfileAdmin::may(std::string_view privilege) const
     return m_permissions.isSuper || m_permissions.value(section, privilege) != "0";
 }
 
-int qrvrcProfileAdmin::rowOf(std::string_view name) const
+bool qrvrcProfileAdmin::hold(const std::vector<AdminAccount>& accounts, const AccountDraft& saved) const
 {
-    const auto found = std::find_if(m_accounts.begin(), m_accounts.end(),
-                                    [name](const AdminAccount& account) { return account.name == name; });
-    return found == m_accounts.end() ? -1 : static_cast<int>(found - m_accounts.begin());
-}
-
-std::string qrvrcProfileAdmin::chosenName() const
-{
-    return m_chosen ? m_chosen->name : std::string(newAdmin);
-}
-
-AccountFields qrvrcProfileAdmin::fields() const
-{
-    AccountFields typed{m_client.codePage.toBytes(txtUser->text()), m_client.codePage.toBytes(txtPass->text()), {}};
-    if (m_chosen)
-        typed.currentName = m_chosen->name;
-    return typed;
-}
-
-bool qrvrcProfileAdmin::isEdited() const
-{
-    const AccountFields typed = fields();
-    const AdminAccount kept = m_chosen.value_or(AdminAccount());
-    return typed.name != kept.name || typed.password != kept.password ||
-           (m_checklistOf == chosenName() && lstSections->isEdited());
+    const std::string name = m_client.codePage.toBytes(saved.name);
+    const std::string password = m_client.codePage.toBytes(saved.password);
+    return std::any_of(accounts.begin(), accounts.end(), [&](const AdminAccount& account) {
+        return account.name == name && account.password == password;
+    });
 }
 
 void qrvrcProfileAdmin::Form_Activate()
 {
-    m_client.helpSection = u"Profile Admins"_s;
+    std::optional<AccountHome> home;
+    if (m_selected.profile)
+        home = {m_client.link.connection(), *m_selected.profile};
+    // Behind the click that led here, which holds the tab strips: they are not to wait for the tracker.
+    QTimer::singleShot(0, this, [this, home] { openFor(home); });
+}
+
+void qrvrcProfileAdmin::openFor(const std::optional<AccountHome>& home)
+{
+    if (!m_client.link.isLoggedIn()) {
+        showNobody(notConnected);
+        return;
+    }
+    moveTo(home);
     const QWidget* focused = QApplication::focusWidget();
     if (!focused || !isAncestorOf(focused))
-        cboUser->setFocus();
-    // Behind the click that led here, which holds the tab strips: they are not to wait for the tracker.
-    QTimer::singleShot(0, this, &qrvrcProfileAdmin::reload);
+        fmeAddUser->takeKeyboard();
+    if (!m_home)
+        return;
+    tellHome();
+    m_steps.dropReads();
+    m_steps.add(readAccounts());
+    m_steps.add(readChecklist(std::string(newAdmin)));
+    if (fmeAddUser->account() && !fmeAddUser->hasChecklist())
+        m_steps.add(readChecklist(fmeAddUser->accountName()));
+    m_steps.work();
+}
+
+/// What was typed stays with the home it was typed for, and comes back when that is shown again.
+void qrvrcProfileAdmin::moveTo(std::optional<AccountHome> home)
+{
+    const bool isSameHome = home && isShown(*home);
+    if (m_home && !isSameHome && fmeAddUser->isEdited())
+        m_drafts.keep(*m_home, fmeAddUser->draft());
+    m_home = std::move(home);
+    fmeAddUser->setEnabled(m_home.has_value());
+    if (isSameHome)
+        return;
+    fmeAddUser->forgetTemplate();
+    fmeAddUser->showNew();
+    if (const std::optional<AccountDraft> draft = m_home ? m_drafts.take(*m_home) : std::nullopt)
+        fmeAddUser->restore(*draft);
+    showNobody(m_home ? u"Asking the tracker for the accounts..."_s
+                      : u"No profile is selected. Select one in the profile list."_s);
+    tellHome();
+}
+
+void qrvrcProfileAdmin::tellHome()
+{
+    QString text;
+    if (m_home)
+        text = u"Accounts of profile %1, "_s.arg(m_home->profile.id) + m_client.codePage.toText(m_home->profile.name);
+    fmeAddUser->note(text);
 }
 
 void qrvrcProfileAdmin::followLogin()
 {
-    if (m_user != m_client.session.user) { // what somebody else has typed is not his
-        m_chosen.reset();
-        m_checklistOf.clear();
-        txtUser->clear();
-        txtPass->clear();
-    }
-    showNothing(notConnected);
+    if (m_home && !m_home->connection.isSameAccount(m_client.link.connection()))
+        moveTo({}); // what somebody else has typed is not his
 }
 
-void qrvrcProfileAdmin::reload()
+void qrvrcProfileAdmin::followDrop()
 {
-    if (!m_client.link.isLoggedIn()) {
-        showNothing(notConnected);
-        return;
-    }
-    if (std::exchange(m_profileId, m_selected.id) != m_selected.id)
-        showNothing(u"Asking the tracker for the accounts..."_s); // what is shown is another profile's
-    if (m_profileId == 0) {
-        showNothing(u"No profile is selected. Select one in the profile list."_s);
-        return;
-    }
-    m_user = m_client.session.user;
-    lblNote->setText(u"Accounts of profile %1"_s.arg(m_profileId));
-    m_steps.push_back({getProfileAdminsRequest(m_user, m_profileId)});
-    m_steps.push_back({getProfileAdminPrivisRequest(m_user, m_profileId, newAdmin), std::string(newAdmin)});
-    work();
+    fmeAddUser->forgetTemplate();
+    if (!fmeAddUser->isEdited())
+        fmeAddUser->showNew();
+    showNobody(notConnected);
 }
 
-void qrvrcProfileAdmin::work()
+AccountStep qrvrcProfileAdmin::readAccounts() const
 {
-    if (m_isWorking)
-        return; // whoever works goes on with what is new
-    m_isWorking = true;
-    const QPointer<QWidget> self(this);
-    while (!m_steps.empty() && m_client.link.isLoggedIn()) {
-        m_current = std::move(m_steps.front());
-        m_steps.pop_front();
-        const WaitEnd end = ask(m_client.link, m_current->request);
-        if (!self)
-            return; // closed while its events ran
-        const Step step = *std::exchange(m_current, {});
-        if (end != WaitEnd::Replied)
-            break;
-        checkArrival(step);
-        updateControls();
-    }
-    m_steps.clear();
-    m_isWorking = false;
-    updateControls();
+    return {getProfileAdminsRequest(m_home->connection.user, m_home->profile.id), *m_home};
 }
 
-/// A message to a plugin can take the place of an answer, and a damaged one shows nothing: boxes of somebody else
-/// must not stay beside the name that is chosen now.
-void qrvrcProfileAdmin::checkArrival(const Step& step)
+AccountStep qrvrcProfileAdmin::readChecklist(const std::string& account) const
 {
-    if (step.checklistOf.empty() || step.checklistOf != chosenName() || m_checklistOf == step.checklistOf)
-        return;
-    lstSections->setEmptyText(u"The privileges did not arrive. Choose the account again."_s);
-    lstSections->showReceived({});
-}
-
-void qrvrcProfileAdmin::nameChanged(int index)
-{
-    const int row = index - 1;
-    if (row < 0)
-        m_chosen.reset();
-    else if (row < static_cast<int>(m_accounts.size()))
-        m_chosen = m_accounts[static_cast<std::size_t>(row)];
-    m_checklistOf.clear();
-    showFieldsOfChosen();
-    askForChecklist();
-}
-
-void qrvrcProfileAdmin::chosenAgain()
-{
-    const std::string name = chosenName();
-    const bool isUnderWay =
-        std::any_of(m_steps.begin(), m_steps.end(), [&name](const Step& step) { return step.checklistOf == name; }) ||
-        (m_current && m_current->checklistOf == name);
-    if (!isUnderWay && (m_checklistOf != name || !m_isChecklistWhole))
-        askForChecklist();
+    return {getProfileAdminPrivisRequest(m_home->connection.user, m_home->profile.id, account), *m_home, account};
 }
 
 void qrvrcProfileAdmin::askForChecklist()
 {
-    if (!m_client.link.isLoggedIn() || m_profileId == 0)
+    const std::string account = fmeAddUser->accountName();
+    if (!m_home || !m_client.link.isLoggedIn() || fmeAddUser->hasChecklist() || m_steps.asksFor(*m_home, account))
         return;
-    // Who walks through the names wants the privileges of the last one only.
-    std::erase_if(m_steps, [](const Step& step) { return !step.checklistOf.empty() && step.checklistOf != newAdmin; });
-    const std::string name = chosenName();
-    m_steps.push_back({getProfileAdminPrivisRequest(m_client.session.user, m_profileId, name), name});
-    QTimer::singleShot(0, this,
-                       &qrvrcProfileAdmin::work); // behind the key or click, which the list has not yet finished
+    m_steps.dropChecklists(); // who walks through the names wants the privileges of the last one only
+    m_steps.add(readChecklist(account));
+    // Behind the key or click, which the list of names has not yet finished.
+    QTimer::singleShot(0, &m_steps, &AccountSteps::work);
 }
 
-void qrvrcProfileAdmin::saveAccount(ImageButton* button)
+void qrvrcProfileAdmin::saveAccount()
 {
-    if (!button->isEnabled())
-        return;
-    m_client.reporter.trap(button == cmdAddUser ? "cmdAddUser_Click" : "cmdModify_Click",
-                           [this, button] { sendAccount(button); });
+    const AccountAct act = fmeAddUser->account() ? AccountAct::Modify : AccountAct::Add;
+    m_client.reporter.trap(act == AccountAct::Add ? "cmdAddUser_Click" : "cmdModify_Click", [this, act] {
+        if (const std::optional<QString> fault = fmeAddUser->fault())
+            m_client.reporter.ReportMsg(MessageKind::Error, *fault);
+        else if (!m_home || !m_client.link.isLoggedIn())
+            return;
+        else if (!fmeAddUser->hasChecklist())
+            m_client.reporter.ReportMsg(
+                MessageKind::Error, u"The privileges of this account have not arrived. Choose it again in the list!"_s);
+        else
+            carryOut(act,
+                     saveProfileAdminRequest(m_home->connection.user, m_home->profile.id, fmeAddUser->fields(),
+                                             fmeAddUser->checklist()),
+                     fmeAddUser->draft());
+    });
 }
 
-void qrvrcProfileAdmin::sendAccount(ImageButton* button)
+void qrvrcProfileAdmin::actOnSelected(AccountAct act)
 {
-    const AccountFields typed = fields();
-    if (const auto fault = firstFault(typed)) {
-        m_client.reporter.ReportMsg(MessageKind::Error, asText(*fault));
+    if (fmeUsers->accounts().empty() || !m_home || !m_client.link.isLoggedIn())
+        return;
+    const std::optional<AdminAccount> account = fmeUsers->selected();
+    if (!account) {
+        fmeAddUser->note(u"Select a user in the list first."_s);
         return;
     }
-    const QString foreign = m_client.codePage.firstForeign(txtUser->text() + txtPass->text());
-    if (!foreign.isEmpty()) {
-        m_client.reporter.ReportMsg(MessageKind::Error,
-                                    u"The character '%1' cannot be sent to the host!"_s.arg(foreign));
+    if (account->name.empty())
         return;
-    }
-    if (!m_client.link.isLoggedIn())
-        return;
-    if (m_profileId == 0) {
-        m_client.reporter.ReportMsg(MessageKind::ActionRequired, u"You must select a profile from the list!"_s);
-        return;
-    }
-    const bool isChecklistThere = m_checklistOf == chosenName() && m_isChecklistWhole;
-    const bool isNewWithout = !m_chosen && lstSections->checklist().empty(); // it starts without privileges
-    if (!isChecklistThere && !isNewWithout) {
-        m_client.reporter.ReportMsg(MessageKind::Error,
-                                    u"The privileges of this account have not arrived. Choose it again in the list!"_s);
-        return;
-    }
-    enqueueWithRefresh(saveProfileAdminRequest(m_client.session.user, m_profileId, typed, lstSections->checklist()),
-                       button, typed);
+    const auto request = act == AccountAct::Kick ? kickProfileAdminRequest : deleteProfileAdminRequest;
+    carryOut(act, request(m_home->connection.user, m_home->profile.id, account->name), {});
 }
 
-void qrvrcProfileAdmin::actOnSelected(ImageButton* button)
+void qrvrcProfileAdmin::carryOut(AccountAct act, Request request, std::optional<AccountDraft> saved)
 {
-    if (m_accounts.empty() || !m_client.link.isLoggedIn() || m_profileId == 0)
-        return;
-    const int row = mfgUsers->selectedRow();
-    if (row < 0) {
-        lblNote->setText(u"Select a user in the list first."_s);
-        return;
-    }
-    const std::string name = m_accounts.at(static_cast<std::size_t>(row)).name;
-    if (name.empty())
-        return;
-    const auto request = button == cmdKickUser ? kickProfileAdminRequest : deleteProfileAdminRequest;
-    enqueueWithRefresh(request(m_client.session.user, m_profileId, name), button, {});
-}
-
-void qrvrcProfileAdmin::enqueueWithRefresh(Request request, ImageButton* button, std::optional<AccountFields> saved)
-{
-    lblNote->setText(u"Accounts of profile %1"_s.arg(m_profileId));
-    m_steps.push_back({std::move(request), {}, button});
-    m_steps.push_back({getProfileAdminsRequest(m_client.session.user, m_profileId), {}, button, std::move(saved)});
+    tellHome();
+    AccountStep outcome = readAccounts();
+    outcome.act = act;
+    outcome.saved = std::move(saved);
+    m_steps.add({.request = std::move(request), .home = *m_home, .act = act});
+    m_steps.add(std::move(outcome));
     const QPointer<QWidget> focused = QApplication::focusWidget();
     updateControls();
     if (focused && !focused->isEnabled()) {
         m_focusBefore = focused;
         m_focusMeanwhile = QApplication::focusWidget();
     }
-    work();
+    m_steps.work();
 }
 
-bool qrvrcProfileAdmin::isBusy(const ImageButton* button) const
+void qrvrcProfileAdmin::takeAdmins(std::string_view body)
 {
-    return (m_current && m_current->button == button) ||
-           std::any_of(m_steps.begin(), m_steps.end(), [button](const Step& step) { return step.button == button; });
+    if (!m_steps.current() || body.empty() || body == "True")
+        return;
+    const AccountStep step = *m_steps.current();
+    Admins admins;
+    // What cannot be read ends the list; what came before it is shown all the same.
+    const auto show = qScopeGuard([&] {
+        if (isShown(step.home))
+            showAdmins(std::move(admins), step.saved);
+        else if (step.saved && hold(admins.accounts, *step.saved))
+            m_drafts.forgetSaved(step.home, *step.saved);
+    });
+    const PackedReply packed = splitPackedReply(body);
+    const std::string text = clsMFD::DecompressString(packed.data, packed.length);
+    const AdminsText parts = splitAdminsText(text);
+    for (const std::string_view line : parts.log)
+        admins.log += m_client.codePage.toText(line);
+    for (const std::string_view element : parts.accounts)
+        admins.accounts.push_back(decodeAdminAccount(element));
+    admins.isWhole = true;
+}
+
+void qrvrcProfileAdmin::showAdmins(Admins admins, const std::optional<AccountDraft>& saved)
+{
+    const QString reason = u"The tracker's answer could not be read."_s;
+    const bool mayView = may("View Users");
+    const bool mayViewLog = may("View Connectivity Log");
+    if (!mayView)
+        admins.accounts.clear();
+    fmeUsers->showAccounts(std::move(admins.accounts), !mayView         ? u"You may not view the accounts."_s
+                                                       : admins.isWhole ? u"No accounts"_s
+                                                                        : reason);
+    fmeLog->showLines(mayViewLog ? admins.log : QStringList(), !mayViewLog      ? u"You may not view the log."_s
+                                                               : admins.isWhole ? u"The log is empty."_s
+                                                                                : reason);
+    const bool isSaved = saved && hold(fmeUsers->accounts(), *saved) && fmeAddUser->draft() == *saved;
+    const std::optional<AdminAccount>& account = fmeAddUser->account();
+    const bool isGone = account && admins.isWhole && !fmeUsers->has(account->name);
+    if (saved)
+        tellOutcome(*saved, admins.isWhole);
+    if (!fmeAddUser->isEdited() || isSaved || isGone)
+        fmeAddUser->showNew();
+    fmeAddUser->offer(fmeUsers->accounts());
+    updateControls();
+}
+
+void qrvrcProfileAdmin::tellOutcome(const AccountDraft& saved, bool isWhole)
+{
+    if (hold(fmeUsers->accounts(), saved)) {
+        fmeUsers->pointAt(m_client.codePage.toBytes(saved.name));
+    } else if (!may("View Users")) {
+        fmeAddUser->note(u"'%1' was sent. You may not view whether the tracker took it."_s.arg(saved.name));
+    } else if (isWhole) {
+        fmeAddUser->note(u"The tracker did not take '%1'."_s.arg(saved.name));
+    }
+}
+
+void qrvrcProfileAdmin::showNobody(const QString& why)
+{
+    fmeUsers->showAccounts({}, why);
+    fmeLog->showLines({}, why);
+    fmeAddUser->offer({});
+    updateControls();
+}
+
+void qrvrcProfileAdmin::takeChecklist(std::string_view body)
+{
+    const AccountStep* step = m_steps.current();
+    if (!step || !isShown(step->home) || body.empty() || body.find("[-]Quorvane[-]") != std::string_view::npos)
+        return;
+    Checklist rows;
+    bool isWhole = false;
+    // A section that cannot be read ends the list; those before it are shown all the same.
+    const auto show =
+        qScopeGuard([&, account = step->checklistOf] { fmeAddUser->takeChecklist(account, std::move(rows), isWhole); });
+    for (const std::string_view part : splitChecklist(body)) {
+        Checklist decoded = decodeSection(part);
+        rows.insert(rows.end(), std::make_move_iterator(decoded.begin()), std::make_move_iterator(decoded.end()));
+    }
+    isWhole = true;
 }
 
 void qrvrcProfileAdmin::updateControls()
 {
-    const std::pair<ImageButton*, std::string_view> rules[] = {
-        {cmdAddUser, "Add New User"},
-        {cmdModify, "Modify User"},
-        {cmdDeleteUser, "Delete User"},
-        {cmdKickUser, "Kick User"},
+    const auto isOpen = [this](std::string_view privilege, AccountAct act) {
+        return may(privilege) && !m_steps.carriesOut(act);
     };
-    for (const auto& [button, privilege] : rules)
-        button->setEnabled(may(privilege) && !isBusy(button));
-    const bool mayViewLog = may("View Connectivity Log");
-    fmeLog->setEnabled(mayViewLog);
-    lstLog->setEnabled(mayViewLog);
-    if (!m_focusBefore || m_isWorking)
-        return;
-    // The keyboard goes back to where it was, unless the user has taken it elsewhere.
+    fmeAddUser->enableSaving(isOpen("Add New User", AccountAct::Add), isOpen("Modify User", AccountAct::Modify));
+    fmeUsers->enableActs(isOpen("Kick User", AccountAct::Kick), isOpen("Delete User", AccountAct::Delete));
+    fmeLog->setEnabled(may("View Connectivity Log"));
+    if (m_focusBefore && !m_steps.isWorking())
+        giveKeyboardBack();
+}
+
+/// The keyboard goes back to where it was, unless the user has taken it elsewhere.
+void qrvrcProfileAdmin::giveKeyboardBack()
+{
     QWidget* before = std::exchange(m_focusBefore, nullptr);
-    if (QApplication::focusWidget() == m_focusMeanwhile && isVisible())
-        (before->isVisible() && before->isEnabled() ? before : cboUser)->setFocus();
+    if (QApplication::focusWidget() != m_focusMeanwhile || !isVisible())
+        return;
+    if (before->isVisible() && before->isEnabled())
+        before->setFocus();
+    else
+        fmeAddUser->takeKeyboard();
 }

@@ -29,9 +29,9 @@ ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterfac
                                       u"The picture '%1' is missing or damaged."_s.arg(codePage.toText(name)));
                }),
       replies(reporter, interface),
-      link(wsMain, wSupport, session, replies),
+      link(wsMain, wSupport, replies),
       components(folder),
-      client{link, replies, session, store, folder, inet, reporter, boxes, codePage, pictures, windows, helpSection},
+      client{link, replies, store, folder, inet, reporter, boxes, codePage, pictures, windows, quitting},
       pluginHost(client, plugins, components, problems, pluginAccess(), setup.version),
       updates{.inet = inet,
               .targets = updateTargets,
@@ -53,6 +53,7 @@ bool ClientCore::isLoadedPlugin(const std::filesystem::path& file) const
 PluginAccess ClientCore::pluginAccess()
 {
     return {
+        .isSuper = [this] { return permissions.isSuper; },
         .isRestricted = [this](const std::string& plugin) { return permissions.isPluginRestricted(plugin); },
         .privileges =
             [this](const std::string& plugin) {
@@ -86,5 +87,8 @@ HelperServices ClientCore::services(HelpOpener showHelp)
                               done(answer.isGood() && answer.body == "1");
                           });
             },
+        .toCodePage = [this](std::u16string_view text) -> CodePageText {
+            return {codePage.toBytes(text), codePage.firstForeign(text).isEmpty()};
+        },
     };
 }

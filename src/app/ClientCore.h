@@ -1,17 +1,16 @@
 #pragma once
 
-#include "diagnostics/ErrorLogSender.h"
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
+#include "client/Client.h"
+#include "client/PermissionRecords.h"
+#include "client/SelectedProfile.h"
+#include "diagnostics/errorlog/ErrorLogSender.h"
+#include "diagnostics/report/Reporter.h"
 #include "link/ReplyDispatcher.h"
-#include "link/Session.h"
 #include "link/clsWinSock.h"
-#include "navigation/PermissionRecords.h"
-#include "navigation/SelectedProfile.h"
-#include "platform/CodePage.h"
-#include "platform/Component.h"
-#include "platform/Inet.h"
-#include "platform/Winsock.h"
+#include "platform/components/Component.h"
+#include "platform/net/Inet.h"
+#include "platform/net/Winsock.h"
+#include "platform/system/CodePage.h"
 #include "plugins/ComponentEntries.h"
 #include "plugins/PluginHost.h"
 #include "plugins/PluginTable.h"
@@ -59,7 +58,6 @@ struct ClientCore
     AppFolder folder;
     UpdateTargets updateTargets;
     CodePage codePage;
-    Session session;
     Inet inet;
     ErrorReportPage reportPage;
     clsMFD store;
@@ -70,10 +68,10 @@ struct ClientCore
     Winsock wSupport{QStringLiteral("wSupport")};
     clsWinSock link;
     WindowRegistry windows;
-    QString helpSection;
     Permissions permissions;       ///< written by the navigation
     PluginTable plugins;           ///< written by the plugin host
     SelectedProfile selected;      ///< written by the profile list
+    bool quitting = false;         ///< written by the frame
     bool updatesAvailable = false; ///< written by the update check
     ProblemFiles problems;         ///< written by the component check
     Components components;

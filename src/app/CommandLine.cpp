@@ -1,71 +1,55 @@
 #include "app/CommandLine.h"
 
+#include <QCommandLineParser>
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
-struct Option
-{
-    std::string_view name;
-    std::optional<std::string> CommandLine::*value;
-};
+using Wish = CommandLine::Wish;
 
-constexpr Option options[] = {
-    {"--app-folder", &CommandLine::appFolder},
-    {"--connect", &CommandLine::connectProfile},
-    {"--maker-host", &CommandLine::makerHost},
-};
-
-CommandLine complain(std::string text)
+CommandLine complain(const QString& what)
 {
-    CommandLine line;
-    line.wish = CommandLine::Wish::Complain;
-    line.complaint = std::move(text);
-    return line;
-}
-
-const Option* optionNamed(std::string_view name)
-{
-    for (const Option& option : options) {
-        if (option.name == name)
-            return &option;
-    }
-    return nullptr;
+    return {.wish = Wish::Complain, .complaint = what + u" (see --help)"_s};
 }
 
 } // namespace
 
-CommandLine parseCommandLine(const std::vector<std::string>& arguments)
+CommandLine parseCommandLine(const QStringList& arguments)
 {
-    CommandLine line;
-    for (std::size_t index = 0; index < arguments.size(); ++index) {
-        const std::string& argument = arguments[index];
-        const std::size_t equals = argument.find('=');
-        const std::string name = argument.substr(0, equals);
-        if (argument == "--version" || argument == "--help") {
-            line.wish = argument == "--version" ? CommandLine::Wish::ShowVersion : CommandLine::Wish::ShowHelp;
-            return line;
-        }
-        if (argument == "--probe-component" && index + 2 < arguments.size()) {
-            line.wish = CommandLine::Wish::ProbeComponent;
-            line.componentFile = arguments[++index];
-            line.componentClass = arguments[++index];
-            continue;
-        }
-        if (argument == "--register-component" && index + 1 < arguments.size()) {
-            line.wish = CommandLine::Wish::RegisterComponent;
-            line.componentFile = arguments[++index];
-            continue;
-        }
-        const Option* option = optionNamed(name);
-        if (!option)
-            return complain("unknown argument '" + argument + "' (see --help)");
-        if (equals == std::string::npos && index + 1 == arguments.size())
-            return complain("the option '" + name + "' needs a value (see --help)");
-        const std::string value = equals == std::string::npos ? arguments[++index] : argument.substr(equals + 1);
-        if (value.empty())
-            return complain("the option '" + name + "' needs a value (see --help)");
-        line.*option->value = value;
+    const QCommandLineOption version(u"version"_s);
+    const QCommandLineOption help(u"help"_s);
+    const QCommandLineOption appFolder(u"app-folder"_s, {}, u"DIR"_s);
+    const QCommandLineOption connectProfile(u"connect"_s, {}, u"PROFILE"_s);
+    const QCommandLineOption makerHost(u"maker-host"_s, {}, u"URL"_s);
+    const QCommandLineOption probe(u"probe-component"_s, {}, u"FILE"_s);
+    const QCommandLineOption probedClass(u"component-class"_s, {}, u"NAME"_s);
+    const QCommandLineOption registration(u"register-component"_s, {}, u"FILE"_s);
+    QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    parser.addOptions({version, help, appFolder, connectProfile, makerHost, probe, probedClass, registration});
+    const bool isUnderstood = parser.parse(arguments);
+    if (!isUnderstood)
+        return complain(parser.errorText());
+    if (parser.isSet(version) || parser.isSet(help))
+        return {.wish = parser.isSet(version) ? Wish::ShowVersion : Wish::ShowHelp};
+    if (!parser.positionalArguments().isEmpty())
+        return complain(u"unknown argument '%1'"_s.arg(parser.positionalArguments().constFirst()));
+    for (const QCommandLineOption& option : {appFolder, connectProfile, makerHost, probe, registration}) {
+        if (parser.isSet(option) && parser.value(option).isEmpty())
+            return complain(u"the option '--%1' needs a value"_s.arg(option.names().constFirst()));
     }
-    return line;
+    const auto valueOf = [&parser](const QCommandLineOption& option) {
+        return parser.isSet(option) ? std::optional(parser.value(option)) : std::nullopt;
+    };
+    return {.wish = parser.isSet(probe)          ? Wish::ProbeComponent
+                    : parser.isSet(registration) ? Wish::RegisterComponent
+                                                 : Wish::Run,
+            .appFolder = valueOf(appFolder),
+            .connectProfile = valueOf(connectProfile),
+            .makerHost = valueOf(makerHost),
+            .componentFile = parser.isSet(probe) ? parser.value(probe) : parser.value(registration),
+            .componentClass = parser.value(probedClass)};
 }
 
 std::string_view commandLineHelp()

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <QString>
+#include <QStringList>
+
 #include <optional>
-#include <string>
 #include <string_view>
-#include <vector>
 
 /// What the program was asked for on its command line.
 struct CommandLine
@@ -11,20 +12,20 @@ struct CommandLine
     enum class Wish { Run, ShowVersion, ShowHelp, Complain, ProbeComponent, RegisterComponent };
 
     Wish wish = Wish::Run;
-    std::string complaint; ///< one line that says what is wrong, for `Complain`
-    std::optional<std::string> appFolder;
-    std::optional<std::string> connectProfile;
-    std::optional<std::string> makerHost;
+    QString complaint = {}; ///< one line that says what is wrong, for `Complain`
+    std::optional<QString> appFolder = {};
+    std::optional<QString> connectProfile = {};
+    std::optional<QString> makerHost = {};
     /// For `ProbeComponent`, which the program asks of another process of itself, and for `RegisterComponent`, which
     /// whoever installs a plugin asks.
-    std::string componentFile;
-    std::string componentClass; ///< may be empty
+    QString componentFile = {};
+    QString componentClass = {}; ///< of `ProbeComponent`; may be empty
 
     bool operator==(const CommandLine&) const = default;
 };
 
-/// @param arguments  without the program's name, in the encoding of the system
-CommandLine parseCommandLine(const std::vector<std::string>& arguments);
+/// @param arguments  the program's name first
+CommandLine parseCommandLine(const QStringList& arguments);
 
 /// What `--help` prints.
 std::string_view commandLineHelp();

@@ -1,10 +1,10 @@
 #include "app/ComponentProbe.h"
 
 #include "base/RuntimeError.h"
-#include "platform/PathBytes.h"
-#include "platform/PathText.h"
+#include "link/EventWait.h"
+#include "platform/system/PathBytes.h"
+#include "platform/system/PathText.h"
 #include "store/AppFolder.h"
-#include "ui/EventWait.h"
 
 #include <QApplication>
 #include <QProcess>
@@ -34,16 +34,17 @@ Components::Probe childProcessProbe(const QString& program, const std::filesyste
         child.setStandardOutputFile(QProcess::nullDevice());
         child.setStandardErrorFile(QProcess::nullDevice());
         EventWait wait(limit);
-        wait.endsOn(&child, &QProcess::finished, WaitEnd::Replied)
-            .endsOn(&child, &QProcess::errorOccurred, WaitEnd::LinkDropped);
+        wait.endsOn(&child, &QProcess::finished, WaitEnd::Done)
+            .endsOn(&child, &QProcess::errorOccurred, WaitEnd::Broken);
         child.start(program, {u"--app-folder"_s, textOf(applicationFolder), u"--probe-component"_s, textOf(file),
+                              u"--component-class"_s,
                               QString::fromLatin1(progId.data(), static_cast<qsizetype>(progId.size()))});
         const WaitEnd end = wait.run();
         if (child.state() != QProcess::NotRunning) {
             child.kill();
             if (end != WaitEnd::TimedOut)
                 throw RuntimeError(ErrorNumber::CannotCreateObject, bytesOf(file) + ": its try was broken off");
-            static_cast<void>(EventWait(limit).endsOn(&child, &QProcess::finished, WaitEnd::Replied).run());
+            static_cast<void>(EventWait(limit).endsOn(&child, &QProcess::finished, WaitEnd::Done).run());
             why = "creating it takes too long";
             return false;
         }

@@ -1,9 +1,9 @@
 #include "app/HelpKey.h"
 
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
-#include "platform/CodePage.h"
-#include "platform/PathText.h"
+#include "client/Client.h"
+#include "diagnostics/report/Reporter.h"
+#include "platform/system/CodePage.h"
+#include "platform/system/PathText.h"
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
 
@@ -63,7 +63,7 @@ const char* pageOf(const std::array<Topic, Count>& known, const QString& name)
 
 } // namespace
 
-HelpKey::HelpKey(Client& client) : m_client(client)
+HelpKey::HelpKey(Client& client, std::function<QString()> section) : m_client(client), m_section(std::move(section))
 {
     QCoreApplication::instance()->installEventFilter(this);
 #if defined(Q_OS_WIN)
@@ -93,7 +93,7 @@ bool HelpKey::nativeEventFilter(const QByteArray& /*kind*/, void* message, qintp
     if (native.message == WM_KEYDOWN && native.wParam == VK_F1 && (native.lParam & wasDownBefore) == 0 &&
         !QWidget::find(reinterpret_cast<WId>(native.hwnd))) {
         QMetaObject::invokeMethod(
-            this, [this] { m_client.reporter.trap("MDIFormLoad", [this] { showHelpFor(m_client.helpSection); }); },
+            this, [this] { m_client.reporter.trap("MDIFormLoad", [this] { showHelpFor(m_section()); }); },
             Qt::QueuedConnection);
     }
 #else
@@ -107,7 +107,7 @@ void HelpKey::showHelp(const QString& window)
     if (const char* page = pageOf(windowTopics, window))
         m_client.store.ShowHelp(m_client.folder.path("\\help.chm"), page);
     else
-        showHelpFor(m_client.helpSection);
+        showHelpFor(m_section());
 }
 
 void HelpKey::showHelpFor(const QString& section)

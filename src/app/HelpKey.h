@@ -3,6 +3,8 @@
 #include <QAbstractNativeEventFilter>
 #include <QObject>
 
+#include <functional>
+
 struct Client;
 
 /// F1, wherever in the program it is pressed: opens the help topic of the window that has the keyboard, which for the
@@ -10,8 +12,10 @@ struct Client;
 class HelpKey : public QObject, public QAbstractNativeEventFilter
 {
 public:
-    /// Watches the application's keys for as long as it lives. @param client  outlives this
-    explicit HelpKey(Client& client);
+    /// Watches the application's keys for as long as it lives.
+    /// @param client   outlives this
+    /// @param section  gives the section that the frame shows now
+    HelpKey(Client& client, std::function<QString()> section);
 
     /// For the windows of components that have a toolkit of their own.
     bool nativeEventFilter(const QByteArray& kind, void* message, qintptr* result) override;
@@ -25,4 +29,5 @@ private:
     void showHelpFor(const QString& section);
 
     Client& m_client;
+    std::function<QString()> m_section;
 };

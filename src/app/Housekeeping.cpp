@@ -1,6 +1,6 @@
 #include "app/Housekeeping.h"
 
-#include "platform/ProcessMemory.h"
+#include "platform/system/ProcessMemory.h"
 
 #include <QLabel>
 #include <QStatusBar>
@@ -33,6 +33,7 @@ Housekeeping::Housekeeping(QStatusBar& statusBar, const bool& updatesAvailable, 
     lblNote->setObjectName(u"lblNote"_s);
     lblNote->setTextFormat(Qt::PlainText);
     lblNote->setIndent(6);
+    lblNote->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long note leaves the others their place
     lblStatus->setObjectName(u"lblStatus"_s);
     statusBar.addWidget(lblNote, 1);
     statusBar.addPermanentWidget(lblStatus);
@@ -45,6 +46,12 @@ Housekeeping::Housekeeping(QStatusBar& statusBar, const bool& updatesAvailable, 
 void Housekeeping::note(const QString& text)
 {
     lblNote->setText(text);
+}
+
+void Housekeeping::withdraw(const QString& text)
+{
+    if (lblNote->text() == text)
+        lblNote->clear();
 }
 
 void Housekeeping::tick()

@@ -14,8 +14,11 @@ public:
     /// @param updatesAvailable  read at every tick; outlives this
     Housekeeping(QStatusBar& statusBar, const bool& updatesAvailable, QObject* parent);
 
-    /// Shows an event of the link at the left of the status bar, until the next; an empty text takes it away.
+    /// Shows an event of the link at the left of the status bar, until the next; an empty text takes it away. What does
+    /// not fit is cut off.
     void note(const QString& text);
+    /// Takes a note away, if it is still the one shown.
+    void withdraw(const QString& text);
 
 private:
     void tick();

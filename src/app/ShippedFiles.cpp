@@ -1,7 +1,7 @@
 #include "app/ShippedFiles.h"
 
+#include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 
 #include <array>
 

@@ -1,8 +1,8 @@
 #include "app/UpdaterHandOver.h"
 
-#include "platform/PathText.h"
+#include "platform/system/FileBytes.h"
+#include "platform/system/PathText.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "updates/InstallUpdates.h"
 #include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"

@@ -4,10 +4,10 @@
 #include "app/ShippedFiles.h"
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
-#include "platform/Inet.h"
-#include "platform/PathBytes.h"
-#include "platform/PathText.h"
-#include "platform/StandardStreams.h"
+#include "platform/net/Inet.h"
+#include "platform/system/PathBytes.h"
+#include "platform/system/PathText.h"
+#include "platform/system/StandardStreams.h"
 #include "updates/UpdateOptions.h"
 
 #include <QApplication>
@@ -17,6 +17,8 @@
 #include <QTimer>
 
 #include <iostream>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -63,16 +65,15 @@ std::vector<std::string> restartArguments(const CommandLine& line, const std::fi
     if (line.appFolder)
         arguments.insert(arguments.end(), {"--app-folder", std::filesystem::absolute(folder).string()});
     if (line.connectProfile)
-        arguments.insert(arguments.end(), {"--connect", *line.connectProfile});
+        arguments.insert(arguments.end(), {"--connect", line.connectProfile->toLocal8Bit().toStdString()});
     if (line.makerHost)
-        arguments.insert(arguments.end(), {"--maker-host", *line.makerHost});
+        arguments.insert(arguments.end(), {"--maker-host", line.makerHost->toLocal8Bit().toStdString()});
     return arguments;
 }
 
 QUrl makerHostFor(const CommandLine& line, const std::filesystem::path& folder)
 {
-    const QUrl chosen(line.makerHost ? QString::fromLocal8Bit(line.makerHost->c_str())
-                                     : QString::fromStdString(storedMakerHost(AppFolder(folder))));
+    const QUrl chosen(line.makerHost ? *line.makerHost : QString::fromStdString(storedMakerHost(AppFolder(folder))));
     return isWebAddress(chosen) ? chosen : QUrl(QString::fromLatin1(QRVRC_MAKER_HOST));
 }
 
@@ -82,7 +83,7 @@ int run(Application& application, const CommandLine& line)
     const std::filesystem::path userFolder =
         pathOf(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
     const std::filesystem::path folder =
-        line.appFolder ? pathOf(QFile::decodeName(line.appFolder->c_str())) : chooseAppFolder(executable, userFolder);
+        line.appFolder ? pathOf(*line.appFolder) : chooseAppFolder(executable, userFolder);
     std::error_code fault;
     std::filesystem::create_directories(folder, fault);
     QLockFile instance(textOf(folder / "instance.lock"));
@@ -109,8 +110,7 @@ int run(Application& application, const CommandLine& line)
         return 0;
     frame.show();
     if (line.connectProfile) {
-        QTimer::singleShot(0, &frame,
-                           [&] { frame.connectProfile(QString::fromLocal8Bit(line.connectProfile->c_str())); });
+        QTimer::singleShot(0, &frame, [&] { frame.connectProfile(*line.connectProfile); });
     }
     const int status = QApplication::exec();
     application.reporter = nullptr;
@@ -119,10 +119,13 @@ int run(Application& application, const CommandLine& line)
 
 int start(int argc, char** argv)
 {
-    const CommandLine line = parseCommandLine(std::vector<std::string>(argv + 1, argv + argc));
+    QStringList arguments;
+    for (int index = 0; index < argc; ++index)
+        arguments += QFile::decodeName(argv[index]);
+    const CommandLine line = parseCommandLine(arguments);
     switch (line.wish) {
     case CommandLine::Wish::Complain:
-        return complain(line.complaint);
+        return complain(line.complaint.toLocal8Bit().toStdString());
     case CommandLine::Wish::ShowVersion:
         std::cout << "qrvv3rc " QRVRC_VERSION "\n";
         return 0;
@@ -130,16 +133,15 @@ int start(int argc, char** argv)
         std::cout << commandLineHelp();
         return 0;
     case CommandLine::Wish::ProbeComponent:
-        return runComponentProbe(argc, argv, pathOf(QFile::decodeName(line.appFolder.value_or(".").c_str())),
-                                 pathOf(QFile::decodeName(line.componentFile.c_str())), line.componentClass);
+        return runComponentProbe(argc, argv, pathOf(line.appFolder.value_or(u"."_s)), pathOf(line.componentFile),
+                                 line.componentClass.toStdString());
     case CommandLine::Wish::RegisterComponent:
-        return registerComponent(pathOf(QFile::decodeName(line.appFolder.value_or(".").c_str())),
-                                 pathOf(QFile::decodeName(line.componentFile.c_str())));
+        return registerComponent(pathOf(line.appFolder.value_or(u"."_s)), pathOf(line.componentFile));
     case CommandLine::Wish::Run:
         break;
     }
-    if (line.makerHost && !isWebAddress(QUrl(QString::fromLocal8Bit(line.makerHost->c_str()))))
-        return complain("'" + *line.makerHost + "' is no http or https address");
+    if (line.makerHost && !isWebAddress(QUrl(*line.makerHost)))
+        return complain("'" + line.makerHost->toLocal8Bit().toStdString() + "' is no http or https address");
 
     QCoreApplication::setApplicationName(QStringLiteral("qrvv3rc"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QRVRC_VERSION));

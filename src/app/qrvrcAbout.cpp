@@ -1,11 +1,14 @@
 #include "app/qrvrcAbout.h"
 
-#include "link/Client.h"
+#include "client/Client.h"
+#include "ui/BackgroundPicture.h"
+#include "ui/PictureStore.h"
 #include "ui/StripTabBar.h"
 
 #include <QApplication>
 #include <QIcon>
 #include <QLabel>
+#include <QPainter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -16,6 +19,30 @@ namespace {
 const QString titles = u"Delta Force: Black Hawk Down\nDelta Force: Xtreme\nJoint Operations"_s;
 const QString credits = u"Written in C++ with Qt, libdeflate and CHMLib.\n\n"
                         "Pictures and manual are our own."_s;
+
+/// The emblem on a white ground that the background picture shows through.
+class Emblem : public QLabel
+{
+public:
+    explicit Emblem(PictureStore& pictures) : m_pictures(pictures)
+    {
+        setPixmap(QApplication::windowIcon().pixmap(QSize(96, 96), devicePixelRatioF()));
+        setAlignment(Qt::AlignCenter);
+        setBackgroundRole(QPalette::Base);
+        setAutoFillBackground(true);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        QLabel::paintEvent(event);
+        QPainter painter(this);
+        paintBackground(painter, m_pictures.scaled("\\background.gif", size(), devicePixelRatioF()), rect());
+    }
+
+private:
+    PictureStore& m_pictures;
+};
 
 QLabel* page(const QString& text)
 {
@@ -33,9 +60,6 @@ qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* pare
       m_client(client)
 {
     setObjectName(u"qrvrcAbout"_s);
-    auto* emblem = new QLabel;
-    emblem->setPixmap(QApplication::windowIcon().pixmap(QSize(96, 96), devicePixelRatioF()));
-    emblem->setAlignment(Qt::AlignCenter);
     auto* tsAbout = new StripTabBar(u"tsAbout"_s, client.pictures, "\\background.gif", this);
     tsAbout->setAccessibleName(u"About"_s);
     auto* pages = new QStackedWidget;
@@ -50,12 +74,7 @@ qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* pare
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(40, 24, 40, 24);
     layout->setSpacing(18);
-    layout->addWidget(emblem);
+    layout->addWidget(new Emblem(client.pictures));
     layout->addWidget(tsAbout);
     layout->addWidget(pages, 1);
-}
-
-void qrvrcAbout::Form_Activate()
-{
-    m_client.helpSection = u"About"_s;
 }

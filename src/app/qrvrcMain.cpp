@@ -2,41 +2,38 @@
 
 #include "admins/qrvrcProfileAdmin.h"
 #include "app/ComponentProbe.h"
+#include "app/FrameUpdates.h"
 #include "app/HelpKey.h"
 #include "app/Housekeeping.h"
+#include "app/Notices.h"
 #include "app/qrvrcAbout.h"
 #include "app/qrvrcProgress.h"
-#include "diagnostics/qrvrcHelp.h"
-#include "diagnostics/qrvrcHelpViewer.h"
+#include "diagnostics/errorlog/qrvrcHelp.h"
+#include "diagnostics/help/qrvrcHelpViewer.h"
 #include "link/LoginExchange.h"
-#include "live/SupportDesk.h"
-#include "live/qrvrcPlayerStats.h"
-#include "live/qrvrcRecovery.h"
-#include "live/qrvrcSupport.h"
+#include "live/recovery/qrvrcRecovery.h"
+#include "live/statistics/qrvrcPlayerStats.h"
+#include "live/support/SupportDesk.h"
+#include "live/support/qrvrcSupport.h"
 #include "login/qrvrcLogin.h"
 #include "navigation/qrvrcMenu.h"
-#include "platform/PathText.h"
-#include "platform/SystemName.h"
+#include "platform/system/PathText.h"
+#include "platform/system/SystemName.h"
 #include "plugins/ComponentCheck.h"
-#include "profiles/ProfileActions.h"
-#include "profiles/qrvrcFileManager.h"
-#include "profiles/qrvrcModify.h"
-#include "profiles/qrvrcNotePad.h"
-#include "profiles/qrvrcProfilesList.h"
+#include "profiles/editor/qrvrcModify.h"
+#include "profiles/files/qrvrcFileManager.h"
+#include "profiles/list/ProfileActions.h"
+#include "profiles/list/qrvrcProfilesList.h"
+#include "profiles/viewer/qrvrcNotePad.h"
 #include "ui/Dialogs.h"
 #include "ui/Twips.h"
-#include "updates/UpdateAgent.h"
-#include "updates/UpdateOptions.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QStatusBar>
-#include <QTime>
 #include <QTimer>
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -46,51 +43,33 @@ namespace {
 constexpr QSize fixedSize(Twips{11400}.pixels(), Twips{7425}.pixels());
 constexpr int navigationHeight = 28;
 
-/// Whether the user does something with it: what a locked frame does not take.
-bool isInput(QEvent::Type type)
-{
-    constexpr std::array inputs{QEvent::MouseButtonPress,
-                                QEvent::MouseButtonRelease,
-                                QEvent::MouseButtonDblClick,
-                                QEvent::Wheel,
-                                QEvent::KeyPress,
-                                QEvent::KeyRelease,
-                                QEvent::Shortcut,
-                                QEvent::ShortcutOverride,
-                                QEvent::ContextMenu,
-                                QEvent::TouchBegin,
-                                QEvent::TouchUpdate,
-                                QEvent::TouchEnd,
-                                QEvent::Close};
-    return std::find(inputs.begin(), inputs.end(), type) != inputs.end();
-}
-
 } // namespace
 
 qrvrcMain::qrvrcMain(const Setup& setup)
     : m_ownBoxes(setup.boxes ? nullptr : std::make_unique<Dialogs>(this)),
+      m_lock(*this, [this] { m_menu->unlockStrips(); }),
       m_core(std::make_unique<ClientCore>(
-          setup, setup.boxes ? *setup.boxes : *m_ownBoxes, *this,
+          setup, setup.boxes ? *setup.boxes : *m_ownBoxes, m_lock,
           [this](const std::filesystem::path& file, const QString& topic) { showHelp(file, topic); })),
-      m_version(setup.version),
-      m_restart{setup.program, setup.arguments}
+      m_version(setup.version)
 {
     if (setup.probesComponents && !setup.program.empty())
         m_core->components.setProbe(childProcessProbe(textOf(setup.program), setup.folder));
-    m_supportDesk = std::make_unique<SupportDesk>(m_core->client, m_core->wSupport, [this] { return login().host(); });
+    m_supportDesk = std::make_unique<SupportDesk>(m_core->client, m_core->wSupport);
     buildFrame();
-    registerWindows();
     wireLink();
+    m_updates = std::make_unique<FrameUpdates>(*m_core, RestartOrder{setup.program, setup.arguments}, this);
+    registerWindows();
+    m_notices = std::make_unique<Notices>(*m_core, *m_supportDesk, *m_housekeeping, *this);
 }
 
 qrvrcMain::~qrvrcMain()
 {
     m_core->reporter.silence();
     m_core->link.disconnect();
-    delete m_core->windows.existing(u"qrvrcSupport"_s);
+    delete m_core->windows.existing<qrvrcSupport>();
     delete m_pages; // the windows go before what they refer to
     delete m_menu;
-    delete m_updateAgent;
 }
 
 void qrvrcMain::buildFrame()
@@ -113,18 +92,23 @@ void qrvrcMain::buildFrame()
     m_pages->setGeometry(1, navigationHeight, inner.width() - 3, inner.height() - beyondPages);
     m_progress = new qrvrcProgress(this);
     connect(m_menu, &qrvrcMenu::windowWanted, this, &qrvrcMain::showWindow);
-    connect(m_menu, &qrvrcMenu::pluginWanted, this, &qrvrcMain::showPlugin);
+    connect(m_menu, &qrvrcMenu::pluginWanted, this,
+            [this](const std::string& plugin, const std::string& menuItem, const ChosenProfile& profile) {
+                if (const Plugin* found = m_core->plugins.find(plugin))
+                    m_pluginHelp = m_core->codePage.toText(found->helpFile);
+                showPlugin(plugin, menuItem, profile);
+            });
 }
 
 void qrvrcMain::registerWindows()
 {
     WindowRegistry& windows = m_core->windows;
-    windows.add(u"qrvrcLogin"_s, [this] { return new qrvrcLogin(m_core->client, m_pages); });
-    windows.add(u"qrvrcProfilesList"_s, [this] {
+    windows.add<qrvrcLogin>([this] { return new qrvrcLogin(m_core->client, m_pages); });
+    windows.add<qrvrcProfilesList>([this] {
         const ActionHooks hooks{
             .navigation = m_menu,
-            .startGame = [this](std::int32_t profileId) { startGame(profileId); },
-            .showWindow = [this](const QString& name) { showWindow(name); },
+            .startGame = [this](const ChosenProfile& profile) { startGame(profile); },
+            .showWindow = [this](const QString& name, const ChosenProfile& profile) { showWindowFor(name, profile); },
         };
         auto* list = new qrvrcProfilesList(m_core->client, m_core->permissions, m_core->plugins, m_core->selected,
                                            hooks, m_pages);
@@ -134,21 +118,16 @@ void qrvrcMain::registerWindows()
         list->followPlugins();
         return list;
     });
-    windows.add(u"qrvrcModify"_s,
-                [this] { return new qrvrcModify(m_core->client, m_core->selected, m_menu, m_pages); });
-    windows.add(u"qrvrcFileManager"_s,
-                [this] { return new qrvrcFileManager(m_core->client, m_core->selected.id, m_pages); });
-    windows.add(u"qrvrcPlayerStats"_s,
-                [this] { return new qrvrcPlayerStats(m_core->client, m_core->selected, m_pages); });
-    windows.add(u"qrvrcProfileAdmin"_s, [this] {
-        return new qrvrcProfileAdmin(m_core->client, m_core->permissions, m_core->selected, m_pages);
-    });
-    windows.add(u"qrvrcNotePad"_s, [this] { return new qrvrcNotePad(m_core->client, this); });
-    windows.add(u"qrvrcSupport"_s, [this] { return new qrvrcSupport(m_core->client, *m_supportDesk, this); });
-    windows.add(u"qrvrcAbout"_s, [this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
-    windows.add(u"qrvrcRecovery"_s,
-                [this] { return new qrvrcRecovery(m_core->client, qrvrcRecovery::Limits(), this); });
-    windows.add(u"qrvrcHelp"_s, [this] {
+    windows.add<qrvrcModify>([this] { return new qrvrcModify(m_core->client, m_menu, m_pages); });
+    windows.add<qrvrcFileManager>([this] { return new qrvrcFileManager(m_core->client, m_opened, m_pages); });
+    windows.add<qrvrcPlayerStats>([this] { return new qrvrcPlayerStats(m_core->client, m_opened, m_pages); });
+    windows.add<qrvrcProfileAdmin>(
+        [this] { return new qrvrcProfileAdmin(m_core->client, m_core->permissions, m_core->selected, m_pages); });
+    windows.add<qrvrcNotePad>([this] { return new qrvrcNotePad(m_core->client, this); });
+    windows.add<qrvrcSupport>([this] { return new qrvrcSupport(m_core->client, *m_supportDesk, this); });
+    windows.add<qrvrcAbout>([this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
+    windows.add<qrvrcRecovery>([this] { return new qrvrcRecovery(m_core->client, qrvrcRecovery::Limits(), this); });
+    windows.add<qrvrcHelp>([this] {
         const HelpHooks hooks{
             .showManual = [this](const std::filesystem::path& file) { openManual(file); },
             .openSupport = [this] { m_supportDesk->open(); },
@@ -156,23 +135,22 @@ void qrvrcMain::registerWindows()
         };
         return new qrvrcHelp(m_core->client, hooks, m_pages);
     });
-    registerUpdateWindows();
+    m_updates->registerWindows(*m_exchange, m_pages);
 }
 
 qrvrcLogin& qrvrcMain::login()
 {
-    return *static_cast<qrvrcLogin*>(m_core->windows.window(u"qrvrcLogin"_s));
+    return *m_core->windows.window<qrvrcLogin>();
 }
 
 void qrvrcMain::wireLink()
 {
     clsWinSock& link = m_core->link;
     m_exchange = std::make_unique<LoginExchange>(
-        link, m_core->session, m_core->reporter, [this] { return login().credentials(); }, m_version);
+        link, m_core->reporter, [this] { return m_core->plugins.isTrackerKnown; }, m_version);
     connect(&link, &clsWinSock::loginSucceeded, this, [this](const std::string& privileges) {
-        m_core->session.user = login().credentials().user;
         m_menu->LoadMenus(true, privileges);
-        if (QWidget* list = m_core->windows.existing(u"qrvrcProfilesList"_s))
+        if (QWidget* list = m_core->windows.existing<qrvrcProfilesList>())
             list->setEnabled(true);
     });
     connect(m_exchange.get(), &LoginExchange::completed, m_menu, &qrvrcMenu::showProfileList);
@@ -181,43 +159,35 @@ void qrvrcMain::wireLink()
     });
     connect(&link, &clsWinSock::replyComplete, m_progress, &qrvrcProgress::finish);
     connect(&link, &clsWinSock::linkLost, m_progress, &qrvrcProgress::finish);
-    connect(m_progress, &qrvrcProgress::stopRequested, this, [this] {
-        if (m_core->client.boxes.confirm(u"Stop"_s, u"Do you want to stop receiving and disconnect from the host?"_s))
-            m_core->link.close();
-    });
-    // Boxes come behind the socket's own doings: they are modal, and the link is to be settled before they open.
-    connect(
-        &link, &clsWinSock::socketFailed, this,
-        [this](int number, const QString& description) {
-            m_core->client.boxes.show(u"Winsock Error"_s, u"%1: %2"_s.arg(number).arg(description));
-            if (m_core->link.state() == SocketState::Error)
-                m_core->link.close();
-        },
-        Qt::QueuedConnection);
-    connect(
-        &link, &clsWinSock::hostUnusable, this,
-        [this](const QString& text) { m_core->reporter.ReportMsg(MessageKind::Failed, text); }, Qt::QueuedConnection);
-    connect(&link, &clsWinSock::closedByHost, this, [this] {
-        m_housekeeping->note(
-            u"The host closed the connection at %1."_s.arg(QTime::currentTime().toString(u"HH:mm:ss"_s)));
-    });
-    connect(&link, &clsWinSock::connected, m_housekeeping, [this] { m_housekeeping->note({}); });
+    connect(m_progress, &qrvrcProgress::stopRequested, this, &qrvrcMain::stopReceiving);
+}
+
+/// What is asked about is the reply that is under way: once it is complete there is nothing to stop.
+void qrvrcMain::stopReceiving()
+{
+    bool isOver = false;
+    const QObject watch;
+    for (const auto over : {&clsWinSock::replyComplete, &clsWinSock::linkLost})
+        connect(&m_core->link, over, &watch, [&isOver] { isOver = true; });
+    if (m_core->client.boxes.confirm(u"Stop"_s, u"Do you want to stop receiving and disconnect from the host?"_s) &&
+        !isOver)
+        m_core->link.close();
 }
 
 bool qrvrcMain::MDIFormLoad()
 {
-    m_helpKey = std::make_unique<HelpKey>(m_core->client);
+    m_helpKey = std::make_unique<HelpKey>(m_core->client, [this] { return helpSection(); });
     bool goesOn = true;
     m_core->reporter.trap("MDIFormLoad", [&] {
         for (const char* folder : {"\\imgs", "\\settings"})
             m_core->folder.makeFolder(folder);
-        goesOn = !updaterTakesOver();
+        goesOn = !m_updates->updaterTakesOver();
     });
     if (!goesOn || !componentsAreChecked())
         return false;
     loadNavigation();
     // Once the first window is there: nobody waits for an update location.
-    QTimer::singleShot(0, this, &qrvrcMain::askForUpdates);
+    QTimer::singleShot(0, this, [this] { m_updates->askAtStart(); });
     return true;
 }
 
@@ -227,17 +197,15 @@ bool qrvrcMain::componentsAreChecked()
         m_core->client,
         {.create = [this](const std::string& progId) { m_core->components.createObject(progId); },
          .registerFile = [this](const std::filesystem::path& file) { return m_core->components.registerFile(file); },
-         .showText =
-             [this](const QString& caption, const QString& text) {
-                 static_cast<qrvrcNotePad*>(m_core->windows.window(u"qrvrcNotePad"_s))->showText(caption, text);
-             }},
+         .showText = [this](const QString& caption,
+                            const QString& text) { m_core->windows.window<qrvrcNotePad>()->showText(caption, text); }},
         m_core->problems);
     return check.run(this);
 }
 
 void qrvrcMain::loadNavigation()
 {
-    m_core->reporter.trap("frmMenu_Form_Load", [this] { m_options->load(); });
+    m_core->reporter.trap("frmMenu_Form_Load", [this] { m_updates->load(); });
     m_core->reporter.trap("frmMenu_Form_Load", [this] {
         m_core->pluginHost.LoadPlugins();
         qrvrcLogin& window = login();
@@ -259,10 +227,11 @@ void qrvrcMain::connectProfile(const QString& name)
 
 void qrvrcMain::showWindow(const QString& name)
 {
-    auto* window = static_cast<WorkingWindow*>(m_core->windows.window(name));
+    auto* window = qobject_cast<WorkingWindow*>(m_core->windows.window(name));
     if (!window)
         return;
     m_core->pluginHost.hideInterface();
+    m_pluginHelp.reset();
     if (m_front != window) {
         window->setGeometry(m_pages->rect());
         connect(window, &WorkingWindow::closeWanted, this, &qrvrcMain::closeFront, Qt::UniqueConnection);
@@ -275,6 +244,27 @@ void qrvrcMain::showWindow(const QString& name)
     }
     if (window->isEnabled())
         window->Form_Activate();
+}
+
+QString qrvrcMain::helpSection() const
+{
+    if (m_pluginHelp)
+        return *m_pluginHelp;
+    return m_front ? m_front->helpSection() : QString();
+}
+
+void qrvrcMain::showWindowFor(const QString& name, const ChosenProfile& profile)
+{
+    m_opened = profile;
+    QWidget* const window = m_core->windows.window(name);
+    if (auto* editor = qobject_cast<qrvrcModify*>(window)) {
+        if (!editor->open(profile))
+            return;
+    } else if (window == m_front) {
+        m_front.clear();
+        m_core->windows.unload(name);
+    }
+    showWindow(name);
 }
 
 void qrvrcMain::leave(WorkingWindow& window)
@@ -293,15 +283,15 @@ void qrvrcMain::closeFront()
         m_core->windows.unload(closed->objectName());
 }
 
-void qrvrcMain::showPlugin(const std::string& plugin, const std::string& menuItem)
+void qrvrcMain::showPlugin(const std::string& plugin, const std::string& menuItem, const ChosenProfile& profile)
 {
     m_core->reporter.trap("frmMenu_tsSM_Click",
-                          [&] { m_core->pluginHost.showInterface(plugin, m_core->selected.id, menuItem, *this); });
+                          [&] { m_core->pluginHost.showInterface(plugin, profile.id, menuItem, *this); });
 }
 
-void qrvrcMain::startGame(std::int32_t profileId)
+void qrvrcMain::startGame(const ChosenProfile& profile)
 {
-    m_core->pluginHost.showInterface(std::string(startPlugin), profileId, {}, *this);
+    m_core->pluginHost.showInterface(std::string(startPlugin), profile.id, {}, *this);
 }
 
 void qrvrcMain::showHelp(const std::filesystem::path& file, const QString& topic)
@@ -325,30 +315,6 @@ void qrvrcMain::openManual(const std::filesystem::path& file)
 #endif
 }
 
-void qrvrcMain::lockInterface()
-{
-    // A reply is handled before the next event, so locking is no matter of widgets: greying the frame would repaint it
-    // twice and take the keyboard from where the user has it. What a handler opens meanwhile runs over a dead frame.
-    if (m_locks++ == 0)
-        qApp->installEventFilter(this);
-}
-
-void qrvrcMain::unlockInterface()
-{
-    if (--m_locks > 0)
-        return;
-    qApp->removeEventFilter(this);
-    setEnabled(true);
-    m_menu->unlockStrips();
-}
-
-bool qrvrcMain::eventFilter(QObject* watched, QEvent* event)
-{
-    const auto* widget = qobject_cast<QWidget*>(watched);
-    const bool isLockedInput = m_locks > 0 && isInput(event->type()) && widget && widget->window() == this;
-    return isLockedInput || QMainWindow::eventFilter(watched, event);
-}
-
 void qrvrcMain::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::WindowStateChange && (isMaximized() || isFullScreen()))
@@ -359,14 +325,14 @@ void qrvrcMain::changeEvent(QEvent* event)
 void qrvrcMain::closeEvent(QCloseEvent* event)
 {
     event->ignore();
-    if (m_core->session.quitting)
+    if (m_core->quitting)
         return;
     login().stopPolling();
     if (!m_core->client.boxes.confirm(u"Quit"_s, u"Are you sure you want to quit?"_s)) {
         login().startPolling();
         return;
     }
-    m_core->session.quitting = true;
+    m_core->quitting = true;
     event->accept();
     unload();
 }

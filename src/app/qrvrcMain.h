@@ -1,30 +1,30 @@
 #pragma once
 
 #include "app/ClientCore.h"
-#include "link/InterfaceLock.h"
-#include "updates/InstallUpdates.h"
+#include "app/FrameLock.h"
 
 #include <QMainWindow>
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 
 class Dialogs;
+class FrameUpdates;
 class HelpKey;
 class Housekeeping;
 class LoginExchange;
+class Notices;
 class qrvrcHelpViewer;
 class qrvrcLogin;
 class qrvrcMenu;
 class qrvrcProfilesList;
 class qrvrcProgress;
 class SupportDesk;
-class UpdateAgent;
-class UpdateOptions;
 class WorkingWindow;
 
 /// The main frame: the navigation at its top and one working window at a time below it. Owns everything.
-class qrvrcMain : public QMainWindow, public LockableInterface
+class qrvrcMain : public QMainWindow
 {
     Q_OBJECT
 
@@ -40,15 +40,16 @@ public:
 
     /// Brings the window of that name to the front, creating it on first use.
     void showWindow(const QString& name);
+    /// The same for a window that belongs to a profile: it is opened anew. The editor stays as it is when the user
+    /// wants to keep what he typed into it, and where it is when that belongs elsewhere.
+    void showWindowFor(const QString& name, const ChosenProfile& profile);
 
+    /// The section that F1 opens the topic of: that of the window in front, or a plugin's help file.
+    QString helpSection() const;
     ClientCore& core() { return *m_core; }
     SupportDesk& supportDesk() { return *m_supportDesk; }
 
-    void lockInterface() override;
-    void unlockInterface() override;
-
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
@@ -56,13 +57,11 @@ private:
     void buildFrame();
     void registerWindows();
     void wireLink();
+    void stopReceiving();
     void loadNavigation();
-    void registerUpdateWindows();
-    bool updaterTakesOver();
-    void askForUpdates();
     bool componentsAreChecked();
-    void showPlugin(const std::string& plugin, const std::string& menuItem);
-    void startGame(std::int32_t profileId);
+    void showPlugin(const std::string& plugin, const std::string& menuItem, const ChosenProfile& profile);
+    void startGame(const ChosenProfile& profile);
     void leave(WorkingWindow& window);
     void closeFront();
     void showHelp(const std::filesystem::path& file, const QString& topic);
@@ -72,6 +71,7 @@ private:
     qrvrcLogin& login();
 
     std::unique_ptr<Dialogs> m_ownBoxes;
+    FrameLock m_lock;
     std::unique_ptr<ClientCore> m_core;
     std::unique_ptr<SupportDesk> m_supportDesk;
     std::unique_ptr<LoginExchange> m_exchange;
@@ -79,12 +79,12 @@ private:
     std::unique_ptr<qrvrcHelpViewer> m_helpViewer;
     QWidget* m_pages = nullptr; ///< holds the working windows
     QPointer<WorkingWindow> m_front;
+    std::optional<QString> m_pluginHelp; ///< help file of the plugin whose tab is in front; none for our own windows
+    ChosenProfile m_opened;              ///< the profile for which a window is being opened
     qrvrcMenu* m_menu = nullptr;
     qrvrcProgress* m_progress = nullptr;
     Housekeeping* m_housekeeping = nullptr;
-    UpdateAgent* m_updateAgent = nullptr;
-    std::unique_ptr<UpdateOptions> m_options;
     std::string m_version;
-    RestartOrder m_restart;
-    int m_locks = 0;
+    std::unique_ptr<FrameUpdates> m_updates;
+    std::unique_ptr<Notices> m_notices;
 };

@@ -7,31 +7,37 @@
 
 namespace {
 
-WaitEnd awaitReply(clsWinSock& link)
+WaitEnd awaitAnswer(clsWinSock& link)
 {
     const QPointer<clsWinSock> alive(&link);
-    const WaitEnd end = EventWait(link.replyLimit)
-                            .endsOn(&link, &clsWinSock::replyHandled, WaitEnd::Replied)
-                            .endsOn(&link, &clsWinSock::linkLost, WaitEnd::LinkDropped)
+    const bool isRaw = link.pending() && link.pending()->name == rawRequestName;
+    const WaitEnd end = EventWait(isRaw ? link.rawLimit : link.replyLimit)
+                            .endsOn(&link, &clsWinSock::answered, WaitEnd::Done)
+                            .endsOn(&link, &clsWinSock::linkLost, WaitEnd::Broken)
+                            .endsOn(&link, &clsWinSock::requestForgotten, WaitEnd::TimedOut)
                             .restartsLimitOn(&link, &clsWinSock::chunkArrived)
-                            .stopsLimitOn(&link, &clsWinSock::replyComplete)
+                            .stopsLimitOn(&link, &clsWinSock::answering)
                             .run();
-    if (end == WaitEnd::TimedOut && alive)
+    if (end == WaitEnd::TimedOut && alive && link.pending())
         link.giveUp();
-    return alive ? end : WaitEnd::LinkDropped;
+    return alive ? end : WaitEnd::Broken;
 }
 
 } // namespace
 
-WaitEnd ask(clsWinSock& link, const Request& request)
+WaitEnd untilFree(clsWinSock& link)
 {
-    while (link.isAwaitingReply()) {
-        const WaitEnd end = awaitReply(link);
-        if (end != WaitEnd::Replied)
-            return end;
+    while (link.pending()) {
+        if (awaitAnswer(link) == WaitEnd::Broken)
+            return WaitEnd::Broken;
     }
-    if (!link.isConnected())
-        return WaitEnd::LinkDropped; // nothing is sent, so nothing will answer
-    link.SendData(request.name, request.head, request.tail);
-    return awaitReply(link);
+    return link.isConnected() ? WaitEnd::Done : WaitEnd::Broken;
+}
+
+WaitEnd ask(clsWinSock& link, const Request& request, PendingRequest::Asked asked)
+{
+    if (untilFree(link) != WaitEnd::Done)
+        return WaitEnd::Broken; // nothing is sent, so nothing will answer
+    link.send(request, asked);
+    return awaitAnswer(link);
 }

@@ -1,49 +1,51 @@
 #include "link/LoginExchange.h"
 
-#include "diagnostics/Reporter.h"
+#include "diagnostics/report/Reporter.h"
 #include "link/Ask.h"
 #include "link/Request.h"
-#include "link/clsWinSock.h"
 
 using namespace Qt::StringLiterals;
 
-LoginExchange::LoginExchange(clsWinSock& link, Session& session, Reporter& reporter,
-                             std::function<Credentials()> credentials, std::string version)
+LoginExchange::LoginExchange(clsWinSock& link, Reporter& reporter, std::function<bool()> isStatusKnown,
+                             std::string version)
     : m_link(link),
-      m_session(session),
       m_reporter(reporter),
-      m_credentials(std::move(credentials)),
+      m_isStatusKnown(std::move(isStatusKnown)),
       m_version(std::move(version))
 {
     // Behind the socket's own signal: the exchange waits, and must not do so on the socket's stack.
     connect(&m_link, &clsWinSock::connected, this, &LoginExchange::run, Qt::QueuedConnection);
-    connect(&m_link, &clsWinSock::loginFailed, this, [this](const std::string& text) {
-        m_failed = true;
-        m_reporter.reportHostText(MessageKind::Failed, text);
-    });
-    connect(&m_link, &clsWinSock::loginSucceeded, this, [this] { m_succeeded = true; });
+    connect(
+        &m_link, &clsWinSock::loginFailed, this,
+        [this](const std::string& text) { m_reporter.reportHostText(MessageKind::Failed, text); },
+        Qt::QueuedConnection);
 }
 
 void LoginExchange::run()
 {
-    m_failed = false;
-    m_succeeded = false;
-    const Credentials credentials = m_credentials();
-    const WaitEnd end = ask(m_link, loginRequest(credentials.user, credentials.password, m_version));
-    if (end == WaitEnd::TimedOut || m_failed)
-        return; // already said
-    if (end == WaitEnd::LinkDropped) {
-        if (!m_session.quitting && m_link.state() == SocketState::PeerClosing)
-            m_reporter.ReportMsg(MessageKind::Failed,
-                                 u"The host closed the connection before it answered the login."_s);
+    if (m_link.phase() != LinkPhase::LoggingIn)
+        return; // closed again before its turn came
+    const Connection account = m_link.connection();
+    const WaitEnd end = ask(m_link, loginRequest(account.user, account.password, m_version));
+    if (end == WaitEnd::Broken && m_link.state() == SocketState::PeerClosing)
+        m_reporter.ReportMsg(MessageKind::Failed, u"The host closed the connection before it answered the login."_s);
+    if (end != WaitEnd::Done || askStatus() != WaitEnd::Done)
         return;
-    }
-    if (!m_succeeded) {
-        m_link.close();
-        m_reporter.ReportMsg(MessageKind::Failed,
-                             u"The host did not answer the login as a tracker does. Please check host and port."_s);
-        return;
-    }
-    if (ask(m_link, getStatusRequest(m_credentials().user)) == WaitEnd::Replied && m_link.isConnected())
+    askMissedStatus();
+    if (m_link.isLoggedIn())
         Q_EMIT completed();
+}
+
+void LoginExchange::askMissedStatus()
+{
+    if (!m_isAskingStatus && m_link.isLoggedIn() && !m_isStatusKnown())
+        (void)askStatus();
+}
+
+WaitEnd LoginExchange::askStatus()
+{
+    m_isAskingStatus = true;
+    const WaitEnd end = ask(m_link, getStatusRequest(m_link.connection().user));
+    m_isAskingStatus = false;
+    return end;
 }

@@ -7,37 +7,34 @@
 
 class clsWinSock;
 class Reporter;
-struct Session;
+enum class WaitEnd;
 
-struct Credentials
-{
-    std::string user;
-    std::string password;
-};
-
-/// What follows a connection: "Login", and after its success "GetStatus". Each connection gets one exchange.
+/// What follows a connection: "Login", and after its success "GetStatus", for the account that Connect named.
 class LoginExchange : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param credentials  asked for when the link is up, in the host's code page
-    /// @param version      four-part file version of the client's executable
-    LoginExchange(clsWinSock& link, Session& session, Reporter& reporter, std::function<Credentials()> credentials,
-                  std::string version);
+    /// Link and reporter outlive the exchange.
+    /// @param isStatusKnown  whether what the tracker answered to "GetStatus" on this connection could be used
+    /// @param version        four-part file version of the client's executable
+    LoginExchange(clsWinSock& link, Reporter& reporter, std::function<bool()> isStatusKnown, std::string version);
+
+    /// Asks for the tracker's status once more when somebody is logged in and it is not known, and waits for the
+    /// answer. Does nothing while the first one is still awaited.
+    void askMissedStatus();
 
 Q_SIGNALS:
-    /// The account is logged in and the tracker's status has been handled.
+    /// The account is logged in and the tracker has answered for its status, whether or not that could be used.
     void completed();
 
 private:
     void run();
+    WaitEnd askStatus();
 
     clsWinSock& m_link;
-    Session& m_session;
     Reporter& m_reporter;
-    std::function<Credentials()> m_credentials;
+    std::function<bool()> m_isStatusKnown;
     std::string m_version;
-    bool m_failed = false;    ///< the tracker refused the login of this connection, and the user knows
-    bool m_succeeded = false; ///< the tracker accepted it
+    bool m_isAskingStatus = false;
 };

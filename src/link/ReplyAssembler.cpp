@@ -1,5 +1,6 @@
 #include "link/ReplyAssembler.h"
 
+#include "base/Base64.h"
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 
@@ -107,5 +108,6 @@ LoginSuccess decodeLoginSuccess(std::string_view reply)
     const std::size_t start = std::min(reply.find("[ST]Success_"), reply.size());
     const FieldList fields(std::string(reply.substr(start)), '_');
     const std::string_view port = fields.at(4);
+    base64::decode(without(fields.at(3), endMarker)); // only to know now whether it can be done later
     return {.privileges = std::string(fields.at(3)), .supportPort = toInt32(port.substr(0, port.find(endMarker)))};
 }

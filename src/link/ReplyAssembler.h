@@ -46,6 +46,7 @@ private:
 
 /// Gathers the tracker's replies from the chunks in which they arrive, in time linear in their size. A reply is seven
 /// characters of decimal length and one or more messages "[ST]"..."[ND]"; it is complete as soon as an "[ND]" is there.
+/// A length of 10 MB and more has further digits, which are skipped with all else that stands before "[ST]".
 class ReplyAssembler
 {
 public:
@@ -92,7 +93,6 @@ struct LoginSuccess
     bool operator==(const LoginSuccess&) const = default;
 };
 
-/// @throws RuntimeError SubscriptOutOfRange for fewer than five fields, TypeMismatch for a port that is no number,
-/// Overflow for one
-///         that does not fit
+/// @throws RuntimeError SubscriptOutOfRange for fewer than five fields, TypeMismatch for privileges that are no Base64
+///         (an "[ND]" in them is not looked at) and for a port that is no number, Overflow for one that does not fit
 LoginSuccess decodeLoginSuccess(std::string_view reply);

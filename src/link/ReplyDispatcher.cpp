@@ -1,6 +1,6 @@
 #include "link/ReplyDispatcher.h"
 
-#include "diagnostics/Reporter.h"
+#include "diagnostics/report/Reporter.h"
 #include "link/InterfaceLock.h"
 #include "link/StatusReply.h"
 
@@ -18,9 +18,16 @@ void ReplyDispatcher::on(const std::string& request, QObject* owner, Handler han
 
 void ReplyDispatcher::on(const std::string& request, QObject* owner, KeepingHandler handler)
 {
-    if (pendingRequest == request)
-        pendingRequest.clear(); // what is due was asked for by the owner before, and not for this one's purpose
-    m_handlers[request] = {owner, std::move(handler)};
+    Ticket& ticket = m_tickets[request];
+    m_handlers.erase(ticket);
+    ticket = ++m_lastTicket;
+    m_handlers[ticket] = {owner, std::move(handler)};
+}
+
+ReplyDispatcher::Ticket ReplyDispatcher::handlerOf(const std::string& request) const
+{
+    const auto found = m_tickets.find(request);
+    return found == m_tickets.end() ? nobody : found->second;
 }
 
 void ReplyDispatcher::onPluginMessage(QObject* owner, PluginHandler handler)
@@ -29,12 +36,10 @@ void ReplyDispatcher::onPluginMessage(QObject* owner, PluginHandler handler)
     m_pluginHandler = std::move(handler);
 }
 
-void ReplyDispatcher::HandleData(std::string_view body, const ReplyOwner& owner)
+void ReplyDispatcher::HandleData(std::string_view body, const ReplyOwner& owner, Ticket handler)
 {
     const InterfaceLock lock(m_interface);
-    const bool isForPlugin = isPluginMessage(body);
-    const std::string request = std::exchange(pendingRequest, {});
-    if (isForPlugin) {
+    if (isPluginMessage(body)) {
         m_reporter.trap("HandleData", [&] {
             const PluginMessage message = decodePluginMessage(body);
             if (m_pluginOwner)
@@ -42,7 +47,9 @@ void ReplyDispatcher::HandleData(std::string_view body, const ReplyOwner& owner)
         });
         return;
     }
-    const auto found = m_handlers.find(request);
-    if (found != m_handlers.end() && found->second.owner)
-        m_reporter.trap("HandleData", [&] { found->second.handler(body, owner); });
+    const auto found = m_handlers.find(handler);
+    if (found == m_handlers.end() || !found->second.owner)
+        return;
+    const KeepingHandler handle = found->second.handler; // a handler may open the window that registers the next one
+    m_reporter.trap("HandleData", [&] { handle(body, owner); });
 }

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <string>
@@ -13,8 +14,8 @@
 class LockableInterface;
 class Reporter;
 
-/// Hands every message of a logged-in client to the handler that is registered for the pending request. Knows no
-/// feature: rooms register theirs.
+/// Hands every message of a logged-in client to the handler that was registered for the request when it was sent. Knows
+/// no feature: rooms register theirs.
 class ReplyDispatcher : public QObject
 {
 public:
@@ -26,8 +27,8 @@ public:
     ReplyDispatcher(Reporter& reporter, LockableInterface& interface);
 
     /// Registers the handler for replies to `request`; it is called only while `owner` lives. A handler does not wait
-    /// for replies itself; what must follow a reply it schedules. A reply that is due already was asked for by another
-    /// owner and reaches nobody.
+    /// for replies itself; what must follow a reply it schedules. It takes the place of an earlier one, and a reply
+    /// that was asked for before reaches neither.
     void on(const std::string& request, QObject* owner, Handler handler);
     /// The same for a handler that needs the body after it has returned: it is valid while a share in its owner is
     /// held.
@@ -35,14 +36,16 @@ public:
     /// Registers where messages to plugins go.
     void onPluginMessage(QObject* owner, PluginHandler handler);
 
-    /// Handles one message body. Whatever happens in a handler, no request is pending afterwards and the interface is
-    /// unlocked; a RuntimeError is reported under "HandleData".
-    /// @param owner  holds `body`; not null
-    void HandleData(std::string_view body, const ReplyOwner& owner);
+    /// Stands for one registration: what a request takes along, so that its answer reaches who asked and nobody else.
+    using Ticket = std::uint64_t;
+    static constexpr Ticket nobody = 0;
+    /// The handler that replies to `request` have now.
+    Ticket handlerOf(const std::string& request) const;
 
-    /// The name of the request sent last, empty when none is pending. Written by `clsWinSock::SendData`, cleared here
-    /// and when the link leaves the connected state.
-    std::string pendingRequest;
+    /// Handles one message body: a plugin's message goes to the plugins, anything else to `handler`. Whatever happens
+    /// there, the interface is unlocked afterwards; a RuntimeError is reported under "HandleData".
+    /// @param owner  holds `body`; not null
+    void HandleData(std::string_view body, const ReplyOwner& owner, Ticket handler);
 
 private:
     struct Entry
@@ -53,7 +56,9 @@ private:
 
     Reporter& m_reporter;
     LockableInterface& m_interface;
-    std::map<std::string, Entry, std::less<>> m_handlers;
+    std::map<std::string, Ticket> m_tickets; ///< by request name
+    std::map<Ticket, Entry> m_handlers;
+    Ticket m_lastTicket = nobody;
     QPointer<QObject> m_pluginOwner;
     PluginHandler m_pluginHandler;
 };

@@ -3,7 +3,7 @@
 std::string framed(const Request& request)
 {
     std::string text = "[ST]" + request.head;
-    if (request.name != "RCData")
+    if (request.name != rawRequestName)
         text.append("_VB6_").append(request.tail);
     return text += "[ND]";
 }
@@ -22,5 +22,5 @@ Request getStatusRequest(std::string_view user)
 
 Request rawRequest(std::string text)
 {
-    return {"RCData", std::move(text), {}};
+    return {std::string(rawRequestName), std::move(text), {}};
 }

@@ -14,6 +14,9 @@ struct Request
     bool operator==(const Request&) const = default;
 };
 
+/// Name of the requests that other programs queue.
+inline constexpr std::string_view rawRequestName = "RCData";
+
 /// The request as it goes over the wire, markers included. "RCData" carries its head alone.
 std::string framed(const Request& request);
 

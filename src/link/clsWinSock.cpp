@@ -1,8 +1,13 @@
 #include "link/clsWinSock.h"
 
 #include "base/RuntimeError.h"
-#include "link/ReplyDispatcher.h"
 #include "link/Request.h"
+#include "link/StatusReply.h"
+#include "platform/net/HostLookup.h"
+
+#include <QTimer>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -13,48 +18,110 @@ constexpr qint32 progressBytes = 512;
 
 } // namespace
 
-clsWinSock::clsWinSock(Winsock& wsMain, Winsock& wSupport, Session& session, ReplyDispatcher& replies)
+clsWinSock::clsWinSock(Winsock& wsMain, Winsock& wSupport, ReplyDispatcher& replies)
     : m_main(wsMain),
       m_support(wSupport),
-      m_session(session),
       m_replies(replies)
 {
     connect(&m_main, &Winsock::connected, this, &clsWinSock::connected);
     connect(&m_main, &Winsock::dataArrival, this, &clsWinSock::receive);
-    connect(&m_main, &Winsock::stateChanged, this, &clsWinSock::linkStateChanged);
+    connect(&m_main, &Winsock::stateChanged, this, &clsWinSock::followSocket);
     connect(&m_main, &Winsock::failed, this, &clsWinSock::socketFailed);
-    connect(&m_main, &Winsock::closedByPeer, this, [this] {
-        m_session.superAdmin = false;
-        Q_EMIT closedByHost();
-    });
+    connect(&m_main, &Winsock::closedByPeer, this, &clsWinSock::closedByHost);
 }
 
-void clsWinSock::connectTo(const QString& host, quint16 port)
+clsWinSock::~clsWinSock() = default;
+
+const std::string& clsWinSock::user() const
 {
-    m_peer = u"%1:%2"_s.arg(host).arg(port);
-    m_main.connectTo(host, port);
+    static const std::string nobody;
+    return isLoggedIn() ? m_connection.user : nobody;
+}
+
+QString clsWinSock::StatusText() const
+{
+    return statusText(m_phase == LinkPhase::Resolving ? SocketState::ResolvingHost : m_main.state());
+}
+
+void clsWinSock::open(const Connection& connection)
+{
+    close();
+    m_connection = connection;
+    if (m_connection.isAddress)
+        connectSocket();
+    else
+        resolve();
+}
+
+/// Only whether the host is known: the socket connects to its name.
+void clsWinSock::resolve()
+{
+    m_lookup = std::make_unique<HostLookup>();
+    connect(m_lookup.get(), &HostLookup::finished, this, [this] {
+        if (std::exchange(m_lookup, nullptr)->address().isEmpty())
+            refuse(ConnectFault::UnknownHost);
+        else
+            connectSocket();
+    });
+    QTimer::singleShot(lookupLimit, m_lookup.get(), [this] {
+        m_lookup.release()->deleteLater(); // it is the one that calls
+        refuse(ConnectFault::UnknownHost);
+    });
+    setPhase(LinkPhase::Resolving);
+    m_lookup->start(m_connection.host);
+}
+
+void clsWinSock::connectSocket()
+{
+    if (m_connection.port == 0) {
+        refuse(ConnectFault::BadPort);
+        return;
+    }
+    setPhase(LinkPhase::Connecting);
+    m_main.connectTo(m_connection.host, m_connection.port);
+}
+
+void clsWinSock::refuse(ConnectFault fault)
+{
+    setPhase(LinkPhase::Down);
+    Q_EMIT connectFailed(fault);
+}
+
+void clsWinSock::close()
+{
+    m_lookup.reset();
+    m_main.close();
+    setPhase(LinkPhase::Down); // where no socket was opened yet
 }
 
 void clsWinSock::SendData(const std::string& name, const std::string& head, const std::string& tail)
 {
+    send({name, head, tail}, PendingRequest::Asked::ByUser);
+}
+
+void clsWinSock::send(const Request& request, PendingRequest::Asked asked)
+{
     if (!isConnected())
         return;
-    ReplyReceived = false;
-    m_isAwaitingReply = true;
-    m_replies.pendingRequest = name;
-    m_main.send(framed({name, head, tail}));
+    m_pending = {request.name, m_replies.handlerOf(request.name), asked};
+    m_main.send(framed(request));
 }
 
 void clsWinSock::SendDataS(std::string_view text, std::string_view)
 {
     if (m_support.state() == SocketState::Connected) {
-        ReplyReceived = false;
+        m_isSupportAwaited = true;
         m_support.send(text);
     }
 }
 
 void clsWinSock::giveUp()
 {
+    if (m_pending && m_pending->name == rawRequestName) {
+        m_pending.reset();
+        Q_EMIT requestForgotten();
+        return;
+    }
     breakOff(u"The tracker has not answered for %1 seconds. The connection was closed."_s.arg(
         std::chrono::duration_cast<std::chrono::seconds>(replyLimit).count()));
 }
@@ -63,24 +130,30 @@ void clsWinSock::breakOff(const QString& text)
 {
     if (!isConnected())
         return;
-    m_main.close();
+    close();
     Q_EMIT hostUnusable(text);
 }
 
-void clsWinSock::linkStateChanged(SocketState state)
+void clsWinSock::setPhase(LinkPhase phase)
 {
+    if (std::exchange(m_phase, phase) != phase)
+        Q_EMIT phaseChanged(phase);
+}
+
+void clsWinSock::followSocket(SocketState state)
+{
+    const bool wasConnected = isConnected();
     if (state == SocketState::Connected) {
-        m_wasConnected = true;
         m_assembler.reset();
         m_progressOpen = false;
-    } else if (m_wasConnected) {
-        m_wasConnected = false;
+        setPhase(LinkPhase::LoggingIn);
+    } else if (state == SocketState::Closed || state == SocketState::PeerClosing || state == SocketState::Error) {
         m_assembler.reset();
-        m_replies.pendingRequest.clear();
-        m_isAwaitingReply = false;
-        m_isLoggedIn = false;
-        ReplyReceived = true;
-        Q_EMIT linkLost();
+        m_pending.reset();
+        m_isSupportAwaited = false;
+        setPhase(LinkPhase::Down);
+        if (wasConnected)
+            Q_EMIT linkLost();
     }
 }
 
@@ -92,7 +165,23 @@ void clsWinSock::receive(std::string_view chunk)
         breakOff(u"The tracker sent a reply larger than 256 MiB. The connection was closed."_s);
         return;
     }
-    Q_EMIT chunkArrived();
+    tellProgress();
+    while (std::optional<Reply> reply = m_assembler.take()) {
+        m_progressOpen = false;
+        Q_EMIT replyComplete();
+        handleReply(std::move(*reply));
+        m_isSupportAwaited = false;
+        Q_EMIT replyHandled();
+    }
+    // What was complete and no answer, as a plugin's news, is no sign that the answer is on its way.
+    if (m_assembler.received() > 0)
+        Q_EMIT chunkArrived();
+}
+
+void clsWinSock::tellProgress()
+{
+    if (m_pending && m_pending->asked == PendingRequest::Asked::ByClock)
+        return;
     const qint32 expected = m_assembler.expectedLength();
     const auto received = static_cast<qint32>(m_assembler.received());
     if (expected > progressBytes && !m_progressOpen) {
@@ -101,14 +190,6 @@ void clsWinSock::receive(std::string_view chunk)
     }
     if (expected >= progressBytes)
         Q_EMIT progress(0, received, true);
-    while (std::optional<Reply> reply = m_assembler.take()) {
-        m_progressOpen = false;
-        m_isAwaitingReply = false;
-        Q_EMIT replyComplete();
-        handleReply(std::move(*reply));
-        ReplyReceived = true;
-        Q_EMIT replyHandled();
-    }
 }
 
 void clsWinSock::handleReply(Reply reply)
@@ -116,30 +197,52 @@ void clsWinSock::handleReply(Reply reply)
     const ReplyOwner text = std::make_shared<const std::string>(std::move(reply.text));
     switch (reply.kind) {
     case ReplyKind::LoginFailed:
-        m_session.loggedIn = false;
-        m_main.close();
+        close();
         Q_EMIT loginFailed(loginFailureText(*text));
         return;
     case ReplyKind::LoginSucceeded:
         acceptLogin(*text);
         return;
     case ReplyKind::Messages:
-        if (m_session.loggedIn) {
-            for (const std::string_view body : messagesOf(*text))
-                m_replies.HandleData(body, text);
-        }
+        if (isLoggedIn()) // what is said before belongs to nobody
+            handleMessages(text);
         return;
     }
+}
+
+void clsWinSock::handleMessages(const ReplyOwner& text)
+{
+    std::vector<std::string_view> bodies = messagesOf(*text);
+    if (bodies.empty())
+        bodies.emplace_back(); // a reply without a message is an empty answer
+    for (const std::string_view body : bodies) {
+        // A plugin's message comes at any moment. Only what another program asked for may be answered by one.
+        const bool isAnswer = m_pending && (!isPluginMessage(body) || m_pending->name == rawRequestName);
+        const std::optional<PendingRequest> request = isAnswer ? takePending() : std::nullopt;
+        m_replies.HandleData(body, text, request ? request->handler : ReplyDispatcher::nobody);
+        if (request)
+            Q_EMIT answered();
+    }
+}
+
+std::optional<PendingRequest> clsWinSock::takePending()
+{
+    std::optional<PendingRequest> request = std::exchange(m_pending, {});
+    if (request)
+        Q_EMIT answering();
+    return request;
 }
 
 void clsWinSock::acceptLogin(const std::string& reply)
 {
     try {
         const LoginSuccess success = decodeLoginSuccess(reply);
-        m_session.loggedIn = true;
-        m_isLoggedIn = true;
-        m_session.supportPort = success.supportPort;
+        const bool isAnswer = takePending().has_value();
+        m_supportPort = success.supportPort;
+        setPhase(LinkPhase::LoggedIn);
         Q_EMIT loginSucceeded(success.privileges);
+        if (isAnswer)
+            Q_EMIT answered();
     } catch (const RuntimeError&) {
         breakOff(u"The tracker's answer to the login cannot be understood. The connection was closed."_s);
     }

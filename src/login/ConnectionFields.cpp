@@ -5,13 +5,13 @@
 
 #include <algorithm>
 
-std::optional<std::string_view> firstFault(const ConnectionFields& fields)
+std::optional<std::string_view> firstFault(const ConnectionFields& fields, ProfileKind kind)
 {
     if (trimmed(fields.profile).empty())
         return "Profile Name field is empty!";
-    if (fields.profile.find_first_of("[]\r\n") != std::string::npos)
+    if (fields.profile.find_first_of(kind == ProfileKind::New ? "[]\r\n" : "\r\n") != std::string::npos)
         return "The Profile Name cannot hold brackets or line breaks!";
-    if (trimmed(fields.profile) == "New Profile")
+    if (isSameSection(fields.profile, newProfileName))
         return "Please choose another Profile Name!";
     if (trimmed(fields.host).empty())
         return "Host field is empty!";
@@ -24,14 +24,17 @@ std::optional<std::string_view> firstFault(const ConnectionFields& fields)
     return {};
 }
 
-std::optional<ConnectionFields> storedConnection(std::string_view profile, const std::vector<std::string>& lines)
+ConnectionFields storedConnection(std::string_view profile, const std::vector<std::string>& lines)
 {
-    if (lines.size() < 2)
-        return {};
     const auto valueAt = [&lines](std::size_t index) {
-        return index < lines.size() ? clsMFD::ParseIniKey(lines[index]) : std::string();
+        return lines.size() >= 2 && index < lines.size() ? clsMFD::ParseIniKey(lines[index]) : std::string();
     };
-    return ConnectionFields{std::string(profile), valueAt(0), valueAt(1), valueAt(2), valueAt(3)};
+    return {std::string(profile), valueAt(0), valueAt(1), valueAt(2), valueAt(3)};
+}
+
+std::vector<IniEntry> entriesOf(const ConnectionFields& fields)
+{
+    return {{"Host", fields.host}, {"Port", fields.port}, {"User", fields.user}, {"Pass", fields.password}};
 }
 
 bool isDottedAddress(std::string_view host)

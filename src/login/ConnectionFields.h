@@ -1,10 +1,15 @@
 #pragma once
 
+#include "store/IniText.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+/// The entry for new profiles in the list of profiles; none is stored under it.
+inline constexpr const char* newProfileName = "New Profile";
 
 /// What the login window holds of one connection, as typed, in the code page of the profile store.
 struct ConnectionFields
@@ -18,13 +23,19 @@ struct ConnectionFields
     bool operator==(const ConnectionFields&) const = default;
 };
 
+/// Whether a profile is saved for the first time. A stored one may have a name that a new one may not.
+enum class ProfileKind { New, Stored };
+
 /// The first thing that keeps the fields from being saved and connected, in the words shown to the user.
-std::optional<std::string_view> firstFault(const ConnectionFields& fields);
+std::optional<std::string_view> firstFault(const ConnectionFields& fields, ProfileKind kind);
 
 /// Reads a stored connection by position: host, port, user name, password, whatever their keys are called.
 /// @param lines  "key=value" lines of the profile's section
-/// @return nothing when there are fewer than two lines; fields that are missing are empty
-std::optional<ConnectionFields> storedConnection(std::string_view profile, const std::vector<std::string>& lines);
+/// @return the profile's name, with fields that are empty where lines are missing, all when there are fewer than two
+ConnectionFields storedConnection(std::string_view profile, const std::vector<std::string>& lines);
+
+/// What a profile's section is to hold, in this order. Views into `fields`.
+std::vector<IniEntry> entriesOf(const ConnectionFields& fields);
 
 /// Whether the host is four dotted numbers of at most three digits each, whatever their values.
 bool isDottedAddress(std::string_view host);

@@ -2,45 +2,66 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
-#include "link/ReplyDispatcher.h"
+#include "client/Client.h"
+#include "diagnostics/report/Reporter.h"
 #include "link/clsWinSock.h"
-#include "platform/CodePage.h"
-#include "platform/HostLookup.h"
+#include "platform/system/CodePage.h"
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
-#include "ui/EventWait.h"
 #include "ui/ImageButton.h"
 
 #include <QApplication>
 #include <QComboBox>
+#include <QFormLayout>
+#include <QGridLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
-#include <QScopedValueRollback>
-
-#include <array>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-const QString newProfile = u"New Profile"_s;
+const QString newProfile = QString::fromLatin1(newProfileName);
 constexpr std::string_view storeFile = "\\profiles.ini";
-constexpr auto lookupLimit = 30s;
 
 // Pixels.
+constexpr int pageLeft = 36;
 constexpr int frameWidth = 430;
-constexpr int emblemSide = 128;
-constexpr int rowHeight = 32;
-constexpr int firstRowTop = 32;
-constexpr int fieldLeft = 140;
+constexpr int frameSpacing = 10;
+constexpr QMargins connectMargins(17, 12, 17, 9);
+constexpr QMargins statusMargins(17, 4, 17, 6);
+constexpr int labelWidth = 120; // so that the fields of both frames stand in one line
 constexpr int fieldHeight = 25;
-constexpr int connectFrameHeight = firstRowTop + 6 * rowHeight + 50;
-constexpr int statusFrameHeight = 58;
+constexpr int rowSpacing = 7;
+constexpr int buttonWidth = 120;
+constexpr int buttonSpacing = 15;
+constexpr int emblemSide = 128;
+
+/// Captions on the left, fields on the right.
+QFormLayout* fieldsIn(const QMargins& margins)
+{
+    auto* form = new QFormLayout;
+    form->setContentsMargins(margins);
+    form->setHorizontalSpacing(0);
+    form->setVerticalSpacing(rowSpacing);
+    return form;
+}
+
+void addRow(QFormLayout* form, const QString& name, const QString& caption, QWidget* field)
+{
+    auto* label = new QLabel(caption);
+    label->setObjectName(name);
+    label->setMinimumWidth(labelWidth);
+    label->setBuddy(field);
+    field->setMinimumHeight(fieldHeight);
+    form->addRow(label, field);
+}
 
 } // namespace
 
@@ -51,10 +72,10 @@ qrvrcLogin::qrvrcLogin(Client& client, QWidget* parent)
 {
     setObjectName(u"qrvrcLogin"_s);
     buildControls();
-    placeControls();
+    layOut();
     wireSignals();
     // Behind the constructor: a store that cannot be read is told in a box, which needs the window to stand.
-    QTimer::singleShot(0, this, m_client.reporter.trapped("Login_FormLoad", [this] { loadProfileNames(); }));
+    QTimer::singleShot(0, this, m_client.reporter.trapped("Login_FormLoad", [this] { listProfiles(); }));
     Timer1->start();
 }
 
@@ -63,20 +84,15 @@ void qrvrcLogin::buildControls()
     fmeConnect = new QGroupBox(u"Connect to Server Manager"_s, this);
     fmeConnect->setObjectName(u"fmeConnect"_s);
 
-    auto* profilesLabel = new QLabel(u"Profiles:"_s, fmeConnect);
-    profilesLabel->setGeometry(20, firstRowTop, fieldLeft - 30, fieldHeight);
     cboProfile = new QComboBox(fmeConnect);
     cboProfile->setObjectName(u"cboProfile"_s);
     cboProfile->setAccessibleName(u"Profiles"_s);
-    cboProfile->setGeometry(fieldLeft, firstRowTop, frameWidth - fieldLeft - 20, fieldHeight);
     cboProfile->addItem(newProfile);
-    profilesLabel->setBuddy(cboProfile);
-
-    txtProfile = addField(u"txtProfile"_s, u"Profile Name:"_s, u"lblProfile"_s, 1);
-    txtHost = addField(u"txtHost"_s, u"Host IP/Name:"_s, u"lblHost"_s, 2);
-    txtPort = addField(u"txtPort"_s, u"Port:"_s, u"lblPort"_s, 3);
-    txtUser = addField(u"txtUser"_s, u"Username:"_s, u"lblUser"_s, 4);
-    txtPass = addField(u"txtPass"_s, u"Password:"_s, u"lblPass"_s, 5);
+    txtProfile = newField(u"txtProfile"_s, u"Profile Name"_s);
+    txtHost = newField(u"txtHost"_s, u"Host IP/Name"_s);
+    txtPort = newField(u"txtPort"_s, u"Port"_s);
+    txtUser = newField(u"txtUser"_s, u"Username"_s);
+    txtPass = newField(u"txtPass"_s, u"Password"_s);
     txtPass->setEchoMode(QLineEdit::Password);
 
     cmdConnect = new ImageButton(u"cmdConnect"_s, u"Connect"_s, m_client.pictures, fmeConnect);
@@ -85,12 +101,9 @@ void qrvrcLogin::buildControls()
 
     fmeStatus = new QGroupBox(u"Connection Status"_s, this);
     fmeStatus->setObjectName(u"fmeStatus"_s);
-    auto* caption = new QLabel(u"Status:"_s, fmeStatus);
-    caption->setGeometry(20, 24, fieldLeft - 30, fieldHeight);
     lblStatus = new QLabel(statusText(SocketState::Closed), fmeStatus);
     lblStatus->setObjectName(u"lblStatus"_s);
     lblStatus->setTextFormat(Qt::PlainText);
-    lblStatus->setGeometry(fieldLeft, 24, frameWidth - fieldLeft - 20, fieldHeight);
 
     lblEmblem = new QLabel(this);
     lblEmblem->setPixmap(QApplication::windowIcon().pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
@@ -101,40 +114,60 @@ void qrvrcLogin::buildControls()
     Timer1->setInterval(100ms);
 }
 
-QLineEdit* qrvrcLogin::addField(const QString& name, const QString& caption, const QString& labelName, int row)
+QLineEdit* qrvrcLogin::newField(const QString& name, const QString& meaning)
 {
-    const int top = firstRowTop + row * rowHeight;
-    auto* label = new QLabel(caption, fmeConnect);
-    label->setObjectName(labelName);
-    label->setGeometry(20, top, fieldLeft - 30, fieldHeight);
     auto* field = new QLineEdit(fmeConnect);
     field->setObjectName(name);
-    field->setAccessibleName(caption.chopped(1));
-    field->setGeometry(fieldLeft, top, frameWidth - fieldLeft - 20, fieldHeight);
+    field->setAccessibleName(meaning);
     field->setTextMargins(2, 0, 2, 0);
-    label->setBuddy(field);
     connect(field, &QLineEdit::returnPressed, this, &qrvrcLogin::connectToHost);
     return field;
 }
 
-void qrvrcLogin::placeControls()
+void qrvrcLogin::layOut()
 {
-    const QSize page = parentWidget() ? parentWidget()->size() : QSize(757, 440);
-    const int left = 36;
-    const int top = std::max(8, (page.height() - connectFrameHeight - statusFrameHeight - 10) / 2);
-    const int emblemLeft = left + frameWidth;
-    lblEmblem->setGeometry(emblemLeft, top, page.width() - emblemLeft, connectFrameHeight);
-    fmeConnect->setGeometry(left, top, frameWidth, connectFrameHeight);
-    fmeStatus->setGeometry(left, top + connectFrameHeight + 10, frameWidth, statusFrameHeight);
+    layOutConnect();
+    QFormLayout* status = fieldsIn(statusMargins);
+    addRow(status, {}, u"Status:"_s, lblStatus);
+    fmeStatus->setLayout(status);
 
-    constexpr int width = 120;
-    constexpr int gap = 15;
-    const int buttonTop = firstRowTop + 6 * rowHeight + 8;
-    int x = (frameWidth - 3 * width - 2 * gap) / 2;
-    for (ImageButton* button : {cmdConnect, cmdDisconnect, cmdDelete}) {
-        button->place(QRect(x, buttonTop, width, 30));
-        x += width + gap;
+    auto* page = new QGridLayout(this);
+    page->setContentsMargins(pageLeft, 0, 0, 0);
+    page->setHorizontalSpacing(0);
+    page->setVerticalSpacing(frameSpacing);
+    page->addWidget(fmeConnect, 1, 0);
+    page->addWidget(fmeStatus, 2, 0);
+    page->addWidget(lblEmblem, 1, 1);
+    page->setColumnMinimumWidth(0, frameWidth);
+    page->setColumnStretch(1, 1);
+    for (const int outside : {0, 3})
+        page->setRowStretch(outside, 1);
+}
+
+void qrvrcLogin::layOutConnect()
+{
+    QFormLayout* form = fieldsIn({});
+    addRow(form, {}, u"Profiles:"_s, cboProfile);
+    addRow(form, u"lblProfile"_s, u"Profile Name:"_s, txtProfile);
+    addRow(form, u"lblHost"_s, u"Host IP/Name:"_s, txtHost);
+    addRow(form, u"lblPort"_s, u"Port:"_s, txtPort);
+    addRow(form, u"lblUser"_s, u"Username:"_s, txtUser);
+    addRow(form, u"lblPass"_s, u"Password:"_s, txtPass);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(buttonSpacing);
+    buttons->addStretch();
+    for (const ImageButton* button : {cmdConnect, cmdDisconnect, cmdDelete}) {
+        button->face()->setFixedWidth(buttonWidth);
+        buttons->addWidget(button->face());
     }
+    buttons->addStretch();
+
+    auto* rows = new QVBoxLayout(fmeConnect);
+    rows->setContentsMargins(connectMargins);
+    rows->setSpacing(2 * rowSpacing);
+    rows->addLayout(form);
+    rows->addLayout(buttons);
 }
 
 void qrvrcLogin::wireSignals()
@@ -148,46 +181,56 @@ void qrvrcLogin::wireSignals()
             m_client.reporter.trapped("cmdDelete_Click", [this] { deleteProfile(); }));
     connect(Timer1, &QTimer::timeout, this, m_client.reporter.trapped("Login_Timer", [this] { poll(); }));
     connect(&m_client.link, &clsWinSock::linkLost, this, &qrvrcLogin::showNotConnected);
+    connect(&m_client.link, &clsWinSock::connectFailed, this, &qrvrcLogin::tellFault, Qt::QueuedConnection);
 }
 
-void qrvrcLogin::loadProfileNames()
+void qrvrcLogin::listProfiles()
 {
-    try {
-        for (const std::string& name : m_client.store.GetAllIniSections(m_client.folder.path(storeFile))) {
-            const QString text = m_client.codePage.toText(name);
-            if (!text.isEmpty() && cboProfile->findText(text, Qt::MatchFixedString) < 0)
-                cboProfile->addItem(text);
-        }
-    } catch (const RuntimeError&) {
-        m_storeFailed = true;
-        throw;
+    QStringList names{newProfile};
+    for (const std::string& name : m_client.store.GetAllIniSections(m_client.folder.path(storeFile))) {
+        if (!name.empty() && !isSameSection(name, newProfileName))
+            names += m_client.codePage.toText(name);
     }
+    const QSignalBlocker quiet(cboProfile); // the user has chosen nothing
+    cboProfile->clear();
+    cboProfile->addItems(names);
+}
+
+int qrvrcLogin::indexOf(std::string_view profile) const
+{
+    int index = cboProfile->count() - 1;
+    while (index > 0 && !isSameSection(m_client.codePage.toBytes(cboProfile->itemText(index)), profile))
+        --index;
+    return index;
+}
+
+std::optional<QString> qrvrcLogin::chosenProfile() const
+{
+    return cboProfile->currentIndex() > 0 ? std::optional(cboProfile->currentText()) : std::nullopt;
 }
 
 void qrvrcLogin::profileClicked()
 {
-    const QString name = cboProfile->currentText();
-    txtProfile->setEnabled(name == newProfile);
-    if (name == newProfile) {
-        for (QLineEdit* field : {txtProfile, txtHost, txtPort, txtUser, txtPass})
-            field->clear();
+    const std::optional<QString> chosen = chosenProfile();
+    txtProfile->setEnabled(!chosen);
+    // First of all, so that nothing of another profile stands under this name when the store cannot be read.
+    for (QLineEdit* field : {txtProfile, txtHost, txtPort, txtUser, txtPass})
+        field->clear();
+    if (!chosen)
         return;
-    }
-    const std::string section = m_client.codePage.toBytes(name);
-    const auto stored =
+    txtProfile->setText(*chosen);
+    const std::string section = m_client.codePage.toBytes(*chosen);
+    const ConnectionFields stored =
         storedConnection(section, m_client.store.GetIniSection(section, m_client.folder.path(storeFile)));
-    if (!stored)
-        return;
-    txtProfile->setText(name);
-    txtHost->setText(m_client.codePage.toText(stored->host));
-    txtPort->setText(m_client.codePage.toText(stored->port));
-    txtUser->setText(m_client.codePage.toText(stored->user));
-    txtPass->setText(m_client.codePage.toText(stored->password));
+    txtHost->setText(m_client.codePage.toText(stored.host));
+    txtPort->setText(m_client.codePage.toText(stored.port));
+    txtUser->setText(m_client.codePage.toText(stored.user));
+    txtPass->setText(m_client.codePage.toText(stored.password));
 }
 
 void qrvrcLogin::profileTextChanged()
 {
-    setFieldsEnabled(cboProfile->currentText() == newProfile);
+    setFieldsEnabled(!chosenProfile());
 }
 
 void qrvrcLogin::setFieldsEnabled(bool enabled)
@@ -198,10 +241,8 @@ void qrvrcLogin::setFieldsEnabled(bool enabled)
 
 bool qrvrcLogin::chooseProfile(const QString& name)
 {
-    if (cboProfile->count() == 1)
-        m_client.reporter.trap("Login_FormLoad", [this] { loadProfileNames(); });
-    const int index = cboProfile->findText(name);
-    if (index < 1)
+    const int index = m_client.codePage.firstForeign(name).isEmpty() ? indexOf(m_client.codePage.toBytes(name)) : 0;
+    if (index == 0)
         return false;
     cboProfile->setCurrentIndex(index);
     return m_client.reporter.trap("cboProfile_Click", [this] { profileClicked(); });
@@ -214,17 +255,9 @@ std::string qrvrcLogin::bytesOf(const QLineEdit* field) const
 
 ConnectionFields qrvrcLogin::fields() const
 {
-    return {bytesOf(txtProfile), bytesOf(txtHost), bytesOf(txtPort), bytesOf(txtUser), bytesOf(txtPass)};
-}
-
-Credentials qrvrcLogin::credentials() const
-{
-    return {bytesOf(txtUser), bytesOf(txtPass)};
-}
-
-QString qrvrcLogin::host() const
-{
-    return m_client.codePage.toText(hostToConnect(bytesOf(txtHost)));
+    const std::optional<QString> chosen = chosenProfile();
+    const std::string profile = chosen ? m_client.codePage.toBytes(*chosen) : bytesOf(txtProfile);
+    return {std::string(trimmed(profile)), bytesOf(txtHost), bytesOf(txtPort), bytesOf(txtUser), bytesOf(txtPass)};
 }
 
 QString qrvrcLogin::foreignCharacter() const
@@ -243,7 +276,8 @@ void qrvrcLogin::connectToHost()
         return;
     m_client.reporter.trap("cmdConnect_Click", [this] {
         const ConnectionFields typed = fields();
-        if (const auto fault = firstFault(typed)) {
+        const ProfileKind kind = chosenProfile() ? ProfileKind::Stored : ProfileKind::New;
+        if (const auto fault = firstFault(typed, kind)) {
             m_client.reporter.ReportMsg(MessageKind::Failed,
                                         QString::fromLatin1(fault->data(), static_cast<qsizetype>(fault->size())));
             return;
@@ -253,107 +287,74 @@ void qrvrcLogin::connectToHost()
                                         u"The character '%1' cannot be sent to the host!"_s.arg(foreign));
             return;
         }
+        // Before fields and Connect are disabled: they would hand the keyboard on to Disconnect, for the next Return.
+        cboProfile->setFocus();
         saveProfile(typed);
         cmdConnect->setEnabled(false);
         const std::string host = hostToConnect(typed.host);
-        if (!isDottedAddress(host) && !isKnownHost(host))
-            return;
-        const auto port = portNumber(typed.port);
-        if (!port) {
-            m_client.reporter.ReportMsg(MessageKind::Failed, u"Invalid Port format!"_s);
-            return;
-        }
-        m_client.link.connectTo(m_client.codePage.toText(host), *port);
+        m_client.link.open({.profile = m_client.codePage.toText(typed.profile),
+                            .host = m_client.codePage.toText(host),
+                            .isAddress = isDottedAddress(host),
+                            .port = portNumber(typed.port).value_or(0),
+                            .user = typed.user,
+                            .password = typed.password});
     });
 }
 
+/// A store that cannot be used is told and keeps nobody from connecting; the profile is not listed then.
 void qrvrcLogin::saveProfile(const ConnectionFields& typed)
 {
-    const QString name = txtProfile->text();
-    const auto write = [&] {
-        const std::filesystem::path file = m_client.folder.path(storeFile);
-        const std::array<std::pair<const char*, const std::string*>, 4> keys{{
-            {"Host", &typed.host},
-            {"Port", &typed.port},
-            {"User", &typed.user},
-            {"Pass", &typed.password},
-        }};
-        for (const auto& [key, value] : keys)
-            m_client.store.WriteIniKey(typed.profile, key, *value, file);
-    };
-    // A store that cannot be used keeps nobody from connecting; it is told once.
-    if (m_storeFailed)
-        return;
-    if (!m_client.reporter.trap("cmdConnect_Click", write)) {
-        m_storeFailed = true;
-        return;
-    }
-    int index = cboProfile->findText(name, Qt::MatchFixedString);
-    if (index < 0) {
-        index = cboProfile->count();
-        cboProfile->addItem(name);
-    }
-    cboProfile->setCurrentIndex(index);
-    txtProfile->setEnabled(false);
+    m_client.reporter.trap("cmdConnect_Click", [&] {
+        m_client.store.WriteIniKeys(typed.profile, entriesOf(typed), m_client.folder.path(storeFile));
+        if (indexOf(typed.profile) == 0)
+            listProfiles();
+        cboProfile->setCurrentIndex(indexOf(typed.profile));
+        txtProfile->setEnabled(!chosenProfile());
+    });
 }
 
-bool qrvrcLogin::isKnownHost(const std::string& host)
+void qrvrcLogin::tellFault(ConnectFault fault)
 {
-    const QScopedValueRollback resolving(m_isResolving, true);
-    HostLookup lookup;
-    lookup.start(m_client.codePage.toText(host));
-    const WaitEnd end = EventWait(lookupLimit)
-                            .endsOn(&lookup, &HostLookup::finished, WaitEnd::Replied)
-                            .endsOn(this, &qrvrcLogin::lookupCancelled, WaitEnd::LinkDropped)
-                            .run();
-    if (end == WaitEnd::LinkDropped)
-        return false;
-    if (lookup.address().isEmpty())
-        m_client.reporter.ReportMsg(MessageKind::Failed, u"Invalid IP format!"_s);
-    return !lookup.address().isEmpty();
+    m_client.reporter.ReportMsg(MessageKind::Failed, fault == ConnectFault::UnknownHost ? u"Invalid IP format!"_s
+                                                                                        : u"Invalid Port format!"_s);
 }
 
 void qrvrcLogin::disconnectFromHost()
 {
-    Q_EMIT lookupCancelled();
-    m_client.replies.pendingRequest.clear();
     Q_EMIT disconnecting();
     m_client.link.closeSupportLink();
     m_client.link.close();
     cmdConnect->setEnabled(true);
     if (isEnabled())
         Form_Activate();
-    m_client.session.superAdmin = false;
-    m_client.session.user.clear();
 }
 
 void qrvrcLogin::deleteProfile()
 {
-    if (cboProfile->currentText() == newProfile) {
+    const std::optional<QString> chosen = chosenProfile();
+    if (!chosen) {
         m_client.reporter.ReportMsg(MessageKind::Failed, u"No Profiles Selected!"_s);
         return;
     }
-    m_client.store.ClearIniSection(bytesOf(txtProfile), m_client.folder.path(storeFile));
-    cboProfile->removeItem(cboProfile->currentIndex());
+    m_client.store.ClearIniSection(m_client.codePage.toBytes(*chosen), m_client.folder.path(storeFile));
+    const int index = cboProfile->currentIndex();
     cboProfile->setCurrentIndex(0);
+    cboProfile->removeItem(index);
     profileClicked();
 }
 
 void qrvrcLogin::poll()
 {
-    const SocketState state = m_client.link.state();
-    m_client.link.StatusText =
-        statusText(state == SocketState::Closed && m_isResolving ? SocketState::ResolvingHost : state);
-    if (state == SocketState::PeerClosing) {
+    if (m_client.link.state() == SocketState::PeerClosing) {
         m_client.link.close();
         return; // the loss of the link has been shown
     }
-    if (state == SocketState::Closed && !m_isResolving) {
-        if (!cmdConnect->isEnabled() || lblStatus->text() != m_client.link.StatusText)
+    if (m_client.link.StatusText() == statusText(SocketState::Closed)) {
+        if (!cmdConnect->isEnabled() || lblStatus->text() != m_client.link.StatusText())
             showNotConnected();
         m_client.link.closeSupportLink();
     }
-    lblStatus->setText(m_client.link.StatusText);
+    lblStatus->setText(m_client.link.StatusText());
     if (m_client.link.isLoggedIn()) // before that the tracker would refuse the connection for what is queued
         m_rawRequests.serve();
 }
@@ -371,7 +372,6 @@ void qrvrcLogin::showNotConnected()
 
 void qrvrcLogin::Form_Activate()
 {
-    m_client.helpSection.clear();
     if (focusWidget())
         focusWidget()->setFocus(); // where the user was
     else

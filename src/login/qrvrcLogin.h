@@ -1,6 +1,5 @@
 #pragma once
 
-#include "link/LoginExchange.h"
 #include "link/RawRequestQueue.h"
 #include "login/ConnectionFields.h"
 #include "ui/WorkingWindow.h"
@@ -12,6 +11,7 @@ class QComboBox;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
+enum class ConnectFault;
 struct Client;
 
 /// Where the administrator chooses or creates a connection profile, connects and disconnects. Also polls the link's
@@ -24,10 +24,6 @@ public:
     /// @param client  outlives the window
     qrvrcLogin(Client& client, QWidget* parent);
 
-    /// User name and password as they stand in the fields now, in the host's code page.
-    Credentials credentials() const;
-    /// The host that Connect connects to.
-    QString host() const;
     /// Chooses a stored profile as the user would; false when there is none of that name.
     bool chooseProfile(const QString& name);
     /// What the Connect button does.
@@ -42,15 +38,19 @@ Q_SIGNALS:
     void notConnected();
     /// The user disconnects; emitted before the link is closed.
     void disconnecting();
-    /// Ends the look-up of a host name.
-    void lookupCancelled();
 
 private:
     void buildControls();
-    void placeControls();
+    QLineEdit* newField(const QString& name, const QString& meaning);
+    void layOut();
+    void layOutConnect();
     void wireSignals();
-    QLineEdit* addField(const QString& name, const QString& caption, const QString& labelName, int row);
-    void loadProfileNames();
+    /// Fills the list from the store. The entry for new profiles is chosen then.
+    void listProfiles();
+    /// Where the list holds this profile, by the store's own rule; 0, the entry for new profiles, when it does not.
+    int indexOf(std::string_view profile) const;
+    /// The stored profile that is chosen in the list, if it is one.
+    std::optional<QString> chosenProfile() const;
     void profileClicked();
     void profileTextChanged();
     void disconnectFromHost();
@@ -61,13 +61,11 @@ private:
     std::string bytesOf(const QLineEdit* field) const;
     QString foreignCharacter() const;
     void saveProfile(const ConnectionFields& fields);
-    bool isKnownHost(const std::string& host);
+    void tellFault(ConnectFault fault);
     void setFieldsEnabled(bool enabled);
 
     Client& m_client;
     RawRequestQueue m_rawRequests;
-    bool m_isResolving = false;
-    bool m_storeFailed = false; ///< the profile store cannot be used, and the user knows
 
     QGroupBox* fmeConnect = nullptr;
     QGroupBox* fmeStatus = nullptr;

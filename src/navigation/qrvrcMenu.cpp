@@ -1,18 +1,20 @@
 #include "navigation/qrvrcMenu.h"
 
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
-#include "link/Session.h"
-#include "navigation/SelectedProfile.h"
-#include "platform/CodePage.h"
+#include "client/Client.h"
+#include "client/SelectedProfile.h"
+#include "diagnostics/report/Reporter.h"
+#include "platform/system/CodePage.h"
 #include "plugins/PluginTable.h"
+#include "ui/BusyPointer.h"
 #include "ui/StripTabBar.h"
 
-#include <QGuiApplication>
+#include <QMouseEvent>
 #include <QResizeEvent>
 #include <QSignalBlocker>
+#include <QTimer>
 
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -50,13 +52,11 @@ public:
         m_focused = m_menu.focusWidget() && m_menu.focusWidget()->hasFocus() ? m_menu.focusWidget() : nullptr;
         for (StripTabBar* strip : {m_menu.tsSection, m_menu.tsMain, m_menu.tsSM})
             strip->setEnabled(false);
-        QGuiApplication::setOverrideCursor(Qt::BusyCursor);
     }
     StripLock(const StripLock&) = delete;
     StripLock& operator=(const StripLock&) = delete;
     ~StripLock()
     {
-        QGuiApplication::restoreOverrideCursor();
         m_menu.unlockStrips();
         if (m_focused && m_focused->isVisible())
             m_focused->setFocus();
@@ -65,10 +65,11 @@ public:
 private:
     qrvrcMenu& m_menu;
     QWidget* m_focused;
+    BusyPointer m_pointer;
 };
 
-qrvrcMenu::qrvrcMenu(Client& client, Permissions& permissions, SelectedProfile& selected, const PluginTable& plugins,
-                     QWidget* parent)
+qrvrcMenu::qrvrcMenu(Client& client, Permissions& permissions, const SelectedProfile& selected,
+                     const PluginTable& plugins, QWidget* parent)
     : QWidget(parent),
       m_client(client),
       m_permissions(permissions),
@@ -96,6 +97,7 @@ void qrvrcMenu::wireStrip(StripTabBar* strip, const char* procedure, void (qrvrc
         if (isLive())
             m_client.reporter.trap(procedure, [this, clicked] { (this->*clicked)(); });
     };
+    strip->installEventFilter(this);
     connect(strip, &QTabBar::currentChanged, this, [run](int index) {
         if (index >= 0)
             run();
@@ -106,9 +108,36 @@ void qrvrcMenu::wireStrip(StripTabBar* strip, const char* procedure, void (qrvrc
     });
 }
 
+/// A click on a locked strip is held back, not lost: the last one is followed when the strip is free.
+bool qrvrcMenu::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* strip = qobject_cast<StripTabBar*>(watched);
+    if (strip && !strip->isEnabled() && event->type() == QEvent::MouseButtonPress) {
+        m_heldStrip = strip;
+        m_heldTab = strip->tabAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+        return true;
+    }
+    if (strip && strip == m_heldStrip && strip->isEnabled() && event->type() == QEvent::EnabledChange)
+        QTimer::singleShot(0, this, &qrvrcMenu::followHeldClick); // behind what was waited for
+    return QWidget::eventFilter(watched, event);
+}
+
+void qrvrcMenu::followHeldClick()
+{
+    if (!m_heldStrip || !m_heldStrip->isEnabled())
+        return; // followed already, or locked again
+    StripTabBar* strip = std::exchange(m_heldStrip, nullptr);
+    if (!strip->isVisible() || m_heldTab < 0 || m_heldTab >= strip->count())
+        return;
+    if (m_heldTab == strip->currentIndex())
+        Q_EMIT strip->tabBarClicked(m_heldTab);
+    else
+        strip->setCurrentIndex(m_heldTab);
+}
+
 bool qrvrcMenu::isLive() const
 {
-    return m_ready && !m_client.session.quitting;
+    return m_ready && !m_client.quitting;
 }
 
 void qrvrcMenu::setReady()
@@ -121,9 +150,7 @@ void qrvrcMenu::LoadMenus(bool loggedIn, std::string_view privileges)
     m_client.reporter.trap("LoadMenus", [&] {
         if (loggedIn) {
             m_permissions = Permissions();
-            m_client.session.superAdmin = false;
             m_permissions = decodePermissions(privileges);
-            m_client.session.superAdmin = m_permissions.isSuper;
             fillMain(true);
             const QSignalBlocker quiet(tsSection);
             tsSection->removeAllTabs();
@@ -133,6 +160,8 @@ void qrvrcMenu::LoadMenus(bool loggedIn, std::string_view privileges)
             resizeEvent(nullptr);
             return;
         }
+        m_permissions.isSuper = false;
+        m_heldStrip = nullptr;
         if (tsSection->count() > 0) {
             const QSignalBlocker quietSection(tsSection);
             const QSignalBlocker quietServerManager(tsSM);
@@ -203,7 +232,7 @@ void qrvrcMenu::sectionClicked()
 
 void qrvrcMenu::openServerManager()
 {
-    if (!m_selected.hasProfiles()) {
+    if (!m_selected.hasProfiles) {
         selectQuietly(tsSection, ProfileManager);
         m_client.reporter.ReportMsg(MessageKind::Error,
                                     u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
@@ -235,11 +264,11 @@ void qrvrcMenu::openProfileManager()
 void qrvrcMenu::serverManagerClicked()
 {
     if (tsSM->key(tsSM->currentIndex()) == adminKey) {
-        m_client.helpSection = u"Profile Admins"_s;
         Q_EMIT windowWanted(adminKey);
         return;
     }
-    if (m_selected.status < 2 || m_selected.status > 4) {
+    const std::optional<ChosenProfile> profile = m_selected.profile;
+    if (!profile || profile->status < 2 || profile->status > 4) {
         selectQuietly(tsSM, 0);
         m_client.reporter.ReportMsg(
             MessageKind::ActionRequired,
@@ -248,10 +277,8 @@ void qrvrcMenu::serverManagerClicked()
     }
     const int index = tsSM->currentIndex();
     const std::string name = m_client.codePage.toBytes(tsSM->key(index));
-    if (const Plugin* plugin = m_plugins.find(name)) {
-        m_client.helpSection = m_client.codePage.toText(plugin->helpFile);
-        Q_EMIT pluginWanted(name, m_client.codePage.toBytes(tsSM->tabText(index)));
-    }
+    if (m_plugins.find(name))
+        Q_EMIT pluginWanted(name, m_client.codePage.toBytes(tsSM->tabText(index)), *profile);
 }
 
 void qrvrcMenu::resizeEvent(QResizeEvent*)

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "navigation/PermissionRecords.h"
+#include "client/PermissionRecords.h"
 
 #include <QWidget>
 
 #include <string_view>
 
 class StripTabBar;
+struct ChosenProfile;
 struct Client;
 struct PluginTable;
 struct SelectedProfile;
@@ -19,7 +20,7 @@ class qrvrcMenu : public QWidget
 
 public:
     /// All outlive the window. `permissions` is written here alone.
-    qrvrcMenu(Client& client, Permissions& permissions, SelectedProfile& selected, const PluginTable& plugins,
+    qrvrcMenu(Client& client, Permissions& permissions, const SelectedProfile& selected, const PluginTable& plugins,
               QWidget* parent);
 
     /// Fills the strips for the logged-in or the logged-out client; logged in, it also turns `privileges` (Base64) into
@@ -35,16 +36,18 @@ public:
 Q_SIGNALS:
     /// The window of that name belongs in front.
     void windowWanted(const QString& name);
-    /// The window that a plugin's tab stands for belongs in front.
-    void pluginWanted(const std::string& plugin, const std::string& menuItem);
+    /// The window that a plugin's tab stands for belongs in front, for the profile that is selected.
+    void pluginWanted(const std::string& plugin, const std::string& menuItem, const ChosenProfile& profile);
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     class StripLock;
 
     void wireStrip(StripTabBar* strip, const char* procedure, void (qrvrcMenu::*clicked)());
+    void followHeldClick();
     void mainClicked();
     void sectionClicked();
     void serverManagerClicked();
@@ -56,9 +59,11 @@ private:
 
     Client& m_client;
     Permissions& m_permissions;
-    SelectedProfile& m_selected;
+    const SelectedProfile& m_selected;
     const PluginTable& m_plugins;
     bool m_ready = false;
+    StripTabBar* m_heldStrip = nullptr; ///< where the last click fell while the strips were locked; null without one
+    int m_heldTab = -1;
     StripTabBar* tsSection;
     StripTabBar* tsMain;
     StripTabBar* tsSM;

@@ -1,10 +1,10 @@
 #include "plugins/ComponentCheck.h"
 
 #include "base/RuntimeError.h"
-#include "link/Client.h"
+#include "client/Client.h"
+#include "link/EventWait.h"
 #include "plugins/ComponentEntries.h"
 #include "store/AppFolder.h"
-#include "ui/EventWait.h"
 
 #include <filesystem>
 

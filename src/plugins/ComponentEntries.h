@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/SystemName.h"
+#include "platform/system/SystemName.h"
 
 #include <string>
 #include <string_view>

@@ -2,13 +2,12 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
+#include "client/Client.h"
+#include "diagnostics/report/Reporter.h"
 #include "link/ReplyDispatcher.h"
-#include "link/Session.h"
 #include "link/StatusReply.h"
 #include "link/clsWinSock.h"
-#include "platform/FileVersion.h"
+#include "platform/system/FileVersion.h"
 #include "plugins/ComponentEntries.h"
 #include "plugins/PluginRules.h"
 #include "plugins/PluginTable.h"
@@ -23,7 +22,7 @@
 namespace {
 
 constexpr std::string_view pluginFolder = "\\Plugins\\";
-constexpr std::size_t maxUnknown = 20; // components that are told of in one run
+constexpr std::size_t maxUnknown = 20; // components that are told of in one login
 constexpr std::string_view gameModule = "\\qrvrcGMF.dll";
 
 std::string classOf(std::string_view base)
@@ -59,7 +58,12 @@ PluginHost::PluginHost(Client& client, PluginTable& table, Components& component
 {
     // What a tracker runs is known for one connection only: behind the names of an earlier one, the next tracker's
     // versions would never be looked at.
-    connect(&m_client.link, &clsWinSock::linkLost, this, [this] { m_table.trackerNames.clear(); });
+    connect(&m_client.link, &clsWinSock::linkLost, this, [this] {
+        m_table.isTrackerKnown = false;
+        m_unknown.clear();
+        if (!m_table.trackerNames.empty())
+            forgetTracker();
+    });
     m_client.replies.on("GetStatus", this, [this](std::string_view body) { showStatus(body); });
     m_client.replies.onPluginMessage(
         this, [this](const std::string& component, const std::string& payload) { passOn(component, payload); });
@@ -142,19 +146,23 @@ void PluginHost::judge(const std::string& file, Plugin& plugin, ComponentObject&
 void PluginHost::forgetTracker()
 {
     m_table.trackerNames.clear();
-    LoadPlugins();
+    // It may take its time, and the account's rights are to be gone by then.
+    QMetaObject::invokeMethod(this, &PluginHost::LoadPlugins, Qt::QueuedConnection);
 }
 
 void PluginHost::showStatus(std::string_view body)
 {
+    std::vector<TrackerPlugin> said;
+    for (const std::string_view entry : splitStatusReply(body))
+        said.push_back(decodeStatusEntry(entry));
     if (m_table.trackerNames.empty())
         m_table.trackerVersions.clear(); // versions of an earlier connection would stand at the wrong positions
-    for (const std::string_view entry : splitStatusReply(body)) {
-        const TrackerPlugin plugin = decodeStatusEntry(entry);
+    for (const TrackerPlugin& plugin : said) {
         m_table.trackerNames.push_back(plugin.name);
         if (plugin.version)
             m_table.trackerVersions.push_back(*plugin.version);
     }
+    m_table.isTrackerKnown = true;
     LoadPlugins();
     if (!m_table.disabled.empty()) {
         m_client.store.UpdateWarning(m_table.updateNeeded + "\r\n\r\nThe following files have been disabled: \r\n" +
@@ -167,12 +175,11 @@ void PluginHost::passOn(const std::string& component, const std::string& payload
     // The name comes from the host: only what is one of the plugins here is created.
     const bool isPlugin = std::any_of(m_table.plugins.begin(), m_table.plugins.end(),
                                       [&component](const Plugin& plugin) { return trimmed(plugin.base) == component; });
+    if (isPlugin)
+        m_components.createObject(classOf(component))->call("RemoteData", {payload});
     // Once is enough to know of: the tracker may send such messages every few seconds, and make up names.
-    if (!isPlugin && (m_unknown.size() >= maxUnknown || !m_unknown.insert(component).second))
-        return;
-    if (!isPlugin)
-        throw RuntimeError(ErrorNumber::CannotCreateObject, component + ".clsPlugin is no plugin of this client");
-    m_components.createObject(classOf(component))->call("RemoteData", {payload});
+    else if (m_unknown.size() < maxUnknown && m_unknown.insert(component).second)
+        Q_EMIT unknownPlugin(component);
 }
 
 void PluginHost::showInterface(const std::string& name, std::int32_t profileId, const std::string& menuItem,
@@ -185,9 +192,9 @@ void PluginHost::showInterface(const std::string& name, std::int32_t profileId, 
     if (!menuItem.empty())
         hideInterface();
     std::array<ComponentValue, 2> privileges = m_access.privileges(name);
-    component->call("SetPrivis", {privileges[0], privileges[1], m_client.session.superAdmin});
+    component->call("SetPrivis", {privileges[0], privileges[1], m_access.isSuper()});
     component->call("LoadInterface", {profileId, static_cast<std::int32_t>(frame.winId()),
-                                      ComponentValue::listOf({menuItem}), m_client.session.user});
+                                      ComponentValue::listOf({menuItem}), m_client.link.user()});
     if (!menuItem.empty())
         m_shown = name;
 }
@@ -198,5 +205,5 @@ void PluginHost::hideInterface()
     if (!plugin)
         return;
     const ObjectRef component = plugin->component;
-    m_client.reporter.trap("frmMenu_tsSM_Click", [&] { component->call("HideInterface", {m_client.session.user}); });
+    m_client.reporter.trap("frmMenu_tsSM_Click", [&] { component->call("HideInterface", {m_client.link.user()}); });
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Component.h"
+#include "platform/components/Component.h"
 
 #include <QObject>
 
@@ -20,6 +20,8 @@ struct ProblemFiles;
 /// What the plugin host needs to know of the account.
 struct PluginAccess
 {
+    /// Whether the account may do everything.
+    std::function<bool()> isSuper;
     /// Whether the account may not use a plugin of that name.
     std::function<bool(const std::string& plugin)> isRestricted;
     /// The two privilege lists of the plugin's permission record, "name=value" each; empty when it has none.
@@ -40,7 +42,8 @@ public:
 
     /// Builds the table anew. A file that cannot be loaded ends the load and is named; what was loaded stays.
     void LoadPlugins();
-    /// Forgets the tracker's plugins and builds the table anew, after a disconnect.
+    /// Forgets the tracker's plugins and builds the table anew, behind what is going on. Happens by itself when the
+    /// link is lost.
     void forgetTracker();
     /// Hands a plugin the account's privileges and shows its window. A window of another plugin that was shown by a
     /// menu item is hidden first.
@@ -55,6 +58,9 @@ public:
 Q_SIGNALS:
     /// The table has been built anew.
     void tableChanged();
+    /// The tracker has sent a message for a plugin that is not here. Told once a login of each, and of a few only.
+    /// @param component  what it named, in the host's code page; not cleaned
+    void unknownPlugin(const std::string& component);
 
 private:
     void loadFiles();
@@ -69,6 +75,6 @@ private:
     const ProblemFiles& m_problems;
     PluginAccess m_access;
     std::string m_clientVersion;
-    std::set<std::string> m_unknown; ///< components that messages named and this client does not have
+    std::set<std::string> m_unknown; ///< components that messages of this connection named and that are not here
     std::string m_shown;             ///< name of the plugin whose window a menu item shows
 };

@@ -31,7 +31,7 @@ struct PluginVerdict
 };
 
 /// @param trackerNames, trackerVersions  what the tracker runs, at matching positions; a version may be missing or
-/// empty
+///                                       empty
 PluginVerdict judgePlugin(const PluginFacts& plugin, const std::vector<std::string>& trackerNames,
                           const std::vector<std::string>& trackerVersions, const InstalledVersions& installed);
 

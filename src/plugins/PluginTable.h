@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Component.h"
+#include "platform/components/Component.h"
 
 #include <algorithm>
 #include <string>
@@ -39,6 +39,8 @@ struct Plugin
 struct PluginTable
 {
     std::vector<Plugin> plugins;
+    /// Whether the tracker has said on this connection which plugins it runs.
+    bool isTrackerKnown = false;
     /// Names and versions of the tracker's plugins, at matching positions.
     std::vector<std::string> trackerNames;
     std::vector<std::string> trackerVersions;

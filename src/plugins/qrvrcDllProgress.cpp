@@ -1,11 +1,11 @@
 #include "plugins/qrvrcDllProgress.h"
 
 #include "base/RuntimeError.h"
-#include "diagnostics/MessageBoxes.h"
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
-#include "platform/CodePage.h"
-#include "platform/SystemName.h"
+#include "client/Client.h"
+#include "diagnostics/report/MessageBoxes.h"
+#include "diagnostics/report/Reporter.h"
+#include "platform/system/CodePage.h"
+#include "platform/system/SystemName.h"
 #include "plugins/ComponentEntries.h"
 #include "store/AppFolder.h"
 #include "ui/CopyActions.h"
@@ -28,8 +28,9 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr QSize usualSize(540, 340);
-constexpr QSize buttonSize(112, 30);
-constexpr int buttonGap = 12;
+constexpr int margin = 16; // pixels, as the next
+constexpr int gap = 12;
+constexpr int buttonWidth = 112;
 constexpr int lineRole = Qt::UserRole; ///< the problem line's bytes
 
 const QString proceedQuestion = u"You still have unregistered ActiveX files!\r\n\r\n"
@@ -79,6 +80,7 @@ qrvrcDllProgress::qrvrcDllProgress(Client& client, const ComponentServices& serv
     if (!parentWidget() || !parentWidget()->isVisible()) // the frame is not there yet at a start
         move(screen()->availableGeometry().center() - rect().center());
     buildControls();
+    layOut();
     buildMenu();
     wireSignals();
 }
@@ -107,32 +109,33 @@ void qrvrcDllProgress::buildControls()
     Timer1->setObjectName(u"Timer1"_s);
     Timer1->setInterval(100ms);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 16, 16, 16);
-    layout->setSpacing(buttonGap);
-    layout->addWidget(Label1);
-    layout->addWidget(ProgressBar1);
-    layout->addWidget(List1, 1);
-    layout->addWidget(Label2);
-    layout->addWidget(buildButtons(), 1, Qt::AlignRight | Qt::AlignBottom);
-    layout->setStretchFactor(List1, 100);
     Timer1->start();
+    const auto button = [this](const QString& name, const QString& caption) {
+        auto* made = new ImageButton(name, caption, m_client.pictures, this);
+        made->setFontSize(9);
+        made->face()->setFixedWidth(buttonWidth);
+        made->setEnabled(false); // there is nothing to decide before all is tested
+        return made;
+    };
+    cmdExport = button(u"cmdExport"_s, u"Export"_s);
+    cmdProceed = button(u"cmdProceed"_s, u"Proceed"_s);
 }
 
-QWidget* qrvrcDllProgress::buildButtons()
+void qrvrcDllProgress::layOut()
 {
-    auto* bar = new QWidget;
-    bar->setFixedSize(2 * buttonSize.width() + buttonGap, buttonSize.height());
-    const auto add = [&](const QString& name, const QString& caption, int left) {
-        auto* button = new ImageButton(name, caption, m_client.pictures, bar);
-        button->setFontSize(9);
-        button->place({QPoint(left, 0), buttonSize});
-        button->setEnabled(false); // there is nothing to decide before all is tested
-        return button;
-    };
-    cmdExport = add(u"cmdExport"_s, u"Export"_s, 0);
-    cmdProceed = add(u"cmdProceed"_s, u"Proceed"_s, buttonSize.width() + buttonGap);
-    return bar;
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(gap);
+    buttons->addStretch();
+    buttons->addWidget(cmdExport->face(), 0, Qt::AlignBottom);
+    buttons->addWidget(cmdProceed->face(), 0, Qt::AlignBottom);
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(margin, margin, margin, margin);
+    all->setSpacing(gap);
+    all->addWidget(Label1);
+    all->addWidget(ProgressBar1);
+    all->addWidget(List1, 100);
+    all->addWidget(Label2);
+    all->addLayout(buttons, 1);
 }
 
 void qrvrcDllProgress::buildMenu()

@@ -53,8 +53,8 @@ public Q_SLOTS:
 
 private:
     void buildControls();
+    void layOut();
     void buildMenu();
-    QWidget* buildButtons();
     void wireSignals();
     void tick();
     void listProblems();

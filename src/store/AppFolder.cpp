@@ -2,8 +2,8 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "platform/PathBytes.h"
-#include "store/FileBytes.h"
+#include "platform/system/FileBytes.h"
+#include "platform/system/PathBytes.h"
 
 #include <algorithm>
 #include <array>

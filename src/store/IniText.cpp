@@ -25,10 +25,7 @@ struct IniLine
     std::size_t textEnd = 0;    ///< behind the line's last character
     std::size_t end = 0;        ///< behind its line end
 
-    bool isSection(std::string_view wanted) const
-    {
-        return kind == LineKind::Section && equalsIgnoringCase(name, wanted);
-    }
+    bool isSection(std::string_view wanted) const { return kind == LineKind::Section && isSameSection(name, wanted); }
     bool isKey(std::string_view wanted) const { return kind == LineKind::Key && equalsIgnoringCase(name, wanted); }
 };
 
@@ -37,7 +34,7 @@ void classify(IniLine& line, std::string_view bytes)
     const std::string_view whole = bytes.substr(line.start, line.textEnd - line.start);
     const std::string_view text = trimmed(whole);
     if (text.starts_with('[')) {
-        if (const auto bracket = text.find(']'); bracket != std::string_view::npos) {
+        if (const auto bracket = text.rfind(']'); bracket != std::string_view::npos) {
             line.kind = LineKind::Section;
             line.name = trimmed(text.substr(1, bracket - 1));
             return;
@@ -135,7 +132,7 @@ bool hasAnyOf(std::string_view text, std::string_view characters)
 void checkBytes(std::string_view bytes, std::string_view name)
 {
     const bool isUtf16 = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
-    if (isUtf16 || bytes.size() > IniText::maxBytes || bytes.find('\0') != std::string_view::npos)
+    if (isUtf16 || bytes.size() > IniText::maxBytes)
         throw RuntimeError(ErrorNumber::InvalidFileFormat, name);
 }
 
@@ -143,7 +140,7 @@ void checkNames(std::string_view section, std::string_view key, std::string_view
 {
     using namespace std::string_view_literals;
     // A key that begins like a section or a comment would be read as one.
-    if (section.empty() || hasAnyOf(section, "[]\r\n\0"sv) || key.empty() || hasAnyOf(key.substr(0, 1), "[;#"sv) ||
+    if (section.empty() || hasAnyOf(section, "\r\n\0"sv) || key.empty() || hasAnyOf(key.substr(0, 1), "[;#"sv) ||
         hasAnyOf(key, "=\r\n\0"sv) || hasAnyOf(value, "\r\n\0"sv))
         throw RuntimeError(ErrorNumber::InvalidProcedureCall, section);
 }
@@ -186,6 +183,11 @@ bool runsOn(std::string_view bytes, std::size_t start)
 
 } // namespace
 
+bool isSameSection(std::string_view left, std::string_view right)
+{
+    return equalsIgnoringCase(trimmed(left), trimmed(right));
+}
+
 IniText::IniText(std::string bytes, std::string_view name) : m_bytes(std::move(bytes))
 {
     checkBytes(m_bytes, name);
@@ -194,7 +196,7 @@ IniText::IniText(std::string bytes, std::string_view name) : m_bytes(std::move(b
 std::optional<std::string> IniText::value(std::string_view section, std::string_view key) const
 {
     LineReader reader(m_bytes);
-    if (!reader.findSection(trimmed(section)))
+    if (!reader.findSection(section))
         return {};
     while (const std::optional<IniLine> line = reader.nextInSection()) {
         if (line->isKey(trimmed(key)))
@@ -207,7 +209,7 @@ std::vector<std::string> IniText::lines(std::string_view section) const
 {
     std::vector<std::string> result;
     LineReader reader(m_bytes);
-    if (!reader.findSection(trimmed(section)))
+    if (!reader.findSection(section))
         return result;
     while (const std::optional<IniLine> line = reader.nextInSection()) {
         if (line->kind == LineKind::Key)
@@ -235,6 +237,8 @@ void IniText::setValue(std::string_view section, std::string_view key, std::stri
     checkNames(section, key, value);
 
     const Place place = placeFor(m_bytes, section, key);
+    if (place.what == Missing::Section && hasAnyOf(section, "[]")) // not every reader takes them for a part of the name
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall, section);
     const std::string_view lineEnd = lineEndOf(m_bytes);
     std::string text;
     if (place.what != Missing::Nothing && runsOn(m_bytes, place.start))
@@ -252,9 +256,52 @@ void IniText::setValue(std::string_view section, std::string_view key, std::stri
     m_bytes.replace(place.start, place.length, text);
 }
 
+void IniText::setValues(std::string_view section, const std::vector<IniEntry>& entries)
+{
+    IniText changed = *this;
+    for (const auto& [key, value] : entries)
+        changed.setValue(section, key, value);
+    changed.putFirst(section, entries);
+    *this = std::move(changed);
+}
+
+/// Moves the lines of these keys, which are all there, to the front of the section, unless they stand there.
+void IniText::putFirst(std::string_view section, const std::vector<IniEntry>& entries)
+{
+    LineReader reader(m_bytes);
+    const std::optional<IniLine> header = reader.findSection(section);
+    if (!header)
+        return;
+    const std::string lineEnd(lineEndOf(m_bytes));
+    std::vector<std::string> wanted(entries.size());
+    std::string others;
+    std::size_t end = header->end;
+    std::size_t found = 0; // in order, at the front
+    bool isInOrder = true;
+    while (const std::optional<IniLine> line = reader.nextInSection()) {
+        std::string text = m_bytes.substr(line->start, line->end - line->start);
+        end = line->end;
+        const auto entry = std::find_if(entries.begin(), entries.end(),
+                                        [&line](const IniEntry& one) { return line->isKey(trimmed(one.key)); });
+        const auto index = static_cast<std::size_t>(entry - entries.begin());
+        if (line->kind == LineKind::Key && found < entries.size()) {
+            isInOrder = isInOrder && index == found;
+            ++found;
+        }
+        if (entry == entries.end() || !wanted[index].empty()) {
+            others.append(text);
+            continue;
+        }
+        if (line->end == line->textEnd)
+            text.append(lineEnd);
+        wanted[index] = std::move(text);
+    }
+    if (!isInOrder)
+        m_bytes.replace(header->end, end - header->end, join(wanted, {}) + others);
+}
+
 void IniText::removeSection(std::string_view section)
 {
-    section = trimmed(section);
     std::string kept;
     std::size_t keptTo = 0; // of m_bytes, what lies before is in `kept` or removed
     bool removing = false;

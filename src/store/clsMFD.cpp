@@ -2,13 +2,13 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "platform/KernelName.h"
-#include "platform/PathBytes.h"
+#include "platform/system/FileBytes.h"
+#include "platform/system/KernelName.h"
+#include "platform/system/PathBytes.h"
 #include "store/AppFolder.h"
 #include "store/ErrorLogBlock.h"
 #include "store/Expansion.h"
-#include "store/FileBytes.h"
-#include "store/IniText.h"
+#include "store/MarkedText.h"
 #include "store/WebAddress.h"
 
 #include <algorithm>
@@ -21,19 +21,6 @@ constexpr std::string_view errorLogName = "\\ErrorLog.txt";
 constexpr std::string_view settingsFolderName = "\\settings";
 constexpr std::string_view identityName = "\\settings\\installation.id";
 constexpr std::size_t identityDigits = 32;
-
-/// A file that is missing reads as an empty one.
-IniText readIni(const std::filesystem::path& file)
-{
-    std::optional<std::string> bytes = readBytesIfPresent(file, IniText::maxBytes);
-    return bytes ? IniText(*std::move(bytes), bytesOf(file)) : IniText();
-}
-
-void writeIniIfChanged(const std::filesystem::path& file, const IniText& before, const IniText& after)
-{
-    if (after.bytes() != before.bytes())
-        writeBytes(file, after.bytes(), Access::OwnerOnly);
-}
 
 struct LocalTime
 {
@@ -92,35 +79,66 @@ std::optional<std::string> identityIfAny(const clsMFD& store)
 
 clsMFD::clsMFD(const AppFolder& folder, HelperServices services) : m_folder(folder), m_services(std::move(services)) {}
 
+struct clsMFD::IniFile
+{
+    IniText text;
+    bool isWhole = true; ///< writing the text loses nothing that the file holds
+};
+
+/// A file that is missing reads as an empty one.
+clsMFD::IniFile clsMFD::readIni(const Path& file) const
+{
+    std::optional<std::string> bytes = readBytesIfPresent(file, IniText::maxBytes);
+    if (!bytes)
+        return {};
+    CodePageText text{*std::move(bytes)};
+    const std::optional<std::u16string> marked = m_services.toCodePage ? markedText(text.bytes) : std::nullopt;
+    if (marked)
+        text = m_services.toCodePage(*marked);
+    return {IniText(std::move(text.bytes), bytesOf(file)), text.isWhole};
+}
+
+void clsMFD::changeIni(const Path& file, const std::function<void(IniText&)>& change) const
+{
+    const IniFile before = readIni(file);
+    IniText after = before.text;
+    change(after);
+    if (after.bytes() == before.text.bytes())
+        return;
+    if (!before.isWhole)
+        throw RuntimeError(ErrorNumber::InvalidFileFormat,
+                           bytesOf(file) + " is kept as it is, because it holds characters that the code page lacks");
+    writeBytes(file, after.bytes(), Access::OwnerOnly);
+}
+
 std::string clsMFD::GetIniKey(std::string_view section, std::string_view key, const Path& file) const
 {
-    return readIni(file).value(section, key).value_or(std::string());
+    return readIni(file).text.value(section, key).value_or(std::string());
 }
 
 void clsMFD::WriteIniKey(std::string_view section, std::string_view key, std::string_view value, const Path& file) const
 {
-    const IniText before = readIni(file);
-    IniText after = before;
-    after.setValue(section, key, value);
-    writeIniIfChanged(file, before, after);
+    changeIni(file, [&](IniText& text) { text.setValue(section, key, value); });
+}
+
+void clsMFD::WriteIniKeys(std::string_view section, const std::vector<IniEntry>& entries, const Path& file) const
+{
+    changeIni(file, [&](IniText& text) { text.setValues(section, entries); });
 }
 
 std::vector<std::string> clsMFD::GetIniSection(std::string_view section, const Path& file) const
 {
-    return readIni(file).lines(section);
+    return readIni(file).text.lines(section);
 }
 
 std::vector<std::string> clsMFD::GetAllIniSections(const Path& file) const
 {
-    return readIni(file).sectionNames();
+    return readIni(file).text.sectionNames();
 }
 
 void clsMFD::ClearIniSection(std::string_view section, const Path& file) const
 {
-    const IniText before = readIni(file);
-    IniText after = before;
-    after.removeSection(section);
-    writeIniIfChanged(file, before, after);
+    changeIni(file, [&](IniText& text) { text.removeSection(section); });
 }
 
 std::string clsMFD::ParseIniKey(std::string_view line)
@@ -171,32 +189,11 @@ std::string clsMFD::GetUIDStr() const
     return identity;
 }
 
-void clsMFD::LogError(std::string_view program, std::string_view procedure, const RuntimeError& error,
-                      std::int32_t line) const
+/// What is logged and what is reported of an error, as of now.
+ErrorLogBlock clsMFD::blockOf(const ErrorReportRecord& record) const
 {
     const LocalTime now = localTimeNow();
-    const ErrorLogBlock block = {
-        .date = now.date,
-        .time = now.time,
-        .file = std::string(program),
-        .function = std::string(procedure),
-        .line = std::to_string(line),
-        .number = std::to_string(static_cast<std::int32_t>(error.number())),
-        .description = error.description(),
-        .identity = identityIfAny(*this),
-        .system = systemText(),
-    };
-    appendBytes(m_folder.path(errorLogName), formatErrorLogBlock(block));
-}
-
-void clsMFD::SendErrorReport(const ErrorReportRecord& record, std::function<void(bool delivered)> done) const
-{
-    if (!m_services.postErrorReport) {
-        done(false);
-        return;
-    }
-    const LocalTime now = localTimeNow();
-    const ErrorLogBlock block = {
+    return {
         .date = now.date,
         .time = now.time,
         .file = record.program,
@@ -207,8 +204,28 @@ void clsMFD::SendErrorReport(const ErrorReportRecord& record, std::function<void
         .identity = identityIfAny(*this),
         .system = systemText(),
     };
+}
+
+void clsMFD::LogError(std::string_view program, std::string_view procedure, const RuntimeError& error,
+                      std::int32_t line) const
+{
+    const ErrorLogBlock block = blockOf({.number = static_cast<std::int32_t>(error.number()),
+                                         .description = error.description(),
+                                         .program = std::string(program),
+                                         .procedure = std::string(procedure),
+                                         .line = line});
+    appendBytes(m_folder.path(errorLogName), formatErrorLogBlock(block));
+}
+
+void clsMFD::SendErrorReport(const ErrorReportRecord& record, std::function<void(bool delivered)> done) const
+{
+    if (!m_services.postErrorReport) {
+        done(false);
+        return;
+    }
+    const ErrorLogBlock block = blockOf(record);
     m_services.postErrorReport(
-        joinReport(reportFields(block, block.identity.value_or(std::string()), now.date + ' ' + now.time)),
+        joinReport(reportFields(block, block.identity.value_or(std::string()), block.date + ' ' + block.time)),
         std::move(done));
 }
 

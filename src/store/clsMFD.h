@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/IniText.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -10,6 +12,7 @@
 
 class AppFolder;
 class RuntimeError;
+struct ErrorLogBlock;
 
 /// What is reported of one trapped error.
 struct ErrorReportRecord
@@ -18,10 +21,16 @@ struct ErrorReportRecord
     std::string description;
     std::string program; ///< "QRVV3RC.exe " and major.minor.revision
     std::string procedure;
-    std::string flag = "False"; ///< always this text
     std::int32_t line = 0;
 
     bool operator==(const ErrorReportRecord&) const = default;
+};
+
+/// A text in bytes of the code page.
+struct CodePageText
+{
+    std::string bytes;
+    bool isWhole = true; ///< else characters that the code page lacks have become "?"
 };
 
 /// What the helper passes on to parts of the program that lie above the store.
@@ -33,6 +42,8 @@ struct HelperServices
     std::function<void(const std::filesystem::path& file, const std::string& topic)> showHelp;
     /// Posts an already joined fifteen-field report; calls back once with whether the page took it.
     std::function<void(const std::string& report, std::function<void(bool delivered)>)> postErrorReport;
+    /// Brings an INI file that some editor has saved as Unicode into the code page. Without it, UTF-16 is refused.
+    std::function<CodePageText(std::u16string_view text)> toCodePage;
 };
 
 /// The helper: INI files, text files, expansion, the error log and the machine's identity. All texts are bytes in the
@@ -46,13 +57,17 @@ public:
     /// @param folder  where the error log and this installation's identity are kept; outlives the helper
     clsMFD(const AppFolder& folder, HelperServices services);
 
+    /// INI files are read in the code page, and as Unicode when they begin with a byte order mark.
     std::string GetIniKey(std::string_view section, std::string_view key, const Path& file) const;
-    /// Creates file (readable by its owner only), section and key as needed. The file is replaced whole or not at all.
-    /// @throws RuntimeError InvalidFileFormat for a damaged file, which is kept as it is; InvalidProcedureCall for
-    /// names
-    ///         that an INI file cannot hold (empty, brackets or line breaks in a section, "=" or line breaks in a key,
-    ///         line breaks in a value); PermissionDenied, PathNotFound, DiskFull from the disk
+    /// Creates file (readable by its owner only), section and key as needed. The file is replaced whole or not at all,
+    /// and is in the code page then.
+    /// @throws RuntimeError InvalidFileFormat for a file that is too large, or in Unicode with characters that the code
+    ///         page lacks: it is kept as it is; InvalidProcedureCall for names that an INI file cannot hold (empty or
+    ///         line breaks in a section, brackets in a new one, "=" or line breaks in a key, line breaks in a value);
+    ///         PermissionDenied, PathNotFound, DiskFull from the disk
     void WriteIniKey(std::string_view section, std::string_view key, std::string_view value, const Path& file) const;
+    /// The same for several keys in one write. The section begins with them in this order then.
+    void WriteIniKeys(std::string_view section, const std::vector<IniEntry>& entries, const Path& file) const;
     /// The section's lines, each "key=value" with the blanks around both taken off, without comments.
     std::vector<std::string> GetIniSection(std::string_view section, const Path& file) const;
     /// The names of all sections in file order, each once.
@@ -86,6 +101,11 @@ public:
     static std::string validateUrl(std::string_view text);
 
 private:
+    ErrorLogBlock blockOf(const ErrorReportRecord& record) const;
+    struct IniFile;
+    IniFile readIni(const Path& file) const;
+    void changeIni(const Path& file, const std::function<void(IniText&)>& change) const;
+
     const AppFolder& m_folder;
     HelperServices m_services;
 };

@@ -8,12 +8,16 @@
 #include <QPainter>
 #include <QStyleOptionButton>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr qreal disabledOpacity = 0.45;
-constexpr int hoverAlpha = 28; // of 255
+constexpr int usualHeight = 30;  // pixels, as the next
+constexpr int captionMargin = 6; // above and below
+constexpr int hoverAlpha = 28;   // of 255
 constexpr qreal focusFrameWidth = 2;
 constexpr qreal focusFrameInset = 2.5; // pixels from the face's edge to the middle of the frame
 constexpr qreal cornerRadius = 3;
@@ -27,6 +31,15 @@ ButtonFace::ButtonFace(ImageButton& caption, PictureStore& pictures)
 {
     setObjectName(caption.objectName() + u"Img"_s);
     setFocusPolicy(Qt::NoFocus);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize ButtonFace::sizeHint() const
+{
+    if (!m_caption)
+        return {};
+    const QSize caption = m_caption->sizeHint();
+    return {caption.width(), std::max(usualHeight, caption.height() + 2 * captionMargin)};
 }
 
 void ButtonFace::followEnabled()
@@ -73,6 +86,20 @@ void ButtonFace::mousePressEvent(QMouseEvent* event)
 void ButtonFace::mouseReleaseEvent(QMouseEvent* event)
 {
     forward(event);
+}
+
+void ButtonFace::moveEvent(QMoveEvent* event)
+{
+    QWidget::moveEvent(event);
+    if (m_caption)
+        m_caption->layOutCaption();
+}
+
+void ButtonFace::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    if (m_caption)
+        m_caption->layOutCaption();
 }
 
 void ButtonFace::forward(QMouseEvent* event)

@@ -16,6 +16,8 @@ public:
     /// @param caption  the button that this is the face of; shares its parent and its objectName
     ButtonFace(ImageButton& caption, PictureStore& pictures);
 
+    /// What layouts give it: room for the caption on a face of the usual height.
+    QSize sizeHint() const override;
     /// Takes on the caption's own enabled state, as far as the container does not decide it.
     void followEnabled();
 
@@ -27,6 +29,8 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

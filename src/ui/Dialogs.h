@@ -1,6 +1,6 @@
 #pragma once
 
-#include "diagnostics/MessageBoxes.h"
+#include "diagnostics/report/MessageBoxes.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -12,9 +12,6 @@ class Dialogs : public MessageBoxes
 public:
     /// @param mainWindow  may be null; may be destroyed before this
     explicit Dialogs(QWidget* mainWindow = nullptr);
-
-    /// For a main window that is made after its boxes.
-    void setMainWindow(QWidget* mainWindow) { m_mainWindow = mainWindow; }
 
     void show(const QString& title, const QString& text) override;
     bool confirm(const QString& title, const QString& question) override;

@@ -39,6 +39,50 @@ void GridModel::setRows(int count, std::function<GridRow(int)> make)
     endResetModel();
 }
 
+void GridModel::replaceRows(int count, std::function<GridRow(int)> make, const RowMoves& moves)
+{
+    bool areInPlace = count == rowCount();
+    for (int row = 0; areInPlace && row < count; ++row)
+        areInPlace = moves.newRowOf.at(static_cast<std::size_t>(row)) == row;
+    if (!areInPlace)
+        Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
+    keepMade(moves);
+    m_rows.clear();
+    m_make = std::move(make);
+    m_lazyCount = count;
+    if (areInPlace) {
+        tellChanged(moves.changed);
+        return;
+    }
+    for (const QModelIndex& before : persistentIndexList()) {
+        const int row = moves.newRowOf.at(static_cast<std::size_t>(before.row()));
+        changePersistentIndex(before, row < 0 ? QModelIndex() : index(row, before.column()));
+    }
+    Q_EMIT layoutChanged({}, VerticalSortHint);
+}
+
+/// Moves the rows that were made to where they are now, but for those that read differently.
+void GridModel::keepMade(const RowMoves& moves)
+{
+    std::unordered_map<int, GridRow> kept;
+    for (auto& [before, made] : m_made) {
+        const int row = moves.newRowOf.at(static_cast<std::size_t>(before));
+        if (row >= 0 && !std::binary_search(moves.changed.begin(), moves.changed.end(), row))
+            kept.emplace(row, std::move(made));
+    }
+    m_made = std::move(kept);
+}
+
+void GridModel::tellChanged(const std::vector<int>& rows)
+{
+    for (std::size_t first = 0, last = 0; first < rows.size(); first = last + 1) {
+        last = first;
+        while (last + 1 < rows.size() && rows[last + 1] == rows[last] + 1)
+            ++last;
+        Q_EMIT dataChanged(index(rows[first], 0), index(rows[last], columnCount() - 1));
+    }
+}
+
 void GridModel::appendRow(GridRow row)
 {
     const int at = rowCount();

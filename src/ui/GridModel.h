@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/RowMoves.h"
 #include "ui/Twips.h"
 
 #include <QAbstractTableModel>
@@ -52,6 +53,10 @@ public:
     /// nothing. `make` is called at most once a row until the next reset; it owns what it needs, does not throw, and
     /// makes no title rows.
     void setRows(int count, std::function<GridRow(int row)> make);
+    /// The same for rows of which some go on from the ones before: no reset, so selection, current cell and scrolling
+    /// stay with the rows that they are on, and end with those that are gone. Rows that go on and have not changed are
+    /// not made anew.
+    void replaceRows(int count, std::function<GridRow(int row)> make, const RowMoves& moves);
     void appendRow(GridRow row);
     /// Row and column must exist; so for the next two.
     void setText(int row, int column, const QString& text);
@@ -82,6 +87,8 @@ private:
     };
 
     GridRow& editableRow(int row);
+    void keepMade(const RowMoves& moves);
+    void tellChanged(const std::vector<int>& rows);
 
     std::vector<Column> m_columns;
     std::vector<GridRow> m_rows;

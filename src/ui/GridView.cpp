@@ -73,6 +73,8 @@ GridView::GridView(const QString& name, QWidget* parent)
     fixRowHeight();
     addCopyActions();
 
+    connect(this, &QAbstractItemView::doubleClicked, this,
+            [this](const QModelIndex& at) { Q_EMIT rowOpened(at.row()); });
     connect(m_model, &QAbstractItemModel::modelReset, this, [this] {
         clearSpans();
         spanTitles(0);
@@ -99,36 +101,48 @@ void GridView::addCopyActions()
     add(u"mnuCopyAll"_s, u"Copy &All"_s, &GridView::copyAll);
 }
 
-bool GridView::viewportEvent(QEvent* event)
+void GridView::setOwnMenu(std::function<void(int row, const QPoint& place)> show)
 {
-    if (event->type() == QEvent::ContextMenu)
-        noteMenuCell(*static_cast<QContextMenuEvent*>(event));
-    return QTableView::viewportEvent(event);
+    m_ownMenu = std::move(show);
 }
 
-void GridView::noteMenuCell(const QContextMenuEvent& event)
+/// @return where the menu belongs on the screen
+QPoint GridView::noteMenuCell(const QContextMenuEvent& event)
 {
-    m_menuCell = event.reason() == QContextMenuEvent::Keyboard ? currentIndex() : indexAt(event.pos());
+    const bool isByKey = event.reason() == QContextMenuEvent::Keyboard;
+    m_menuCell = isByKey ? m_model->index(selectedRow(), currentIndex().column()) : indexAt(event.pos());
     const std::array<bool, 3> possible{m_menuCell.isValid(), selectionModel()->hasSelection(), m_model->rowCount() > 0};
     for (qsizetype at = 0; at < m_copyActions.size(); ++at)
         m_copyActions[at]->setEnabled(possible.at(static_cast<std::size_t>(at)));
+    if (!isByKey || !m_menuCell.isValid())
+        return event.globalPos();
+    scrollTo(m_menuCell);
+    return viewport()->mapToGlobal(visualRect(m_menuCell).bottomLeft());
 }
 
 void GridView::contextMenuEvent(QContextMenuEvent* event)
 {
+    const QPoint place = noteMenuCell(*event);
+    if (m_ownMenu) {
+        if (m_menuCell.isValid())
+            m_ownMenu(m_menuCell.row(), place);
+        return;
+    }
     auto* menu = new QMenu(this);
     menu->setObjectName(u"mnuCopy"_s);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addActions(m_copyActions);
-    menu->popup(event->globalPos());
+    menu->popup(place);
 }
 
 void GridView::keyPressEvent(QKeyEvent* event)
 {
     if (event->matches(QKeySequence::Copy))
-        copyRows();
-    else
-        QTableView::keyPressEvent(event);
+        return copyRows();
+    QTableView::keyPressEvent(event);
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (const int row = selectedRow(); isReturn && !event->isAutoRepeat() && row >= 0)
+        Q_EMIT rowOpened(row);
 }
 
 void GridView::copyCell() const

@@ -6,6 +6,7 @@
 #include <QPersistentModelIndex>
 #include <QTableView>
 
+#include <functional>
 #include <span>
 #include <string>
 
@@ -35,8 +36,16 @@ public:
     void setEmptyText(const QString& text);
     /// Paints the grid over a picture, which its white parts let through. `pictures` outlives the view.
     void setBackground(PictureStore& pictures, std::string layoutName);
-    /// "Copy Cell", "Copy Row" and "Copy All", for a window that gives the grid a context menu of its own.
+    /// In place of the copy menu `show` is called, with the row that the menu is about (the one under the pointer, or
+    /// the selected one when a key asked for it) and its place on the screen; not where there is no row.
+    void setOwnMenu(std::function<void(int row, const QPoint& place)> show);
+    /// "Copy Cell", "Copy Row" and "Copy All", for such a menu.
     const QList<QAction*>& copyActions() const { return m_copyActions; }
+
+Q_SIGNALS:
+    /// The user wants what stands behind the row: a double click on it, or Return while it is selected. Never a single
+    /// click, whatever the desktop is set to.
+    void rowOpened(int row);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -44,11 +53,10 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
-    bool viewportEvent(QEvent* event) override;
 
 private:
     void addCopyActions();
-    void noteMenuCell(const QContextMenuEvent& event);
+    QPoint noteMenuCell(const QContextMenuEvent& event);
     void copyCell() const;
     void copyRows() const;
     void copyAll() const;
@@ -61,6 +69,7 @@ private:
     GridDelegate* m_delegate;
     QList<QAction*> m_copyActions;
     QPersistentModelIndex m_menuCell; ///< where the context menu was asked for
+    std::function<void(int row, const QPoint& place)> m_ownMenu;
     QString m_emptyText;
     PictureStore* m_pictures = nullptr;
     std::string m_background;

@@ -8,11 +8,9 @@
 
 namespace {
 
-constexpr Twips captionIndent = 75_twips;     // from the face's left edge
-constexpr Twips pressedRight = 20_twips;      // a pressed caption moves right
-constexpr Twips pressedDown = 50_twips;       // and down
-constexpr Twips movedCaptionLeft = 80_twips;  // a moved button's caption, from the face's left edge
-constexpr Twips movedCaptionDown = 120_twips; // and from its top edge
+constexpr Twips captionIndent = 75_twips; // from the face's left edge
+constexpr Twips pressedRight = 20_twips;  // a pressed caption moves right
+constexpr Twips pressedDown = 50_twips;   // and down
 
 constexpr qreal disabledOpacity = 0.55;
 
@@ -46,13 +44,6 @@ QWidget* ImageButton::face() const
 void ImageButton::place(const QRect& faceRect)
 {
     m_face->setGeometry(faceRect);
-    layOutCaption();
-}
-
-void ImageButton::moveTo(int left, int top)
-{
-    m_face->move(left, top);
-    move(left + movedCaptionLeft.pixels(), top + movedCaptionDown.pixels());
 }
 
 void ImageButton::setFontSize(int points)

@@ -8,7 +8,8 @@ class PictureStore;
 
 /// A push button drawn from pictures: two sibling widgets, the caption (this one, named N) over the face (named N with
 /// "Img" behind it). Both take the mouse; the caption takes the keyboard and is what screen readers see. Enabling,
-/// showing, hiding and deleting the caption does the same to its face. Laid out by `place`, not by layouts.
+/// showing, hiding and deleting the caption does the same to its face. The face is what a layout holds; the caption
+/// follows where the face goes.
 class ImageButton : public QAbstractButton
 {
     Q_OBJECT
@@ -20,13 +21,12 @@ public:
     ImageButton(const QString& name, const QString& caption, PictureStore& pictures, QWidget* container);
     ~ImageButton() override;
 
-    /// Puts the face at `faceRect` (pixels of the container) and the caption where it belongs on it.
+    /// Puts the face at `faceRect`, in pixels of the container, where no layout does.
     void place(const QRect& faceRect);
-    /// Moves the face to (left, top) in pixels of the container, and the caption 80 twips right and 120 below that.
-    void moveTo(int left, int top);
     /// Sets the caption's font size in points.
     void setFontSize(int points);
 
+    /// The item for layouts.
     QWidget* face() const;
     QSize sizeHint() const override;
     void setVisible(bool visible) override;

@@ -28,9 +28,8 @@ public:
     using MissingReport = std::function<void(const std::string& layoutName)>;
 
     /// @param folder         outlives the store
-    /// @param reportMissing  called once a run for each picture that was wanted and cannot be shown, from the event
-    /// loop
-    ///                       and never from inside the call that wanted it, so it may open a box; may be empty
+    /// @param reportMissing  called once a run for each picture that was wanted and cannot be shown; from the event
+    ///                       loop, never from inside the call that wanted it, so it may open a box; may be empty
     explicit PictureStore(const AppFolder& folder, MissingReport reportMissing = {});
 
     /// The picture in its own size; null when there is none, when it breaks a bound or does not decode.

@@ -15,6 +15,30 @@ public:
     /// Replaces what was known under `name`, but not a window that exists.
     void add(const QString& name, std::function<QWidget*()> create);
 
+    /// The same for a window class, whose name is the name.
+    template <typename Window>
+    void add(std::function<Window*()> create)
+    {
+        add(nameOf<Window>(), std::function<QWidget*()>(std::move(create)));
+    }
+    /// The window of that class; null where the name gives null.
+    template <typename Window>
+    Window* window()
+    {
+        return qobject_cast<Window*>(window(nameOf<Window>()));
+    }
+    template <typename Window>
+    Window* existing() const
+    {
+        return qobject_cast<Window*>(existing(nameOf<Window>()));
+    }
+    template <typename Window>
+    static QString nameOf()
+    {
+        static_assert(QtPrivate::HasQ_OBJECT_Macro<Window>::Value, "without it the class goes by its base's name");
+        return QString::fromLatin1(Window::staticMetaObject.className());
+    }
+
     /// The window, created when there is none. Null for an unknown name, and for a window that is being created and
     /// whose maker asks for it.
     QWidget* window(const QString& name);

@@ -16,6 +16,9 @@ public:
 
     using QWidget::QWidget;
 
+    /// Name of the section by which F1 finds its topic; empty for a window without one, "IGNORE" while F1 is to do
+    /// nothing.
+    virtual QString helpSection() const { return {}; }
     /// Called whenever the window has become the one in front, also when it already was and its tab is used again.
     virtual void Form_Activate() {}
     /// Called when another window has taken its place.

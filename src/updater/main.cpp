@@ -2,9 +2,9 @@
 // client again. The client starts it without arguments, in the program folder.
 
 #include "base/RuntimeError.h"
-#include "platform/StandardStreams.h"
+#include "platform/system/FileBytes.h"
+#include "platform/system/StandardStreams.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "updater/UpdaterSystem.h"
 #include "updates/InstallUpdates.h"
 #include "updates/UpdateTargets.h"

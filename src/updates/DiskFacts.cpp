@@ -1,8 +1,8 @@
 #include "updates/DiskFacts.h"
 
-#include "platform/FileVersion.h"
+#include "platform/system/FileBytes.h"
+#include "platform/system/FileVersion.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "store/IniText.h"
 #include "updates/UpdateTargets.h"
 

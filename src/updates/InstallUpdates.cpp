@@ -2,9 +2,9 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "platform/PathBytes.h"
+#include "platform/system/FileBytes.h"
+#include "platform/system/PathBytes.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "store/IniText.h"
 #include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"

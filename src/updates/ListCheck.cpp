@@ -1,7 +1,7 @@
 #include "updates/ListCheck.h"
 
 #include "base/RuntimeError.h"
-#include "platform/Inet.h"
+#include "platform/net/Inet.h"
 #include "updates/DiskFacts.h"
 
 #include <QElapsedTimer>

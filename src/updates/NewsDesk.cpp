@@ -2,9 +2,9 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "link/Client.h"
-#include "platform/CodePage.h"
-#include "platform/Inet.h"
+#include "client/Client.h"
+#include "platform/net/Inet.h"
+#include "platform/system/CodePage.h"
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
 #include "updates/NewsFrequency.h"

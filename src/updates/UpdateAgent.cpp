@@ -1,6 +1,6 @@
 #include "updates/UpdateAgent.h"
 
-#include "ui/EventWait.h"
+#include "link/EventWait.h"
 #include "updates/ListCheck.h"
 #include "updates/NewsDesk.h"
 
@@ -47,8 +47,8 @@ void UpdateAgent::setAutomatic(bool automatic)
 bool UpdateAgent::isAvailable(const CheckOrder& order)
 {
     ListCheck check(m_services, order, m_services.startLimit);
-    const WaitEnd end = EventWait().endsOn(&check, &ListCheck::finished, WaitEnd::Replied).run();
-    return end == WaitEnd::Replied && check.hasList() && !check.candidates().isEmpty();
+    const WaitEnd end = EventWait().endsOn(&check, &ListCheck::finished, WaitEnd::Done).run();
+    return end == WaitEnd::Done && check.hasList() && !check.candidates().isEmpty();
 }
 
 bool UpdateAgent::QRVUpdateAvailable()

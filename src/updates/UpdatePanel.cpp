@@ -1,54 +1,43 @@
 #include "updates/UpdatePanel.h"
 
-#include "diagnostics/MessageBoxes.h"
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
-#include "platform/CodePage.h"
+#include "client/Client.h"
+#include "diagnostics/report/MessageBoxes.h"
+#include "diagnostics/report/Reporter.h"
+#include "platform/system/CodePage.h"
 #include "store/AppFolder.h"
-#include "ui/Grid.h"
 #include "ui/ImageButton.h"
 #include "updates/DiskFacts.h"
 #include "updates/ListCheck.h"
 #include "updates/UpdateAgent.h"
+#include "updates/UpdateChoice.h"
 #include "updates/UpdateQueue.h"
 #include "updates/UpdatesIni.h"
 
-#include <QHeaderView>
 #include <QLabel>
 #include <QProgressBar>
-#include <QShortcut>
+#include <QVBoxLayout>
 
 #include <algorithm>
-#include <array>
-#include <limits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-enum Column { Box, Name, Version, Type, ColumnCount };
-enum RowState { Title = -1, Unchecked = 0, Checked = 1 };
-
-constexpr std::array<GridColumn, ColumnCount> columns{
-    {{"", 300_twips, Qt::AlignHCenter}, {"", 1400_twips}, {"", 800_twips}, {"", 1600_twips}}};
-constexpr std::array<GridColumn, 1> messageColumn{{{"", 4100_twips}}};
+// Pixels.
+constexpr int panelWidth = 400;
+constexpr QMargins frameMargins(7, 4, 7, 7);
+constexpr QMargins progressMargins(7, 7, 7, 4);
+constexpr int gap = 6;
+constexpr int noteGap = 2;
+constexpr int buttonWidth = 130;
+constexpr QSize cancelSize(80, 24);
+constexpr int percentWidth = 42;
+constexpr int barHeight = 18;
 
 constexpr int barSteps = 10'000;
 constexpr int mostBeforeTheEnd = 99; // per cent
 constexpr qsizetype maxTold = 12;    // lines of a message
-
-/// The widths give proportions; together they fill the grid, with room for a scroll bar.
-void fill(GridView& grid, std::span<const GridColumn> layout)
-{
-    grid.setColumns(layout);
-    const int room = grid.viewport()->width() - grid.style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    int whole = 0;
-    for (const GridColumn& column : layout)
-        whole += column.width.value;
-    for (std::size_t column = 0; column < layout.size(); ++column)
-        grid.setColumnWidth(static_cast<int>(column), room * layout[column].width.value / whole);
-}
 
 /// Lines for a message box, which has no scroll bar.
 QString joined(QStringList lines)
@@ -65,7 +54,7 @@ const QString restartNeeded = u"A restart of the Quorvane Ravelin RC is \r\nrequ
 } // namespace
 
 UpdatePanel::UpdatePanel(Client& client, const UpdateServices& services, UpdateAgent& agent, UpdatePanelSetup setup,
-                         const QRect& place, QWidget* parent)
+                         QWidget* parent)
     : QGroupBox(setup.title, parent),
       m_client(client),
       m_services(services),
@@ -73,15 +62,70 @@ UpdatePanel::UpdatePanel(Client& client, const UpdateServices& services, UpdateA
       m_setup(std::move(setup))
 {
     setObjectName(m_setup.frameName);
-    setGeometry(place);
     buildControls();
+    layOut();
     wireSignals();
     showButton(false);
     setBusy(false);
-    clearGrid();
 }
 
 UpdatePanel::~UpdatePanel() = default;
+
+void UpdatePanel::buildControls()
+{
+    lstQRV = new UpdateChoice(u"lstQRV"_s, m_client.codePage, this);
+    lstQRV->setAccessibleName(m_setup.title);
+    lstQRV->setEmptyText(u"Press \"%1\" to look for updates."_s.arg(m_setup.checkCaption));
+    cmdCheck = new ImageButton(m_setup.checkName, m_setup.checkCaption, m_client.pictures, this);
+    cmdGetUpdates = new ImageButton(u"cmdGetUpdates"_s, u"Get Updates"_s, m_client.pictures, this);
+    fmeProgress = new QGroupBox(u"Download Progress"_s, this);
+    fmeProgress->setObjectName(u"fmeProgress"_s);
+    pbDwnld = new QProgressBar(fmeProgress);
+    pbDwnld->setObjectName(u"pbDwnld"_s);
+    pbDwnld->setAccessibleName(u"Download Progress"_s);
+    pbDwnld->setTextVisible(false);
+    pbDwnld->setRange(0, 1);
+    pbDwnld->setValue(0);
+    lblPer = new QLabel(u"0%"_s, fmeProgress);
+    lblPer->setObjectName(u"lblPer"_s);
+    lblPer->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    cmdCancel = new ImageButton(u"cmdCancel"_s, u"Cancel"_s, m_client.pictures, fmeProgress);
+}
+
+void UpdatePanel::layOut()
+{
+    setMinimumWidth(panelWidth);
+    auto* notes = new QVBoxLayout;
+    notes->setSpacing(noteGap);
+    for (const QString& text :
+         {u"All items that are checked will be downloaded and installed."_s,
+          u"Some items may require you to stop all active profiles or to stop the Quorvane Ravelin."_s}) {
+        auto* label = new QLabel(text);
+        label->setWordWrap(true);
+        notes->addWidget(label);
+    }
+    auto* buttons = new QGridLayout; // one of the two is shown
+    for (const ImageButton* button : {cmdCheck, cmdGetUpdates}) {
+        button->face()->setFixedWidth(buttonWidth);
+        buttons->addWidget(button->face(), 0, 0, Qt::AlignLeft);
+    }
+    auto* progress = new QHBoxLayout(fmeProgress);
+    progress->setContentsMargins(progressMargins);
+    progress->setSpacing(gap);
+    pbDwnld->setFixedHeight(barHeight);
+    lblPer->setMinimumWidth(percentWidth);
+    cmdCancel->face()->setFixedSize(cancelSize);
+    progress->addWidget(pbDwnld, 1);
+    progress->addWidget(lblPer);
+    progress->addWidget(cmdCancel->face());
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(frameMargins);
+    all->setSpacing(gap);
+    all->addWidget(lstQRV, 1);
+    all->addLayout(notes);
+    all->addLayout(buttons);
+    all->addWidget(fmeProgress);
+}
 
 void UpdatePanel::wireSignals()
 {
@@ -94,9 +138,6 @@ void UpdatePanel::wireSignals()
         else if (m_check)
             m_check->cancel();
     });
-    connect(lstQRV, &QTableView::clicked, this, [this](const QModelIndex& cell) { toggle(cell.row()); });
-    auto* space = new QShortcut(QKeySequence(Qt::Key_Space), lstQRV, nullptr, nullptr, Qt::WidgetShortcut);
-    connect(space, &QShortcut::activated, this, [this] { toggle(lstQRV->selectedRow()); });
 }
 
 void UpdatePanel::setBusy(bool busy)
@@ -118,16 +159,9 @@ void UpdatePanel::showButton(bool offersDownload)
         (offersDownload ? cmdGetUpdates : cmdCheck)->setFocus();
 }
 
-void UpdatePanel::clearGrid()
-{
-    m_records.clear();
-    lstQRV->rows().clear();
-    fill(*lstQRV, columns);
-}
-
 void UpdatePanel::check()
 {
-    clearGrid();
+    lstQRV->clear();
     pbDwnld->setValue(0); // what it shows is of an earlier download
     lblPer->setText(u"0%"_s);
     lstQRV->setEmptyText(u"Looking for updates..."_s);
@@ -149,44 +183,15 @@ void UpdatePanel::showCandidates()
         return;
     }
     const Candidates& found = m_check->candidates();
-    m_rows.clear();
-    addGroup(u"Updated Files Available"_s, found.updated, true);
-    addGroup(u"New Files Available"_s, found.added, true);
-    addGroup(u"Changed Files"_s, found.changed, false);
-    if (m_rows.empty()) {
-        showNothing();
+    lstQRV->showCandidates(found);
+    if (found.isEmpty()) {
         cmdCheck->setEnabled(true);
         cmdCheck->setFocus();
     } else {
-        lstQRV->rows().setRows(std::exchange(m_rows, {}));
         showButton(true);
-        lstQRV->selectRow(1);
         cmdGetUpdates->setFocus();
     }
     tellRefused(found.refused);
-}
-
-void UpdatePanel::addGroup(const QString& title, const std::vector<UpdateRecord>& records, bool checked)
-{
-    if (records.empty())
-        return;
-    m_rows.push_back({.cells = {title, title, title, title}, .pictures = {}, .data = Title, .title = true});
-    m_records.emplace_back();
-    const CodePage& codePage = m_client.codePage;
-    for (const UpdateRecord& record : records) {
-        m_rows.push_back(
-            {.cells = {{}, codePage.toText(record.name), codePage.toText(record.version), codePage.toText(record.type)},
-             .pictures = {{Box, checked ? m_checked : m_unchecked, checked ? u"checked"_s : u"not checked"_s}},
-             .data = checked ? Checked : Unchecked,
-             .toolTip = codePage.toText(record.description)});
-        m_records.emplace_back(record);
-    }
-}
-
-void UpdatePanel::showNothing()
-{
-    fill(*lstQRV, messageColumn);
-    lstQRV->rows().setRows({GridRow{.cells = {u"No Updates Available!"_s}, .pictures = {}, .data = Title}});
 }
 
 /// A list that names files elsewhere is broken or means harm; either way the user is to know.
@@ -202,15 +207,6 @@ void UpdatePanel::tellRefused(const std::vector<UpdateRecord>& refused)
                                     joined(lines));
 }
 
-void UpdatePanel::toggle(int row)
-{
-    if (row < 0 || row >= lstQRV->rows().rowCount() || lstQRV->rows().row(row).data == Title)
-        return;
-    const bool checked = lstQRV->rows().row(row).data == Unchecked;
-    lstQRV->rows().setPicture(row, {Box, checked ? m_checked : m_unchecked, checked ? u"checked"_s : u"not checked"_s});
-    lstQRV->rows().setRowData(row, checked ? Checked : Unchecked);
-}
-
 void UpdatePanel::getUpdates()
 {
     lblPer->setText(u"0%"_s);
@@ -218,18 +214,15 @@ void UpdatePanel::getUpdates()
     pbDwnld->setValue(0);
     m_total = 0;
     m_done = 0;
-    std::vector<UpdateQueue::Item> items;
-    for (std::size_t row = 0; row < m_records.size(); ++row) {
-        const std::optional<UpdateRecord>& record = m_records[row];
-        if (!record || lstQRV->rows().row(static_cast<int>(row)).data != Checked)
-            continue;
-        m_total += record->size;
-        items.push_back({record->name, record->folder});
-        if (m_setup.order.kind == ListKind::Client && record->name == "help.chm")
-            m_client.reporter.trap("GetFilesObtain", [&] { noteHelpVersion(m_services.targets, record->version); });
+    std::vector<WaitingFile> items;
+    for (const UpdateRecord& record : lstQRV->checked()) {
+        m_total += record.size;
+        items.push_back({record.name, record.folder});
+        if (m_setup.order.kind == ListKind::Client && record.name == "help.chm")
+            m_client.reporter.trap("GetFilesObtain", [&] { noteHelpVersion(m_services.targets, record.version); });
     }
     if (items.empty()) {
-        clearGrid();
+        lstQRV->clear();
         lstQRV->setEmptyText(u"Nothing was checked."_s);
         showButton(false);
         m_client.reporter.ReportMsg(MessageKind::Failed, u"No Updates Available!"_s);
@@ -264,7 +257,7 @@ void UpdatePanel::concludeDownload()
             areAnyDone = true;
     }
     setBusy(false);
-    clearGrid();
+    lstQRV->clear();
     lstQRV->setEmptyText(u"Press \"%1\" to look for updates."_s.arg(m_setup.checkCaption));
     cmdGetUpdates->setEnabled(true);
     cmdCheck->setEnabled(true);

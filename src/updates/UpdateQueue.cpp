@@ -2,12 +2,11 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "platform/Download.h"
-#include "platform/Inet.h"
+#include "platform/net/Download.h"
+#include "platform/net/Inet.h"
+#include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "updates/UpdateTargets.h"
-#include "updates/UpdatesIni.h"
 
 #include <QTimer>
 
@@ -70,8 +69,8 @@ void makeRunnable(const fs::path& file, const std::string& name)
 
 } // namespace
 
-UpdateQueue::UpdateQueue(const UpdateServices& services, ListKind kind, QString location, std::vector<Item> items,
-                         QObject* parent)
+UpdateQueue::UpdateQueue(const UpdateServices& services, ListKind kind, QString location,
+                         std::vector<WaitingFile> items, QObject* parent)
     : QObject(parent),
       m_services(services),
       m_kind(kind),
@@ -120,13 +119,12 @@ void UpdateQueue::next()
 {
     if (m_items.empty())
         return end();
-    Q_EMIT nextFile(m_items.front().name);
     GetFilesObtain();
 }
 
 void UpdateQueue::GetFilesObtain()
 {
-    const Item& item = m_items.front();
+    const WaitingFile& item = m_items.front();
     const auto failAndGoOn = [this](const QString& why) {
         fail(why);
         QTimer::singleShot(0, this, &UpdateQueue::next);
@@ -149,7 +147,7 @@ void UpdateQueue::GetFilesObtain()
 
 bool UpdateQueue::openDownload(const fs::path& folder)
 {
-    const Item& item = m_items.front();
+    const WaitingFile& item = m_items.front();
     m_part = partName(folder, item.name);
     m_received = 0;
     m_sum = m_sums ? std::make_unique<Sha256>() : nullptr;
@@ -184,7 +182,7 @@ void UpdateQueue::conclude()
 
 void UpdateQueue::put()
 {
-    const Item item = m_items.front();
+    const WaitingFile item = m_items.front();
     const AppFolder& folder = m_services.targets.folder();
     const bool waits = m_part.parent_path() != m_target.parent_path() ||
                        (m_services.isInUse && m_services.isInUse(m_target)) || m_services.targets.isProgram(m_target);
@@ -202,7 +200,7 @@ void UpdateQueue::put()
     }
     try {
         if (!isPlaced)
-            divert(folder, m_part, {item.name, item.folder});
+            divert(folder, m_part, item);
     } catch (const RuntimeError& error) {
         fs::remove(m_part, fault);
         return fail(meaningOf(error));

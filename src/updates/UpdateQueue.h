@@ -1,6 +1,7 @@
 #pragma once
 
 #include "updates/UpdateServices.h"
+#include "updates/UpdatesIni.h"
 
 #include <QObject>
 
@@ -34,15 +35,9 @@ class UpdateQueue : public QObject
     Q_OBJECT
 
 public:
-    struct Item
-    {
-        std::string name;
-        std::string folder;
-    };
-
     /// @param services  outlives this
     /// @param location  the update location that the list came from
-    UpdateQueue(const UpdateServices& services, ListKind kind, QString location, std::vector<Item> items,
+    UpdateQueue(const UpdateServices& services, ListKind kind, QString location, std::vector<WaitingFile> items,
                 QObject* parent = nullptr);
     ~UpdateQueue() override;
 
@@ -55,8 +50,6 @@ public:
 Q_SIGNALS:
     /// So many bytes more have arrived.
     void received(qint64 bytes);
-    /// The next file is being fetched.
-    void nextFile(const std::string& name);
     /// Once, from the event loop or from cancel().
     void finished();
 
@@ -74,7 +67,7 @@ private:
     const UpdateServices& m_services;
     ListKind m_kind;
     QString m_location;
-    std::deque<Item> m_items; ///< the first one is under way
+    std::deque<WaitingFile> m_items; ///< the first one is under way
     std::vector<ObtainedFile> m_results;
 
     std::unique_ptr<PageFetch> m_sumsPage;

@@ -2,8 +2,8 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "store/IniText.h"
 
 namespace fs = std::filesystem;

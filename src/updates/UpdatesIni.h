@@ -11,6 +11,7 @@ class AppFolder;
 /// where each belongs. At the next start they are installed while the program is not running.
 inline constexpr std::string_view updatesFolder = "\\Updates";
 
+/// A file of an update, by where it belongs.
 struct WaitingFile
 {
     std::string name;

@@ -1,9 +1,9 @@
 #include "updates/qrvrcOptions.h"
 
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
-#include "platform/CodePageTables.h"
-#include "platform/Inet.h"
+#include "client/Client.h"
+#include "diagnostics/report/Reporter.h"
+#include "platform/net/Inet.h"
+#include "platform/system/CodePageTables.h"
 #include "ui/ImageButton.h"
 #include "updates/FileSums.h"
 #include "updates/UpdateOptions.h"
@@ -25,10 +25,10 @@ namespace {
 const QString otherLocation = u"Other Location"_s;
 
 // Pixels.
-constexpr int margin = 8;
-constexpr QSize buttonSize(130, 30);
+constexpr QMargins pageMargins(8, 2, 8, 8);
+constexpr int gap = 8;
+constexpr int saveWidth = 130;
 constexpr int labelWidth = 140; // so that the fields of both frames stand in one line
-constexpr QSize usualPage(757, 440);
 
 /// A label and its field, which the label's shortcut reaches and which bears its name.
 QLabel* addRow(QFormLayout* form, const QString& caption, QWidget* field, const QString& name)
@@ -55,17 +55,19 @@ qrvrcOptions::qrvrcOptions(Client& client, UpdateOptions& options, QWidget* pare
       m_options(options)
 {
     setObjectName(u"qrvrcOptions"_s);
-    const QSize page = parent ? parent->size() : usualPage;
     auto* frame = new QGroupBox(u"Options"_s, this);
     frame->setObjectName(u"Frame1"_s);
-    const int saveTop = page.height() - margin - buttonSize.height();
-    frame->setGeometry(margin, 2, page.width() - 2 * margin, saveTop - margin - 2);
-    auto* layout = new QVBoxLayout(frame);
-    layout->addWidget(buildUpdates());
-    layout->addWidget(buildProgram());
-    layout->addStretch();
+    auto* groups = new QVBoxLayout(frame);
+    groups->addWidget(buildUpdates());
+    groups->addWidget(buildProgram());
+    groups->addStretch();
     cmdSave = new ImageButton(u"cmdSave"_s, u"&Save"_s, client.pictures, this);
-    cmdSave->place(QRect(QPoint(page.width() - margin - buttonSize.width(), saveTop), buttonSize));
+    cmdSave->face()->setFixedWidth(saveWidth);
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(pageMargins);
+    all->setSpacing(gap);
+    all->addWidget(frame, 1);
+    all->addWidget(cmdSave->face(), 0, Qt::AlignRight);
     wireSignals();
     show(m_options.values());
 }
@@ -178,9 +180,4 @@ void qrvrcOptions::save()
     }
     if (m_client.reporter.trap("cmdSave_Click", [&] { m_options.save(values); }))
         m_client.reporter.ReportMsg(MessageKind::Success, u"Settings Saved Successfully."_s);
-}
-
-void qrvrcOptions::Form_Activate()
-{
-    m_client.helpSection = u"Options"_s;
 }

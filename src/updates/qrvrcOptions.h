@@ -23,7 +23,7 @@ public:
     /// Both outlive the window.
     qrvrcOptions(Client& client, UpdateOptions& options, QWidget* parent);
 
-    void Form_Activate() override;
+    QString helpSection() const override { return QStringLiteral("Options"); }
 
 private:
     QGroupBox* buildUpdates();

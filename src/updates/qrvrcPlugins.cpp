@@ -1,7 +1,7 @@
 #include "updates/qrvrcPlugins.h"
 
-#include "link/Client.h"
-#include "platform/CodePage.h"
+#include "client/Client.h"
+#include "platform/system/CodePage.h"
 #include "plugins/PluginTable.h"
 #include "updates/UpdateAgent.h"
 #include "updates/UpdatePanel.h"
@@ -19,10 +19,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Pixels.
-constexpr int margin = 8;
-constexpr int panelWidth = 400;
+constexpr QMargins pageMargins(8, 2, 8, 8);
+constexpr int gap = 8;
 constexpr int listHeight = 150;
-constexpr QSize usualPage(757, 440);
 
 QString statusText(const Plugin& plugin)
 {
@@ -41,42 +40,44 @@ qrvrcPlugins::qrvrcPlugins(Client& client, const PluginTable& plugins, const Upd
       m_agent(agent)
 {
     setObjectName(u"qrvrcPlugins"_s);
-    const QSize page = parent ? parent->size() : usualPage;
-    const int height = page.height() - 2 - margin;
-    const int left = page.width() - 3 * margin - panelWidth;
-    buildList(QRect(margin, 2, left, listHeight));
-    const int detailsTop = 2 + listHeight + margin;
-    buildDetails(QRect(margin, detailsTop, left, height + 2 - detailsTop));
-    new UpdatePanel(client, services, agent,
-                    {.frameName = u"Frame3"_s,
-                     .title = u"New Plugins && Updates"_s,
-                     .checkName = u"cmdCheckPlugins"_s,
-                     .checkCaption = u"Check Plugins"_s,
-                     .order = pluginCheck,
-                     .success = u"Updates downloaded and installed successfully!"_s},
-                    QRect(page.width() - margin - panelWidth, 2, panelWidth, height), this);
+    auto* left = new QVBoxLayout;
+    left->setSpacing(gap);
+    left->addWidget(buildList());
+    left->addWidget(buildDetails(), 1);
+    auto* all = new QHBoxLayout(this);
+    all->setContentsMargins(pageMargins);
+    all->setSpacing(gap);
+    all->addLayout(left, 1);
+    all->addWidget(new UpdatePanel(client, services, agent,
+                                   {.frameName = u"Frame3"_s,
+                                    .title = u"New Plugins && Updates"_s,
+                                    .checkName = u"cmdCheckPlugins"_s,
+                                    .checkCaption = u"Check Plugins"_s,
+                                    .order = pluginCheck,
+                                    .success = u"Updates downloaded and installed successfully!"_s},
+                                   this));
     connect(lstPlugins, &QListWidget::itemSelectionChanged, this, &qrvrcPlugins::lstPlugins_Click);
     followPlugins();
 }
 
-void qrvrcPlugins::buildList(const QRect& place)
+QGroupBox* qrvrcPlugins::buildList()
 {
     auto* frame = new QGroupBox(u"Available Plugins"_s, this);
     frame->setObjectName(u"Frame1"_s);
-    frame->setGeometry(place);
+    frame->setFixedHeight(listHeight);
     lstPlugins = new QListWidget;
     lstPlugins->setObjectName(u"lstPlugins"_s);
     lstPlugins->setAccessibleName(u"Available Plugins"_s);
     lstPlugins->installEventFilter(this);
     auto* layout = new QVBoxLayout(frame);
     layout->addWidget(lstPlugins);
+    return frame;
 }
 
-void qrvrcPlugins::buildDetails(const QRect& place)
+QGroupBox* qrvrcPlugins::buildDetails()
 {
     auto* frame = new QGroupBox(u"Plugin Information"_s, this);
     frame->setObjectName(u"Frame2"_s);
-    frame->setGeometry(place);
     // What a plugin says of itself may be longer than the frame is high.
     auto* page = new QWidget;
     auto* form = new QFormLayout(page);
@@ -106,6 +107,7 @@ void qrvrcPlugins::buildDetails(const QRect& place)
     auto* layout = new QVBoxLayout(frame);
     layout->addWidget(scrolled);
     layout->addWidget(lblStatus);
+    return frame;
 }
 
 void qrvrcPlugins::followPlugins()
@@ -146,7 +148,7 @@ bool qrvrcPlugins::eventFilter(QObject* watched, QEvent* event)
 
 void qrvrcPlugins::Form_Activate()
 {
-    m_client.helpSection = u"Plugins"_s;
+    Q_EMIT activated();
 }
 
 bool qrvrcPlugins::PluginsUpdateAvailable()

@@ -29,14 +29,19 @@ public:
     /// Follows a plugin table that has been built anew.
     void followPlugins();
 
+    QString helpSection() const override { return QStringLiteral("Plugins"); }
     void Form_Activate() override;
+
+Q_SIGNALS:
+    /// The user wants to see the plugins.
+    void activated();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void buildList(const QRect& place);
-    void buildDetails(const QRect& place);
+    QGroupBox* buildList();
+    QGroupBox* buildDetails();
 
     Client& m_client;
     const PluginTable& m_plugins;

@@ -1,8 +1,8 @@
 #include "updates/qrvrcUpdate.h"
 
-#include "diagnostics/Reporter.h"
-#include "link/Client.h"
-#include "platform/CodePage.h"
+#include "client/Client.h"
+#include "diagnostics/report/Reporter.h"
+#include "platform/system/CodePage.h"
 #include "updates/NewsDesk.h"
 #include "updates/NewsFrequency.h"
 #include "updates/UpdateAgent.h"
@@ -12,15 +12,19 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 // Pixels.
-constexpr int margin = 8;
-constexpr int panelWidth = 400;
-constexpr QSize usualPage(757, 440);
+constexpr QMargins pageMargins(8, 2, 8, 8);
+constexpr int gap = 8;
+constexpr QMargins newsMargins(7, 4, 7, 7);
+constexpr int newsGap = 10;
+constexpr QSize frequencySize(120, 26);
+constexpr int captionWidth = 100;
 
 } // namespace
 
@@ -30,46 +34,58 @@ qrvrcUpdate::qrvrcUpdate(Client& client, const UpdateServices& services, UpdateA
       m_agent(agent)
 {
     setObjectName(u"qrvrcUpdate"_s);
-    const QSize page = parent ? parent->size() : usualPage;
-    const int height = page.height() - 2 - margin;
-    new UpdatePanel(client, services, agent,
-                    {.frameName = u"Frame1"_s,
-                     .title = u"Quorvane Ravelin Updates"_s,
-                     .checkName = u"cmdUpdateQRV"_s,
-                     .checkCaption = u"Update QRVRC"_s,
-                     .order = clientCheck,
-                     .success = u"Updates downloaded and installed successfully."_s},
-                    QRect(margin, 2, panelWidth, height), this);
-    const int newsLeft = 2 * margin + panelWidth;
-    buildNews(QRect(newsLeft, 2, page.width() - newsLeft - margin, height));
+    auto* panel = new UpdatePanel(client, services, agent,
+                                  {.frameName = u"Frame1"_s,
+                                   .title = u"Quorvane Ravelin Updates"_s,
+                                   .checkName = u"cmdUpdateQRV"_s,
+                                   .checkCaption = u"Update QRVRC"_s,
+                                   .order = clientCheck,
+                                   .success = u"Updates downloaded and installed successfully."_s},
+                                  this);
+    buildControls();
+    layOut(panel);
     wireSignals();
     showNews();
 }
 
-void qrvrcUpdate::buildNews(const QRect& place)
+void qrvrcUpdate::buildControls()
 {
-    auto* frame = new QGroupBox(u"Quorvane News"_s, this);
-    frame->setObjectName(u"Frame2"_s);
-    frame->setGeometry(place);
-    constexpr int inset = 10;
-    constexpr int rowHeight = 26;
-    const int rowTop = place.height() - inset - rowHeight;
-    txtScripts = new QPlainTextEdit(frame);
+    fmeNews = new QGroupBox(u"Quorvane News"_s, this);
+    fmeNews->setObjectName(u"Frame2"_s);
+    txtScripts = new QPlainTextEdit(fmeNews);
     txtScripts->setObjectName(u"txtScripts"_s);
     txtScripts->setAccessibleName(u"Quorvane News"_s);
     txtScripts->setReadOnly(true);
     txtScripts->setTabChangesFocus(true);
-    txtScripts->setGeometry(inset, 24, place.width() - 2 * inset, rowTop - inset - 24);
-    auto* caption = new QLabel(u"Update &Every"_s, frame);
-    caption->setGeometry(inset, rowTop, 100, rowHeight);
-    cboFreq = new QComboBox(frame);
+    cboFreq = new QComboBox(fmeNews);
     cboFreq->setObjectName(u"cboFreq"_s);
     cboFreq->setAccessibleName(u"Update Every"_s);
     for (const std::string_view frequency : newsFrequencies)
         cboFreq->addItem(m_client.codePage.toText(frequency));
     cboFreq->setCurrentText(m_agent.news().frequency());
-    cboFreq->setGeometry(inset + 100, rowTop, 120, rowHeight);
+}
+
+void qrvrcUpdate::layOut(UpdatePanel* panel)
+{
+    auto* caption = new QLabel(u"Update &Every"_s);
     caption->setBuddy(cboFreq);
+    caption->setMinimumWidth(captionWidth);
+    cboFreq->setFixedSize(frequencySize);
+    auto* frequency = new QHBoxLayout;
+    frequency->setSpacing(0);
+    frequency->addWidget(caption);
+    frequency->addWidget(cboFreq);
+    frequency->addStretch();
+    auto* news = new QVBoxLayout(fmeNews);
+    news->setContentsMargins(newsMargins);
+    news->setSpacing(newsGap);
+    news->addWidget(txtScripts, 1);
+    news->addLayout(frequency);
+    auto* all = new QHBoxLayout(this);
+    all->setContentsMargins(pageMargins);
+    all->setSpacing(gap);
+    all->addWidget(panel);
+    all->addWidget(fmeNews, 1);
 }
 
 void qrvrcUpdate::wireSignals()
@@ -82,7 +98,6 @@ void qrvrcUpdate::wireSignals()
 
 void qrvrcUpdate::Form_Activate()
 {
-    m_client.helpSection = u"Update"_s;
     m_agent.news().fetchIfNone();
     if (m_agent.news().news().isEmpty())
         txtScripts->setPlaceholderText(u"Fetching the news..."_s);

@@ -3,8 +3,10 @@
 #include "ui/WorkingWindow.h"
 
 class QComboBox;
+class QGroupBox;
 class QPlainTextEdit;
 class UpdateAgent;
+class UpdatePanel;
 struct Client;
 struct UpdateServices;
 
@@ -20,15 +22,18 @@ public:
     /// Whether there is something to download. Events run meanwhile, for a few seconds at most.
     bool QRVUpdateAvailable();
 
+    QString helpSection() const override { return QStringLiteral("Update"); }
     void Form_Activate() override;
 
 private:
-    void buildNews(const QRect& place);
+    void buildControls();
+    void layOut(UpdatePanel* panel);
     void wireSignals();
     void showNews();
 
     Client& m_client;
     UpdateAgent& m_agent;
+    QGroupBox* fmeNews = nullptr;
     QPlainTextEdit* txtScripts = nullptr;
     QComboBox* cboFreq = nullptr;
 };

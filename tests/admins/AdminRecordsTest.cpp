@@ -2,8 +2,7 @@
 
 #include "base/Base64.h"
 #include "base/RaisedError.h"
-
-#include <QTest>
+#include "support/AddRow.h"
 
 using namespace Qt::StringLiterals;
 
@@ -72,12 +71,12 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<QByteArrayList>("accounts");
         QTest::addColumn<QByteArrayList>("log");
-        QTest::newRow("empty") << ""_ba << QByteArrayList() << QByteArrayList();
-        QTest::newRow("both") << "a|b[-]c[-][-]l1[-]l2"_ba << QByteArrayList{"a|b", "c"} << QByteArrayList{"l1", "l2"};
-        QTest::newRow("no log part") << "a[-]c"_ba << QByteArrayList{"a", "c"} << QByteArrayList();
-        QTest::newRow("no accounts") << "[-][-]l1"_ba << QByteArrayList() << QByteArrayList{"l1"};
-        QTest::newRow("empty log line") << "a[-][-]l1[-][-]l2"_ba << QByteArrayList{"a"} << QByteArrayList{"l1", "l2"};
-        QTest::newRow("cut off separator") << "a[-"_ba << QByteArrayList{"a[-"} << QByteArrayList();
+        addRow("empty", ""_ba, QByteArrayList(), QByteArrayList());
+        addRow("both", "a|b[-]c[-][-]l1[-]l2"_ba, QByteArrayList{"a|b", "c"}, QByteArrayList{"l1", "l2"});
+        addRow("no log part", "a[-]c"_ba, QByteArrayList{"a", "c"}, QByteArrayList());
+        addRow("no accounts", "[-][-]l1"_ba, QByteArrayList(), QByteArrayList{"l1"});
+        addRow("empty log line", "a[-][-]l1[-][-]l2"_ba, QByteArrayList{"a"}, QByteArrayList{"l1", "l2"});
+        addRow("cut off separator", "a[-"_ba, QByteArrayList{"a[-"}, QByteArrayList());
     }
     void aTextIsSplitIntoAccountsAndLog()
     {
@@ -113,23 +112,15 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("rows"); // kind, heading and name, one row a line
         const auto privilege = [](const char* name, bool granted) { return QByteArray(granted ? "+" : ".") + name; };
         const QByteArray end = "\n-";
-        QTest::newRow("as trackers send it")
-            << "Profiles\tProfiles||\tEdit1|\tStop0"_ba
-            << "Profiles/Profiles\n" + privilege("Edit", true) + '\n' + privilege("Stop", false) + end;
-        QTest::newRow("no TABs") << "Options||View1"_ba
-                                 << "Options/Options\n" + privilege("View", true) + end;
-        QTest::newRow("ends in a letter") << "A||\tView"_ba
-                                          << "A/A\n" + privilege("View", false) + end;
-        QTest::newRow("only a digit") << "A||1"_ba
-                                      << "A/A\n" + privilege("", true) + end;
-        QTest::newRow("blank privileges") << "A|||\tB1||"_ba
-                                          << "A/A\n" + privilege("B", true) + end;
-        QTest::newRow("section begins with a TAB") << "\tA||"_ba
-                                                   << "/A" + end;
-        QTest::newRow("a third cell") << "A\tB\tC||\tD\tE1"_ba
-                                      << "A/B\n" + privilege("D", true) + end;
-        QTest::newRow("blank sections") << "[-]A||[-][-]B||[-]"_ba
-                                        << "A/A" + end + "\nB/B" + end;
+        addRow("as trackers send it", "Profiles\tProfiles||\tEdit1|\tStop0"_ba,
+               "Profiles/Profiles\n" + privilege("Edit", true) + '\n' + privilege("Stop", false) + end);
+        addRow("no TABs", "Options||View1"_ba, "Options/Options\n" + privilege("View", true) + end);
+        addRow("ends in a letter", "A||\tView"_ba, "A/A\n" + privilege("View", false) + end);
+        addRow("only a digit", "A||1"_ba, "A/A\n" + privilege("", true) + end);
+        addRow("blank privileges", "A|||\tB1||"_ba, "A/A\n" + privilege("B", true) + end);
+        addRow("section begins with a TAB", "\tA||"_ba, "/A" + end);
+        addRow("a third cell", "A\tB\tC||\tD\tE1"_ba, "A/B\n" + privilege("D", true) + end);
+        addRow("blank sections", "[-]A||[-][-]B||[-]"_ba, "A/A" + end + "\nB/B" + end);
     }
     void aSectionBecomesRows()
     {
@@ -152,20 +143,20 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("before");
         QTest::addColumn<int>("row");
         QTest::addColumn<QByteArray>("after");
-        QTest::newRow("grant") << "Spp-"_ba << 1 << "SPp-"_ba;
-        QTest::newRow("take back") << "SPp-"_ba << 1 << "Spp-"_ba;
-        QTest::newRow("a restriction clears what follows") << "SPrPpP-"_ba << 2 << "SPRppp-"_ba;
-        QTest::newRow("lifting it, too") << "SRPP-"_ba << 1 << "Srpp-"_ba;
-        QTest::newRow("what follows clears the restriction") << "SRpp-"_ba << 3 << "SrpP-"_ba;
-        QTest::newRow("only the nearest one") << "SRpRp-"_ba << 4 << "SRprP-"_ba;
-        QTest::newRow("what stands before it does not") << "SpRp-"_ba << 1 << "SPRp-"_ba;
-        QTest::newRow("downwards it ends with its section") << "SrP-SPR-"_ba << 1 << "SRp-SPR-"_ba;
-        QTest::newRow("upwards, too") << "SRp-Sp-"_ba << 5 << "SRp-SP-"_ba;
-        QTest::newRow("at the end of the list") << "SrP"_ba << 1 << "SRp"_ba;
-        QTest::newRow("no separator between sections") << "SRSp"_ba << 3 << "SRSP"_ba;
-        QTest::newRow("a section") << "SRp-"_ba << 0 << "SRp-"_ba;
-        QTest::newRow("a separator") << "SRp-"_ba << 3 << "SRp-"_ba;
-        QTest::newRow("no row") << "SRp-"_ba << 4 << "SRp-"_ba;
+        addRow("grant", "Spp-"_ba, 1, "SPp-"_ba);
+        addRow("take back", "SPp-"_ba, 1, "Spp-"_ba);
+        addRow("a restriction clears what follows", "SPrPpP-"_ba, 2, "SPRppp-"_ba);
+        addRow("lifting it, too", "SRPP-"_ba, 1, "Srpp-"_ba);
+        addRow("what follows clears the restriction", "SRpp-"_ba, 3, "SrpP-"_ba);
+        addRow("only the nearest one", "SRpRp-"_ba, 4, "SRprP-"_ba);
+        addRow("what stands before it does not", "SpRp-"_ba, 1, "SPRp-"_ba);
+        addRow("downwards it ends with its section", "SrP-SPR-"_ba, 1, "SRp-SPR-"_ba);
+        addRow("upwards, too", "SRp-Sp-"_ba, 5, "SRp-SP-"_ba);
+        addRow("at the end of the list", "SrP"_ba, 1, "SRp"_ba);
+        addRow("no separator between sections", "SRSp"_ba, 3, "SRSP"_ba);
+        addRow("a section", "SRp-"_ba, 0, "SRp-"_ba);
+        addRow("a separator", "SRp-"_ba, 3, "SRp-"_ba);
+        addRow("no row", "SRp-"_ba, 4, "SRp-"_ba);
     }
     void aRestrictionAndWhatFollowsItExcludeEachOther()
     {
@@ -187,58 +178,17 @@ private Q_SLOTS:
         QVERIFY(withEdits(fresh, {}, edited) == fresh);
     }
 
-    void theAccountTextIsExact()
-    {
-        const Checklist rows = checklistOf("Profiles\tProfiles||\tEdit Profiles1|\tDelete User0[-]\tHidden||\tA1");
-        const std::string behind = "[-]LgnPss|" + base64::encode("pw") +
-                                   "||SelProfiles|[3]||Profiles|Profiles||Edit Profiles|1||Delete User|0||A|1";
-        QCOMPARE(accountText({"bob", "pw", {}}, 3, rows), base64::encode("bob") + behind);
-        QCOMPARE(accountText({"bobby", "pw", "bob"}, 3, rows), base64::encode("bobby|bob") + behind);
-        QCOMPARE(accountText({"bob", "pw", {}}, 3, {}),
-                 base64::encode("bob") + "[-]LgnPss|" + base64::encode("pw") + "||SelProfiles|[3]");
-    }
-
-    void requestsAreExact()
-    {
-        const std::string bob = base64::encode("bob");
-        QVERIFY((getProfileAdminsRequest("me", 12) == Request{"GetProfileAdmins", "GetProfileAdmins_me", "12"}));
-        QVERIFY(
-            (getProfileAdminPrivisRequest("me", 12, newAdmin) ==
-             Request{"GetProfileAdminPrivis", "GetProfileAdminPrivis_me", "12_" + base64::encode("Add New Admin")}));
-        QVERIFY((deleteProfileAdminRequest("me", 12, "bob") ==
-                 Request{"DeleteProfileAdmin", "DeleteProfileAdmin_me", "12_" + bob}));
-        QVERIFY((kickProfileAdminRequest("me", 12, "bob") ==
-                 Request{"KickProfileAdmin", "KickProfileAdmin_me", "12_" + bob}));
-        const AccountFields added{"bob", "pw", {}};
-        QVERIFY((saveProfileAdminRequest("me", 12, added, {}) ==
-                 Request{"AddProfileAdmin", "AddProfileAdmin_me", "12_" + base64::encode(accountText(added, 12, {}))}));
-        const AccountFields modified{"bob", "pw", "rob"};
-        QCOMPARE(saveProfileAdminRequest("me", 12, modified, {}).name, std::string("ModifyProfileAdmin"));
-    }
-
     void fieldsThatCannotBeSentAreNamed_data()
     {
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QByteArray>("password");
         QTest::addColumn<QByteArray>("fault");
-        QTest::newRow("good") << "bob"_ba
-                              << "p|w"_ba
-                              << ""_ba;
-        QTest::newRow("nothing") << ""_ba
-                                 << ""_ba
-                                 << "Username field is empty!"_ba;
-        QTest::newRow("blank name") << " "_ba
-                                    << "pw"_ba
-                                    << "Username field is empty!"_ba;
-        QTest::newRow("no password") << "bob"_ba
-                                     << ""_ba
-                                     << "Password field is empty!"_ba;
-        QTest::newRow("bar in the name") << "b|ob"_ba
-                                         << "pw"_ba
-                                         << "The Username cannot hold the character '|'!"_ba;
-        QTest::newRow("the new account's name") << "Add New Admin"_ba
-                                                << "pw"_ba
-                                                << "Please choose another Username!"_ba;
+        addRow("good", "bob"_ba, "p|w"_ba, ""_ba);
+        addRow("nothing", ""_ba, ""_ba, "Username field is empty!"_ba);
+        addRow("blank name", " "_ba, "pw"_ba, "Username field is empty!"_ba);
+        addRow("no password", "bob"_ba, ""_ba, "Password field is empty!"_ba);
+        addRow("bar in a new account's name", "b|ob"_ba, "pw"_ba, ""_ba);
+        addRow("the new account's name", "Add New Admin"_ba, "pw"_ba, "Please choose another Username!"_ba);
     }
     void fieldsThatCannotBeSentAreNamed()
     {
@@ -247,6 +197,12 @@ private Q_SLOTS:
         QFETCH(const QByteArray, fault);
         const auto found = firstFault({name.toStdString(), password.toStdString(), {}});
         QCOMPARE(QByteArray::fromStdString(std::string(found.value_or(""))), fault);
+    }
+
+    void aBarIsRefusedWhereItWouldPartTwoNames()
+    {
+        QVERIFY(firstFault({"b|ob", "pw", "bob"}));
+        QVERIFY(!firstFault({"b|ob", "new pw", "b|ob"}) && !firstFault({"bob", "pw", "b|ob"}));
     }
 };
 

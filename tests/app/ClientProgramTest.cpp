@@ -1,4 +1,4 @@
-#include "practice/Tracker.h"
+#include "practice/links/Tracker.h"
 
 #include <QFile>
 #include <QLockFile>
@@ -64,8 +64,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QByteArray>("says");
-        QTest::newRow("unknown option") << QStringList{u"--nothing"_s} << "--nothing"_ba;
-        QTest::newRow("no value") << QStringList{u"--connect"_s} << "needs a value"_ba;
+        QTest::newRow("unknown option") << QStringList{u"--nothing"_s} << "'nothing'"_ba;
+        QTest::newRow("no value") << QStringList{u"--connect"_s} << "Missing value after '--connect'"_ba;
         QTest::newRow("a maker host that is no address")
             << QStringList{u"--maker-host"_s, u"ftp://x"_s} << "no http or https address"_ba;
         QTest::newRow("a folder that cannot be")

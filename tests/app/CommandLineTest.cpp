@@ -1,10 +1,8 @@
 #include "app/CommandLine.h"
 
-#include "base/RaisedError.h"
+#include <QTest>
 
-using namespace std::string_literals;
-
-using Arguments = std::vector<std::string>;
+using namespace Qt::StringLiterals;
 using Wish = CommandLine::Wish;
 
 class CommandLineTest : public QObject
@@ -14,57 +12,36 @@ class CommandLineTest : public QObject
 private Q_SLOTS:
     void argumentsAreTakenOrRefused_data()
     {
-        QTest::addColumn<Arguments>("arguments");
+        QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<CommandLine>("line");
-        const auto complaint = [](const std::string& what) {
-            CommandLine line;
-            line.wish = Wish::Complain;
-            line.complaint = what + " (see --help)";
-            return line;
-        };
-        const auto folder = [](const std::string& name) {
-            CommandLine line;
-            line.appFolder = name;
-            return line;
-        };
-        const auto wish = [](Wish what) {
-            CommandLine line;
-            line.wish = what;
-            return line;
-        };
-        CommandLine all;
-        all.appFolder = "a b";
-        all.connectProfile = "Home";
-        all.makerHost = "http://x";
-        const CommandLine noValue = complaint("the option '--app-folder' needs a value");
-
-        QTest::newRow("none") << Arguments{} << wish(Wish::Run);
+        const CommandLine all{.appFolder = u"a b"_s, .connectProfile = u"Home"_s, .makerHost = u"http://x"_s};
+        const CommandLine probe{
+            .wish = Wish::ProbeComponent, .appFolder = u"f"_s, .componentFile = u"x.dll"_s, .componentClass = u"x"_s};
+        QTest::newRow("none") << QStringList{} << CommandLine{};
         QTest::newRow("all, in both forms")
-            << Arguments{"--app-folder", "a b", "--connect=Home", "--maker-host", "http://x"} << all;
-        QTest::newRow("the last one counts") << Arguments{"--app-folder=a", "--app-folder=b"} << folder("b");
-        QTest::newRow("a value with =") << Arguments{"--app-folder=a=b"} << folder("a=b");
-        QTest::newRow("a value that looks like an option") << Arguments{"--app-folder", "--help"} << folder("--help");
-        QTest::newRow("version") << Arguments{"--version"} << wish(Wish::ShowVersion);
-        QTest::newRow("help behind others") << Arguments{"--app-folder=a", "--help", "stray"} << [&] {
-            CommandLine line = folder("a");
-            line.wish = Wish::ShowHelp;
-            return line;
-        }();
-        QTest::newRow("no value") << Arguments{"--app-folder"} << noValue;
-        QTest::newRow("empty value") << Arguments{"--app-folder="} << noValue;
-        QTest::newRow("empty value of its own") << Arguments{"--app-folder", ""} << noValue;
-        QTest::newRow("unknown option") << Arguments{"--nothing"} << complaint("unknown argument '--nothing'");
-        QTest::newRow("beginning of an option") << Arguments{"--app"} << complaint("unknown argument '--app'");
-        QTest::newRow("help with a value") << Arguments{"--help=x"} << complaint("unknown argument '--help=x'");
-        QTest::newRow("stray word") << Arguments{"stray"} << complaint("unknown argument 'stray'");
-        QTest::newRow("empty word") << Arguments{""} << complaint("unknown argument ''");
+            << QStringList{u"--app-folder"_s, u"a b"_s, u"--connect=Home"_s, u"--maker-host"_s, u"http://x"_s} << all;
+        QTest::newRow("the last one counts")
+            << QStringList{u"--app-folder=a"_s, u"--app-folder=b"_s} << CommandLine{.appFolder = u"b"_s};
+        QTest::newRow("a value with =") << QStringList{u"--app-folder=a=b"_s} << CommandLine{.appFolder = u"a=b"_s};
+        QTest::newRow("a value that looks like an option")
+            << QStringList{u"--app-folder"_s, u"--help"_s} << CommandLine{.appFolder = u"--help"_s};
+        QTest::newRow("a component to try")
+            << QStringList{u"--app-folder=f"_s, u"--probe-component=x.dll"_s, u"--component-class=x"_s} << probe;
+        QTest::newRow("version") << QStringList{u"--version"_s} << CommandLine{.wish = Wish::ShowVersion};
+        QTest::newRow("help behind what is wrong")
+            << QStringList{u"stray"_s, u"--app-folder="_s, u"--help"_s} << CommandLine{.wish = Wish::ShowHelp};
+        for (const char* wrong : {"--app-folder", "--app-folder=", "--nothing", "--app", "--help=x", "stray", ""})
+            QTest::addRow("'%s'", wrong) << QStringList{QString::fromLatin1(wrong)}
+                                         << CommandLine{.wish = Wish::Complain};
     }
     void argumentsAreTakenOrRefused()
     {
-        QFETCH(const Arguments, arguments);
+        QFETCH(const QStringList, arguments);
         QFETCH(const CommandLine, line);
-        const CommandLine parsed = parseCommandLine(arguments);
-        QCOMPARE(parsed.complaint, line.complaint);
+        CommandLine parsed = parseCommandLine(QStringList{u"qrvv3rc"_s} + arguments);
+        QCOMPARE(parsed.complaint.endsWith(u"(see --help)"_s), line.wish == Wish::Complain);
+        QVERIFY(!parsed.complaint.contains(u'\n'));
+        parsed.complaint.clear();
         QVERIFY(parsed == line);
     }
 };

@@ -3,7 +3,6 @@
 #include "link/Request.h"
 #include "support/Desk.h"
 
-#include <QFile>
 #include <QLabel>
 #include <QTest>
 #include <QTimer>
@@ -52,7 +51,7 @@ private Q_SLOTS:
         QVERIFY(!polledMeanwhile);
         QVERIFY(poll.isActive());
         QVERIFY(desk.frame().isVisible());
-        QVERIFY(!desk.core().session.quitting);
+        QVERIFY(!desk.core().quitting);
         QVERIFY(desk.link().isConnected());
     }
 
@@ -65,8 +64,8 @@ private Q_SLOTS:
         connect(
             &desk.tracker, &practice::Tracker::requestReceived, &desk.tracker, [&] { desk.frame().close(); },
             Qt::QueuedConnection);
-        QCOMPARE(ask(desk.link(), getStatusRequest("admin")), WaitEnd::LinkDropped);
-        QVERIFY(desk.core().session.quitting);
+        QCOMPARE(ask(desk.link(), getStatusRequest("admin")), WaitEnd::Broken);
+        QVERIFY(desk.core().quitting);
         QVERIFY(!desk.frame().isVisible());
         QCOMPARE(desk.boxes.boxes.size(), 1); // the question
         desk.core().reporter.ReportMsg(MessageKind::Failed, u"x"_s);
@@ -87,7 +86,7 @@ private Q_SLOTS:
                 desk.frame().close(); // a second close request while the first question is open
         };
         desk.frame().close();
-        QVERIFY(desk.core().session.quitting);
+        QVERIFY(desk.core().quitting);
         QVERIFY(!desk.frame().isVisible());
     }
 

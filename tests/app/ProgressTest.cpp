@@ -1,6 +1,5 @@
 #include "support/Desk.h"
 
-#include <QDialog>
 #include <QLabel>
 #include <QProgressBar>
 #include <QSignalSpy>
@@ -111,23 +110,34 @@ private Q_SLOTS:
     void theUserMayStopIt_data()
     {
         QTest::addColumn<bool>("yes");
-        QTest::newRow("yes") << true;
-        QTest::newRow("no") << false;
+        QTest::addColumn<bool>("completes");
+        QTest::addColumn<bool>("stops");
+        QTest::newRow("yes") << true << false << true;
+        QTest::newRow("no") << false << false << false;
+        QTest::newRow("yes, when all is there") << true << true << false;
     }
     void theUserMayStopIt()
     {
         QFETCH(const bool, yes);
+        QFETCH(const bool, completes);
+        QFETCH(const bool, stops);
         Desk desk;
         QVERIFY(desk.logIn());
         QVERIFY(begin(desk, "0100000", 100));
         auto& window = desk.control(u"qrvrcProgress"_s);
         QTRY_VERIFY(window.isVisible());
+        const QSignalSpy handled(&desk.link(), &clsWinSock::replyHandled);
         desk.boxes.answer = yes;
+        desk.boxes.whileOpen = [&] {
+            if (completes)
+                desk.tracker.sendRaw("[ND]");
+            QTRY_COMPARE(handled.count(), completes ? 1 : 0);
+        };
         QTest::keyClick(&window, Qt::Key_Escape);
         QCOMPARE(desk.boxes.onlyText(), u"Do you want to stop receiving and disconnect from the host?"_s);
         QCOMPARE(window.isVisible(), !yes);
-        QCOMPARE(desk.link().isConnected(), !yes);
-        QCOMPARE(desk.control(u"qrvrcLogin"_s).isVisible(), yes);
+        QCOMPARE(desk.link().isConnected(), !stops);
+        QCOMPARE(desk.control(u"qrvrcLogin"_s).isVisible(), stops);
     }
 };
 

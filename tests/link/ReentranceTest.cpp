@@ -44,8 +44,8 @@ private Q_SLOTS:
         std::optional<WaitEnd> second;
         QTimer::singleShot(0, &rig.link, [&] { second = ask(rig.link, statusRequest); });
         const WaitEnd first = ask(rig.link, profilesRequest);
-        QCOMPARE(first, WaitEnd::Replied);
-        QCOMPARE(second, std::optional(WaitEnd::Replied));
+        QCOMPARE(first, WaitEnd::Done);
+        QCOMPARE(second, std::optional(WaitEnd::Done));
         QCOMPARE(bodies, (std::vector<std::string>{"profiles", "status"}));
         QCOMPARE(rig.tracker.requests().size(), 2);
     }
@@ -54,12 +54,11 @@ private Q_SLOTS:
     {
         QObject object;
         std::optional<WaitEnd> end;
-        QTimer::singleShot(0, &object, [&] {
-            end = EventWait(2s).endsOn(&object, &QObject::objectNameChanged, WaitEnd::Replied).run();
-        });
+        QTimer::singleShot(
+            0, &object, [&] { end = EventWait(2s).endsOn(&object, &QObject::objectNameChanged, WaitEnd::Done).run(); });
         QTimer::singleShot(0, &object, [&] { object.setObjectName(u"another"_s); });
         QVERIFY(QTest::qWaitFor([&] { return end.has_value(); }));
-        QCOMPARE(end, std::optional(WaitEnd::Replied));
+        QCOMPARE(end, std::optional(WaitEnd::Done));
     }
 
     void aSilentTrackerIsToldOnceHoweverManyWait()
@@ -74,7 +73,7 @@ private Q_SLOTS:
             QTimer::singleShot(0, &rig.link, [&] { ends += ask(rig.link, statusRequest); });
         ends += ask(rig.link, profilesRequest);
         QCOMPARE(ends.size(), 4);
-        QVERIFY(!ends.contains(WaitEnd::Replied));
+        QVERIFY(!ends.contains(WaitEnd::Done));
         QCOMPARE(told.count(), 1);
         QVERIFY(!rig.link.isConnected());
         QCOMPARE(rig.tracker.requests().count("GetStatus_admin_VB6_"), 0); // none was sent over a pending one
@@ -100,7 +99,7 @@ private Q_SLOTS:
             note(u"profiles again"_s);
         });
         rig.tracker.answerNextWith("GetProfiles", twoMessages("first", "Plugin_x_behind"));
-        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Done);
         QCOMPARE(steps, (QStringList{u"profiles, locked 1"_s, u"plugin inside, locked 2"_s,
                                      u"profiles again, locked 1"_s, u"plugin behind, locked 1"_s}));
         QCOMPARE(rig.locks, 0);
@@ -112,7 +111,7 @@ private Q_SLOTS:
         QVERIFY(rig.logIn());
         rig.link.replyLimit = 1000ms;
         rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { pauseFor(1100ms); });
-        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Done);
         QVERIFY(rig.link.isConnected());
     }
 
@@ -141,30 +140,60 @@ private Q_SLOTS:
         rig.replies.onPluginMessage(&rig.link,
                                     [&](const std::string&, const std::string& payload) { behind = payload; });
         rig.tracker.answerNextWith("GetProfiles", twoMessages("x", "Plugin_x_behind"));
-        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Done);
         QCOMPARE(rig.boxes.count(u"QRVRC Error!"_s), 1);
         const QStringList lines = rig.boxes.onlyText().split(u"\r\n"_s);
         QCOMPARE(lines.value(1), error);
         QCOMPARE(lines.value(2), u"Function/Sub: HandleData"_s);
         QCOMPARE(behind, std::string("behind"));
         QCOMPARE(rig.locks, 0);
-        QVERIFY(rig.replies.pendingRequest.empty());
-        QCOMPARE(ask(rig.link, statusRequest), WaitEnd::Replied);
+        QVERIFY(!rig.link.pending());
+        QCOMPARE(ask(rig.link, statusRequest), WaitEnd::Done);
     }
 
-    void aPluginMessageTakesThePlaceOfTheAnswer()
+    void aPluginMessageAnswersNothingButARawRequest_data()
+    {
+        QTest::addColumn<Request>("request");
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<int>("answers");
+        const QByteArray news = "Plugin_qrvStats_a_b";
+        QTest::newRow("in front of the answer") << profilesRequest << twoMessages(news, "profiles") << 1;
+        QTest::newRow("in front of it, twice") << profilesRequest << twoMessages(news, twoMessages(news, "x")) << 1;
+        QTest::newRow("in its place, and the answer later") << profilesRequest << news << 1;
+        QTest::newRow("to a raw request") << rawRequest("raw_x") << news << 0;
+    }
+    void aPluginMessageAnswersNothingButARawRequest()
+    {
+        QFETCH(const Request, request);
+        QFETCH(const QByteArray, body);
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        int answers = 0;
+        std::string component;
+        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { ++answers; });
+        rig.replies.onPluginMessage(&rig.link, [&](const std::string& name, const std::string&) {
+            component = name;
+            if (rig.link.pending() && !body.contains("[ND]"))
+                rig.tracker.send("the answer");
+        });
+        rig.tracker.answerNextWith(QByteArray::fromStdString(request.name), body);
+        QCOMPARE(ask(rig.link, request), WaitEnd::Done);
+        QTEST(answers, "answers");
+        QCOMPARE(component, std::string("qrvrcStats"));
+        QVERIFY(!rig.link.pending());
+    }
+
+    void aSilentRawRequestEndsItsOwnWaitAndNothingElse()
     {
         LinkRig rig;
         QVERIFY(rig.logIn());
-        int profiles = 0;
-        std::string component;
-        rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { ++profiles; });
-        rig.replies.onPluginMessage(&rig.link, [&](const std::string& name, const std::string&) { component = name; });
-        rig.tracker.answerNextWith("GetProfiles", "Plugin_qrvStats_a_b");
-        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
-        QCOMPARE(profiles, 0);
-        QCOMPARE(component, std::string("qrvrcStats"));
-        QVERIFY(rig.replies.pendingRequest.empty());
+        rig.link.rawLimit = 30ms;
+        rig.tracker.answerNext("RCData", Fault::never());
+        std::optional<WaitEnd> behind;
+        QTimer::singleShot(0, &rig.link, [&] { behind = ask(rig.link, profilesRequest); });
+        QCOMPARE(ask(rig.link, rawRequest("raw_x")), WaitEnd::TimedOut);
+        QCOMPARE(behind, std::optional(WaitEnd::Done));
+        QVERIFY(rig.link.isLoggedIn());
     }
 
     void handlersGoWithTheirOwners()
@@ -177,7 +206,7 @@ private Q_SLOTS:
         rig.replies.onPluginMessage(owner.get(), [&](const std::string&, const std::string&) { ++calls; });
         owner.reset();
         rig.tracker.answerNextWith("GetProfiles", twoMessages("x", "Plugin_x_y"));
-        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Replied);
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Done);
         QCOMPARE(calls, 0);
         QVERIFY(rig.boxes.boxes.isEmpty());
     }
@@ -190,7 +219,7 @@ private Q_SLOTS:
         rig.replies.onPluginMessage(&rig.link, [&](const std::string&, const std::string&) { ++behind; });
         rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { rig.link.close(); });
         rig.tracker.answerNextWith("GetProfiles", twoMessages("x", "Plugin_x_y"));
-        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::LinkDropped);
+        QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Broken);
         QCOMPARE(behind, 1); // it had arrived
         QCOMPARE(rig.locks, 0);
         QVERIFY(rig.logIn());

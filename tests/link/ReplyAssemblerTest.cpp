@@ -1,6 +1,7 @@
 #include "link/ReplyAssembler.h"
 
 #include "base/RaisedError.h"
+#include "support/AddRow.h"
 
 using namespace std::string_literals;
 
@@ -43,49 +44,43 @@ private Q_SLOTS:
         using Bodies = std::vector<std::string>;
         QTest::addColumn<std::string>("bytes");
         QTest::addColumn<Bodies>("bodies");
-        QTest::newRow("one message") << "0000011[ST]abc[ND]"s << Bodies{"abc"};
-        QTest::newRow("nothing in it") << "0000008[ST][ND]"s << Bodies{""};
-        QTest::newRow("two replies") << "0000009[ST]A[ND]0000009[ST]B[ND]"s << Bodies{"A", "B"};
-        QTest::newRow("two messages under one prefix") << "0000018[ST]A[ND][ST]B[ND]"s << Bodies{"A", "B"};
-        QTest::newRow("an empty one between")
-            << "0000009[ST]A[ND]0000008[ST][ND]0000009[ST]B[ND]"s << Bodies{"A", "", "B"};
-        QTest::newRow("letters for a length") << "length?[ST]A[ND]"s << Bodies{"A"};
-        QTest::newRow("no prefix at all") << "[ST]A[ND]"s << Bodies{"A"};
-        QTest::newRow("negative length") << "-000009[ST]A[ND]"s << Bodies{"A"};
-        QTest::newRow("far too small a length") << "0000000[ST]A[ND]"s << Bodies{"A"};
-        QTest::newRow("far too large a length") << "9999999[ST]A[ND]"s << Bodies{"A"};
-        QTest::newRow("beginnings of markers inside") << "0000019[ST][N[[ND[S[ST[ND]"s << Bodies{"[N[[ND[S[ST"};
-        QTest::newRow("a second start marker ends the body") << "0000014[ST]A[ST]B[ND]"s << Bodies{"A"};
-        QTest::newRow("a piece without a start marker") << "0000008junk[ND]0000009[ST]B[ND]"s << Bodies{"B"};
-        QTest::newRow("zero bytes") << "0000011[ST]a\0b[ND]"s << Bodies{"a\0b"s};
+        addRow("one message", "0000011[ST]abc[ND]"s, Bodies{"abc"});
+        addRow("nothing in it", "0000008[ST][ND]"s, Bodies{""});
+        addRow("two replies", "0000009[ST]A[ND]0000009[ST]B[ND]"s, Bodies{"A", "B"});
+        addRow("two messages under one prefix", "0000018[ST]A[ND][ST]B[ND]"s, Bodies{"A", "B"});
+        addRow("an empty one between", "0000009[ST]A[ND]0000008[ST][ND]0000009[ST]B[ND]"s, Bodies{"A", "", "B"});
+        addRow("letters for a length", "length?[ST]A[ND]"s, Bodies{"A"});
+        addRow("no prefix at all", "[ST]A[ND]"s, Bodies{"A"});
+        addRow("negative length", "-000009[ST]A[ND]"s, Bodies{"A"});
+        addRow("far too small a length", "0000000[ST]A[ND]"s, Bodies{"A"});
+        addRow("far too large a length", "9999999[ST]A[ND]"s, Bodies{"A"});
+        addRow("beginnings of markers inside", "0000019[ST][N[[ND[S[ST[ND]"s, Bodies{"[N[[ND[S[ST"});
+        addRow("a second start marker ends the body", "0000014[ST]A[ST]B[ND]"s, Bodies{"A"});
+        addRow("a piece without a start marker", "0000008junk[ND]0000009[ST]B[ND]"s, Bodies{"B"});
+        addRow("eight digits", "10000000[ST]A[ND]"s, Bodies{"A"});
+        addRow("nine digits", "268435456[ST]A[ND]"s, Bodies{"A"});
+        addRow("eight digits among seven", "0000009[ST]A[ND]10000000[ST]B[ND]99999999[ST]C[ND]0000009[ST]D[ND]"s,
+               Bodies{"A", "B", "C", "D"});
+        addRow("zero bytes", "0000011[ST]a\0b[ND]"s, Bodies{"a\0b"s});
     }
     void howAReplyIsCutUpMakesNoDifference()
     {
         QFETCH(const std::string, bytes);
         QFETCH(const std::vector<std::string>, bodies);
-        for (std::size_t cut = 0; cut <= bytes.size(); ++cut) {
-            Receiver receiver;
-            receiver.receive(std::string_view(bytes).substr(0, cut));
-            receiver.receive(std::string_view(bytes).substr(cut));
-            QVERIFY2(receiver.bodies == bodies, qPrintable(QString::number(cut)));
-            QCOMPARE(receiver.waiting(), std::size_t{0});
+        for (std::size_t first = 0; first <= bytes.size(); ++first) {
+            for (std::size_t second = first; second <= bytes.size(); ++second) {
+                Receiver receiver;
+                receiver.receive(std::string_view(bytes).substr(0, first));
+                receiver.receive(std::string_view(bytes).substr(first, second - first));
+                receiver.receive(std::string_view(bytes).substr(second));
+                QVERIFY2(receiver.bodies == bodies, qPrintable(QStringLiteral("%1, %2").arg(first).arg(second)));
+                QCOMPARE(receiver.waiting(), std::size_t{0});
+            }
         }
         Receiver byteByByte;
         for (const char byte : bytes)
             byteByByte.receive({&byte, 1});
         QVERIFY(byteByByte.bodies == bodies);
-    }
-
-    void whatStandsBehindTheLastMessageBeginsTheNextReply()
-    {
-        Receiver receiver;
-        receiver.receive("0000009[ST]A[ND]000");
-        QCOMPARE(receiver.bodies.size(), std::size_t{1});
-        QCOMPARE(receiver.waiting(), std::size_t{3});
-        receiver.receive("0009[ST]B");
-        QCOMPARE(receiver.waiting(), std::size_t{5});
-        receiver.receive("[ND]");
-        QCOMPARE(receiver.bodies, (std::vector<std::string>{"A", "B"}));
     }
 
     void messagesThatArriveTogetherAreOneReply()
@@ -131,18 +126,17 @@ private Q_SLOTS:
     {
         QTest::addColumn<std::string>("reply");
         QTest::addColumn<int>("kind");
-        QTest::newRow("failure") << "[ST]Login Failed: wrong password.[ND]"s << int(ReplyKind::LoginFailed);
-        QTest::newRow("failure far inside") << "[ST]a[ND][ST]b_Login Failed_c[ND]"s << int(ReplyKind::LoginFailed);
-        QTest::newRow("failure in front of success")
-            << "[ST]Success_a_b_c_1[ND][ST]Login Failed[ND]"s << int(ReplyKind::LoginFailed);
-        QTest::newRow("success") << "[ST]Success_a_b_c_1[ND]"s << int(ReplyKind::LoginSucceeded);
-        QTest::newRow("success behind another")
-            << "[ST]x[ND][ST]Success_a_b_c_1[ND]"s << int(ReplyKind::LoginSucceeded);
-        QTest::newRow("success without its marker") << "[ST] Success_a_b_c_1[ND]"s << int(ReplyKind::Messages);
-        QTest::newRow("other letter case") << "[ST]login failed[ND]"s << int(ReplyKind::Messages);
-        QTest::newRow("two blanks") << "[ST]Login  Failed[ND]"s << int(ReplyKind::Messages);
-        QTest::newRow("failure behind the end") << "[ST]x[ND]0000099[ST]Login Failed"s << int(ReplyKind::Messages);
-        QTest::newRow("success behind the end") << "[ST]x[ND]0000099[ST]Success_a"s << int(ReplyKind::Messages);
+        addRow("failure", "[ST]Login Failed: wrong password.[ND]"s, int(ReplyKind::LoginFailed));
+        addRow("failure far inside", "[ST]a[ND][ST]b_Login Failed_c[ND]"s, int(ReplyKind::LoginFailed));
+        addRow("failure in front of success", "[ST]Success_a_b_c_1[ND][ST]Login Failed[ND]"s,
+               int(ReplyKind::LoginFailed));
+        addRow("success", "[ST]Success_a_b_c_1[ND]"s, int(ReplyKind::LoginSucceeded));
+        addRow("success behind another", "[ST]x[ND][ST]Success_a_b_c_1[ND]"s, int(ReplyKind::LoginSucceeded));
+        addRow("success without its marker", "[ST] Success_a_b_c_1[ND]"s, int(ReplyKind::Messages));
+        addRow("other letter case", "[ST]login failed[ND]"s, int(ReplyKind::Messages));
+        addRow("two blanks", "[ST]Login  Failed[ND]"s, int(ReplyKind::Messages));
+        addRow("failure behind the end", "[ST]x[ND]0000099[ST]Login Failed"s, int(ReplyKind::Messages));
+        addRow("success behind the end", "[ST]x[ND]0000099[ST]Success_a"s, int(ReplyKind::Messages));
     }
     void loginRepliesAreRecognisedAnywhere()
     {
@@ -172,17 +166,18 @@ private Q_SLOTS:
         QTest::addColumn<int>("port");
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
-        QTest::newRow("as it should be") << "[ST]Success_a_b_U3VwZXI=_8000[ND]"s << 0 << "U3VwZXI="s << 8000;
-        QTest::newRow("a field more") << "[ST]Success_a_b_U3VwZXI=_8000_x[ND]"s << 0 << "U3VwZXI="s << 8000;
-        QTest::newRow("behind another message")
-            << "[ST]a_b_c_d_e[ND]0000099[ST]Success_a_b_U3VwZXI=_1[ND]"s << 0 << "U3VwZXI="s << 1;
-        QTest::newRow("no privileges") << "[ST]Success_a_b__8000[ND]"s << 0 << ""s << 8000;
-        QTest::newRow("no port") << "[ST]Success_a_b_c[ND]"s << subscript << ""s << 0;
-        QTest::newRow("nothing but the word") << "[ST]Success_[ND]"s << subscript << ""s << 0;
-        QTest::newRow("empty port") << "[ST]Success_a_b_c_[ND]"s << mismatch << ""s << 0;
-        QTest::newRow("letters for a port") << "[ST]Success_a_b_c_80a0[ND]"s << mismatch << ""s << 0;
-        QTest::newRow("a port beyond all bounds")
-            << "[ST]Success_a_b_c_99999999999[ND]"s << numberOf(ErrorNumber::Overflow) << ""s << 0;
+        addRow("as it should be", "[ST]Success_a_b_U3VwZXI=_8000[ND]"s, 0, "U3VwZXI="s, 8000);
+        addRow("a field more", "[ST]Success_a_b_U3VwZXI=_8000_x[ND]"s, 0, "U3VwZXI="s, 8000);
+        addRow("behind another message", "[ST]a_b_c_d_e[ND]0000099[ST]Success_a_b_U3VwZXI=_1[ND]"s, 0, "U3VwZXI="s, 1);
+        addRow("no privileges", "[ST]Success_a_b__8000[ND]"s, 0, ""s, 8000);
+        addRow("privileges that are no Base64", "[ST]Success_a_b_?&!x_8000[ND]"s, mismatch, ""s, 0);
+        addRow("privileges with an end in them", "[ST]Success_a_b_U3Vw[ND]ZXI=_8000[ND]"s, 0, "U3Vw[ND]ZXI="s, 8000);
+        addRow("no port", "[ST]Success_a_b_c[ND]"s, subscript, ""s, 0);
+        addRow("nothing but the word", "[ST]Success_[ND]"s, subscript, ""s, 0);
+        addRow("empty port", "[ST]Success_a_b_c_[ND]"s, mismatch, ""s, 0);
+        addRow("letters for a port", "[ST]Success_a_b_c_80a0[ND]"s, mismatch, ""s, 0);
+        addRow("a port beyond all bounds", "[ST]Success_a_b_c_99999999999[ND]"s, numberOf(ErrorNumber::Overflow), ""s,
+               0);
     }
     void aSuccessGivesPrivilegesAndPort()
     {

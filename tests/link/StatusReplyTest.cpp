@@ -2,6 +2,7 @@
 
 #include "base/RaisedError.h"
 #include "link/Request.h"
+#include "support/AddRow.h"
 
 using namespace std::string_literals;
 
@@ -19,20 +20,17 @@ private Q_SLOTS:
         QTest::addColumn<Plugins>("plugins");
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
-        QTest::newRow("three and four fields")
-            << "Status_QUJD-1-REVG|R0hJ-2-SktM-x"s << 0 << Plugins{{"ABC", {}}, {"GHI", "x"}};
-        QTest::newRow("a version with a fifth field") << "Status_QUJD-1-REVG-1.0-2"s << 0 << Plugins{{"ABC", "1.0"}};
-        QTest::newRow("a name alone") << "Status_QUJD"s << 0 << Plugins{{"ABC", {}}};
-        QTest::newRow("an empty version") << "Status_QUJD-1-REVG-"s << 0 << Plugins{{"ABC", ""}};
-        QTest::newRow("no plugins") << "Status_"s << 0 << Plugins();
-        QTest::newRow("nothing") << ""s << 0 << Plugins();
-        QTest::newRow("blank entries") << "Status_ | |QUJD-1-x|"s << 0 << Plugins{{"ABC", {}}};
-        QTest::newRow("words behind the first entry")
-            << "Status_QUJD_R0hJ|R0hJ"s << 0 << Plugins{{"ABC", {}}, {"GHI", {}}};
-        QTest::newRow("a blank first entry has no word") << " |QUJD-1-x"s << 0 << Plugins{{"ABC", {}}};
-        QTest::newRow("no leading word") << "QUJD-1-x"s << subscript << Plugins();
-        QTest::newRow("the second name is no Base64")
-            << "Status_QUJD-1-x|%%%%-1-x"s << mismatch << Plugins{{"ABC", {}}};
+        addRow("three and four fields", "Status_QUJD-1-REVG|R0hJ-2-SktM-x"s, 0, Plugins{{"ABC", {}}, {"GHI", "x"}});
+        addRow("a version with a fifth field", "Status_QUJD-1-REVG-1.0-2"s, 0, Plugins{{"ABC", "1.0"}});
+        addRow("a name alone", "Status_QUJD"s, 0, Plugins{{"ABC", {}}});
+        addRow("an empty version", "Status_QUJD-1-REVG-"s, 0, Plugins{{"ABC", ""}});
+        addRow("no plugins", "Status_"s, 0, Plugins());
+        addRow("nothing", ""s, 0, Plugins());
+        addRow("blank entries", "Status_ | |QUJD-1-x|"s, 0, Plugins{{"ABC", {}}});
+        addRow("words behind the first entry", "Status_QUJD_R0hJ|R0hJ"s, 0, Plugins{{"ABC", {}}, {"GHI", {}}});
+        addRow("a blank first entry has no word", " |QUJD-1-x"s, 0, Plugins{{"ABC", {}}});
+        addRow("no leading word", "QUJD-1-x"s, subscript, Plugins());
+        addRow("the second name is no Base64", "Status_QUJD-1-x|%%%%-1-x"s, mismatch, Plugins{{"ABC", {}}});
     }
     void aStatusReplyNamesTheTrackersPlugins()
     {
@@ -54,22 +52,14 @@ private Q_SLOTS:
         QTest::addColumn<int>("error");
         QTest::addColumn<std::string>("component");
         QTest::addColumn<std::string>("payload");
-        QTest::newRow("payload with separators") << "Plugin_qrvStats_a_b"s << true << 0 << "qrvrcStats"s
-                                                 << "a_b"s;
-        QTest::newRow("every occurrence is renamed") << "Plugin_qrvXqrvY_p"s << true << 0 << "qrvrcXqrvrcY"s
-                                                     << "p"s;
-        QTest::newRow("other letter case stays") << "Plugin_QRVStats_p"s << true << 0 << "QRVStats"s
-                                                 << "p"s;
-        QTest::newRow("a longer first word") << "Plugins_qrvStats"s << true << 0 << "qrvrcStats"s
-                                             << ""s;
-        QTest::newRow("payload of separators") << "Plugin_x___"s << true << 0 << "x"s
-                                               << "__"s;
-        QTest::newRow("no component") << "Plugin"s << true << numberOf(ErrorNumber::SubscriptOutOfRange) << ""s
-                                      << ""s;
-        QTest::newRow("other letter case is none") << "plugin_qrvStats"s << false << 0 << "qrvrcStats"s
-                                                   << ""s;
-        QTest::newRow("too short") << "Plugi"s << false << numberOf(ErrorNumber::SubscriptOutOfRange) << ""s
-                                   << ""s;
+        addRow("payload with separators", "Plugin_qrvStats_a_b"s, true, 0, "qrvrcStats"s, "a_b"s);
+        addRow("every occurrence is renamed", "Plugin_qrvXqrvY_p"s, true, 0, "qrvrcXqrvrcY"s, "p"s);
+        addRow("other letter case stays", "Plugin_QRVStats_p"s, true, 0, "QRVStats"s, "p"s);
+        addRow("a longer first word", "Plugins_qrvStats"s, true, 0, "qrvrcStats"s, ""s);
+        addRow("payload of separators", "Plugin_x___"s, true, 0, "x"s, "__"s);
+        addRow("no component", "Plugin"s, true, numberOf(ErrorNumber::SubscriptOutOfRange), ""s, ""s);
+        addRow("other letter case is none", "plugin_qrvStats"s, false, 0, "qrvrcStats"s, ""s);
+        addRow("too short", "Plugi"s, false, numberOf(ErrorNumber::SubscriptOutOfRange), ""s, ""s);
     }
     void aPluginMessageNamesItsComponent()
     {
@@ -80,16 +70,6 @@ private Q_SLOTS:
         QTEST(error, "error");
         QTEST(message.component, "component");
         QTEST(message.payload, "payload");
-    }
-
-    void requestsAreFramed()
-    {
-        QCOMPARE(framed({"GetProfiles", "GetProfiles_x", {}}), "[ST]GetProfiles_x_VB6_[ND]"s);
-        QCOMPARE(framed({"SetProfile", "SetProfile_x", "1_y"}), "[ST]SetProfile_x_VB6_1_y[ND]"s);
-        QCOMPARE(framed(rawRequest("abc")), "[ST]abc[ND]"s);
-        QCOMPARE(framed({"rcdata", "abc", {}}), "[ST]abc_VB6_[ND]"s);
-        QCOMPARE(framed(loginRequest("u", "p", "3.0.1.0")), "[ST]login_u_p_3.0.1.0_VB6_[ND]"s);
-        QCOMPARE(framed(getStatusRequest("u")), "[ST]GetStatus_u_VB6_[ND]"s);
     }
 };
 

@@ -1,20 +1,16 @@
 #include "plugins/ComponentCheck.h"
 
 #include "base/RuntimeError.h"
-#include "link/Client.h"
-#include "platform/Component.h"
-#include "platform/Inet.h"
+#include "platform/components/Component.h"
+#include "platform/system/FileBytes.h"
 #include "plugins/ComponentEntries.h"
-#include "store/FileBytes.h"
-#include "support/LinkRig.h"
-#include "ui/PictureStore.h"
-#include "ui/WindowRegistry.h"
+#include "support/ClientRig.h"
+#include "support/Pane.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QLabel>
 #include <QListWidget>
-#include <QMenu>
 #include <QProgressBar>
 #include <QRegularExpression>
 #include <QTimer>
@@ -30,14 +26,8 @@ constexpr int patience = 30'000; // milliseconds; only a fault makes anybody wai
 
 /// A check over a folder of its own. What the window is to be driven by runs once the check waits for its user, or,
 /// with `whileTesting`, as soon as there is a window.
-struct CheckRig : LinkRig
+struct CheckRig : ClientRig
 {
-    PictureStore pictures{folder};
-    WindowRegistry windows;
-    QString helpSection;
-    Inet inet;
-    Client client{link,     replies, session,  store,    folder,  inet,
-                  reporter, boxes,   codePage, pictures, windows, helpSection};
     ProblemFiles problems;
     std::set<std::string> broken;      ///< classes that cannot be created
     std::set<std::string> registrable; ///< files whose registration succeeds
@@ -104,17 +94,11 @@ struct CheckRig : LinkRig
     template <typename Part>
     Part& part(const char* name)
     {
-        return *window->findChild<Part*>(QLatin1String(name));
+        return Pane(*window).control<Part>(QLatin1String(name));
     }
     QListWidget& list() { return part<QListWidget>("List1"); }
-    QStringList lines()
-    {
-        QStringList texts;
-        for (int row = 0; row < list().count(); ++row)
-            texts += list().item(row)->text();
-        return texts;
-    }
-    void press(const char* button) { QTest::mouseClick(&part<QWidget>(button), Qt::LeftButton); }
+    QStringList lines() { return Pane(*window).column(u"List1"_s); }
+    void press(const char* button) { Pane(*window).click(QLatin1String(button)); }
     void tickAll() { list().selectAll(); }
     QStringList boxTexts() const
     {
@@ -282,31 +266,6 @@ private Q_SLOTS:
                               u"Failed!|Failed to Delete ActiveX File \\Plugins\\sub\\odd.dll"_s}));
     }
 
-    void bothMouseAndKeyboardOpenTheMenuAndKeepTheTicks()
-    {
-        CheckRig rig;
-        rig.put("\\Plugins\\bad.dll");
-        rig.broken = {"bad.clsPlugin"};
-        int opened = 0;
-        QVERIFY(rig.run([&] {
-            auto& menu = rig.part<QMenu>("mnuMain");
-            QWidget* surface = rig.list().viewport();
-            const QPoint spot = rig.list().visualItemRect(rig.list().item(0)).center();
-            QTest::mouseClick(surface, Qt::LeftButton, {}, spot);
-            for (const auto reason : {QContextMenuEvent::Mouse, QContextMenuEvent::Keyboard}) {
-                if (reason == QContextMenuEvent::Mouse)
-                    QTest::mousePress(surface, Qt::RightButton, {}, spot);
-                QContextMenuEvent event(reason, spot, surface->mapToGlobal(spot));
-                QApplication::sendEvent(surface, &event);
-                opened += menu.isVisible() && rig.list().item(0)->isSelected() ? 1 : 0;
-                menu.close();
-                QTest::mouseRelease(surface, Qt::RightButton, {}, spot);
-            }
-            rig.press("cmdProceed");
-        }));
-        QCOMPARE(opened, 2);
-    }
-
     void theExportHoldsWhatIsStillListed()
     {
         CheckRig rig;
@@ -323,23 +282,6 @@ private Q_SLOTS:
             uR"(Operating System: [^\r\n]+, \d+\.\d+, [^\r\n]*, \d+\.\d+\r\n)"_s);
         QVERIFY2(head.match(rig.caption.value(1)).hasMatch(), qPrintable(rig.caption.value(1)));
         QVERIFY(rig.caption.value(1).endsWith(u"\r\nUnregistered Plugin File: \\Plugins\\bad ä.dll"_s));
-    }
-
-    void aTextFileIsNoPluginForTheRealThing()
-    {
-        CheckRig rig;
-        rig.put("\\Plugins\\fake.dll");
-        Components components(rig.folder);
-        ComponentServices real = rig.services();
-        real.create = [&](const std::string& progId) { components.createObject(progId); };
-        real.registerFile = [&](const std::filesystem::path& file) { return components.registerFile(file); };
-        QVERIFY(rig.run(real, [&] {
-            rig.tickAll();
-            rig.part<QAction>("mnuRegister").trigger();
-            rig.press("cmdProceed");
-        }));
-        QCOMPARE(rig.boxTexts().value(0), u"Failed!|Failed to Register ActiveX File \\Plugins\\fake.dll"_s);
-        QCOMPARE(rig.problems.names, std::vector<std::string>{"fake.dll"});
     }
 
     void quittingUnwindsTheCheck_data()

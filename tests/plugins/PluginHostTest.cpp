@@ -5,7 +5,9 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QSignalSpy>
+#include <QStatusBar>
 #include <QTest>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -122,32 +124,13 @@ private Q_SLOTS:
                  isOffered ? QStringList({u"Admin"_s, u"Match Watch"_s}) : QStringList(u"Admin"_s));
     }
 
-    void aPluginSaysWhatItIs()
-    {
-        Desk desk;
-        addPlugins(desk);
-        QVERIFY(desk.open());
-        const Plugin* plugin = desk.core().plugins.find("Match Watch");
-        QVERIFY(plugin && plugin->component);
-        QCOMPARE(QString::fromStdString(plugin->file), u"qrvrcWatch.dll"_s);
-        QCOMPARE(QString::fromStdString(plugin->version), u"1.0.0.0"_s);
-        QCOMPARE(QString::fromStdString(plugin->helpFile), u"qrvrcWatch.html"_s);
-        QVERIFY(plugin->hasInterface && plugin->serverMenu && !plugin->profileMenu);
-        QVERIFY(plugin->profileMenuItems.empty());
-        QCOMPARE(desk.core().plugins.find("BHD Auto Start")->game.toString(), std::string("DFBHD"));
-    }
-
     void problemFilesAreSkippedInAnyLetterCase_data()
     {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("problem");
         QTest::addColumn<QString>("table"); // nobody has logged in, so everything is restricted
-        QTest::newRow("none") << u"qrvrcWatch.dll"_s << u"other.dll"_s << u"qrvrcBHDGS-r qrvrcWatch-r"_s;
         QTest::newRow("as it is") << u"qrvrcWatch.dll"_s << u"qrvrcWatch.dll"_s << u"qrvrcBHDGS-r"_s;
-        QTest::newRow("in another case") << u"qrvrcWatch.dll"_s << u"QRVRCwatch.DLL"_s << u"qrvrcBHDGS-r"_s;
         QTest::newRow("a file in another case") << u"qrvrcWatch.DLL"_s << u"qrvrcwatch.dll"_s << u"qrvrcBHDGS-r"_s;
-        QTest::newRow("a base alone is no file")
-            << u"qrvrcWatch.dll"_s << u"qrvrcWatch"_s << u"qrvrcBHDGS-r qrvrcWatch-r"_s;
         QTest::newRow("ending in another case")
             << u"qrvrcWatch.DLL"_s << u"other.dll"_s << u"qrvrcBHDGS-r qrvrcWatch-r"_s;
     }
@@ -205,14 +188,19 @@ private Q_SLOTS:
         Desk desk;
         addPlugins(desk);
         QVERIFY(desk.logIn());
+        desk.clickTab(u"tsMain"_s, u"Plugins"_s);
+        const auto& window = desk.control(u"qrvrcPlugins"_s);
+        window.findChild<QListWidget*>(u"lstPlugins"_s)->setCurrentRow(1);
+        const auto* status = window.findChild<QLabel*>(u"lblStatus"_s);
+        QCOMPARE(status->text(), u"Status: Enabled"_s);
         if (byUser) {
             desk.clickTab(u"tsMain"_s, u"Login"_s);
             desk.click(u"cmdDisconnect"_s);
-            QVERIFY(tableOf(desk).startsWith(u"qrvrcBHDGS-"_s) && tableOf(desk).contains(u" qrvrcWatch-"_s));
         } else {
             desk.tracker.resetLinks();
-            QTRY_VERIFY(!desk.link().isConnected());
         }
+        QTRY_COMPARE(status->text(), u"Status: Disabled"_s);
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS-r qrvrcWatch-r"_s); // nobody has rights any more
         QVERIFY(desk.core().plugins.trackerNames.empty());
         // The next tracker's versions count, at their own positions.
         desk.tracker.world().plugins.swapItemsAt(0, 1);
@@ -221,6 +209,56 @@ private Q_SLOTS:
         QVERIFY(desk.core().plugins.isEnabled("BHD Auto Start"));
         QVERIFY(!desk.core().plugins.isEnabled("Match Watch"));
         QCOMPARE(desk.boxes.boxes.size(), 1);
+    }
+
+    void aStatusThatWasDamagedIsAskedForAgain_data()
+    {
+        QTest::addColumn<int>("damaged"); // answers, one after the other
+        QTest::addColumn<int>("asked");   // requests of the login
+        QTest::newRow("never") << 0 << 1;
+        QTest::newRow("once") << 1 << 2;
+        QTest::newRow("twice") << 2 << 2;
+    }
+    void aStatusThatWasDamagedIsAskedForAgain()
+    {
+        QFETCH(const int, damaged);
+        QFETCH(const int, asked);
+        Desk desk;
+        addPlugins(desk);
+        QVERIFY(desk.open());
+        for (int answer = 0; answer < damaged; ++answer)
+            desk.tracker.answerNextWith("GetStatus", "Status_TWF0Y2ggV2F0Y2g=-1-x-1|%%%%-1-x");
+        QVERIFY(desk.logIn());
+        QCOMPARE(desk.requestCount("GetStatus"), asked);
+        QCOMPARE(desk.core().plugins.isTrackerKnown, damaged < 2);
+        for (const QString& tab : {u"Plugins"_s, u"Login"_s, u"Plugins"_s}) {
+            desk.clickTab(u"tsMain"_s, tab);
+            QTRY_VERIFY(desk.core().plugins.isTrackerKnown);
+        }
+        desk.clickTab(u"tsMain"_s, u"Profile List"_s); // a request behind all that the window may have sent
+        QVERIFY(desk.settles());
+        QCOMPARE(desk.requestCount("GetStatus"), damaged + 1);
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+ qrvrcWatch+"_s);
+        QCOMPARE(desk.core().plugins.trackerNames.size(), 2U); // nothing of what was damaged
+        QCOMPARE(desk.boxes.boxes.size(), damaged);
+    }
+
+    void aStatusThatIsLateIsAskedForOnce()
+    {
+        Desk desk;
+        addPlugins(desk);
+        QVERIFY(desk.open());
+        desk.tracker.hold("GetStatus");
+        const auto openWindow = [&](const QByteArray& request) {
+            if (request != "GetStatus")
+                return;
+            desk.clickTab(u"tsMain"_s, u"Plugins"_s);
+            QTimer::singleShot(0, &desk.tracker, &practice::Tracker::releaseAll); // behind what the click set off
+        };
+        connect(&desk.tracker, &practice::Tracker::requestReceived, &desk.tracker, openWindow, Qt::QueuedConnection);
+        QVERIFY(desk.logIn());
+        QCOMPARE(desk.requestCount("GetStatus"), 1);
+        QCOMPARE(desk.core().plugins.trackerNames.size(), 2U);
     }
 
     void aMessageReachesItsPlugin()
@@ -233,7 +271,7 @@ private Q_SLOTS:
         const auto& page = desk.control(u"qrvrcWatch"_s);
         QVERIFY(page.isVisible());
         QCOMPARE(page.findChild<QLabel*>(u"lblProfile"_s)->text(), u"Profile 1"_s);
-        QCOMPARE(desk.core().helpSection, u"qrvrcWatch.html"_s);
+        QCOMPARE(desk.frame().helpSection(), u"qrvrcWatch.html"_s);
         const auto& messages = desk.control<QListWidget>(u"lstMessages"_s);
         desk.tracker.send("Plugin_qrvWatch_first_\x80");
         desk.tracker.send("Plugin_qrvBHDGS_for the other");
@@ -247,22 +285,21 @@ private Q_SLOTS:
         QVERIFY(desk.boxes.boxes.isEmpty());
     }
 
-    void aMessageForNobodyIsReported_data()
+    void aMessageForNobodyIsNotedOnceALogin_data()
     {
         QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QString>("error");
-        QTest::newRow("unknown") << "Plugin_qrvNothing_x"_ba << u"Error 429: "_s;
-        QTest::newRow("another letter case") << "Plugin_qrvWATCH_x"_ba << u"Error 429: "_s;
-        QTest::newRow("renamed twice") << "Plugin_qrvrcWatch_x"_ba << u"Error 429: "_s;
-        QTest::newRow("no plugin, but a component") << "Plugin_Odd_x"_ba << u"Error 429: "_s;
-        QTest::newRow("a path") << "Plugin_..\\Plugins\\qrvWatch_x"_ba << u"Error 429: "_s;
-        QTest::newRow("no name") << "Plugin__x"_ba << u"Error 429: "_s;
-        QTest::newRow("nothing behind the word") << "Plugin"_ba << u"Error 9: "_s;
+        QTest::addColumn<QString>("named");
+        QTest::newRow("unknown") << "Plugin_qrvNothing_x"_ba << u"qrvrcNothing"_s;
+        QTest::newRow("another letter case") << "Plugin_qrvWATCH_x"_ba << u"qrvrcWATCH"_s;
+        QTest::newRow("renamed twice") << "Plugin_qrvrcWatch_x"_ba << u"qrvrcrcWatch"_s;
+        QTest::newRow("no plugin, but a component") << "Plugin_Odd_x"_ba << u"Odd"_s;
+        QTest::newRow("a path") << "Plugin_..\\Plugins\\qrvWatch_x"_ba << u"..\\Plugins\\qrvrcWatch"_s;
+        QTest::newRow("no name") << "Plugin__x"_ba << QString();
     }
-    void aMessageForNobodyIsReported()
+    void aMessageForNobodyIsNotedOnceALogin()
     {
         QFETCH(const QByteArray, message);
-        QFETCH(const QString, error);
+        QFETCH(const QString, named);
         Desk desk;
         addPlugins(desk);
         // Registered, as another program's component would be, but none of the plugins.
@@ -270,13 +307,34 @@ private Q_SLOTS:
         desk.put("\\settings\\components.ini",
                  desk.bytesOf("\\settings\\components.ini") + "[Odd.clsPlugin]\r\nFile=\\odd.dll\r\n");
         QVERIFY(desk.logIn());
-        desk.boxes.boxes.clear();
-        desk.tracker.send(message);
+        const auto* note = desk.frame().statusBar()->findChild<QLabel*>(u"lblNote"_s);
+        const auto noteOf = [](const QString& name) {
+            return u"The tracker sent a message for the plugin '%1', which this client does not have."_s.arg(name);
+        };
+        const QSignalSpy told(&desk.core().pluginHost, &PluginHost::unknownPlugin);
+        for (int login = 1; login <= 2; ++login) {
+            desk.tracker.send(message);
+            QTRY_COMPARE(note->text(), noteOf(named));
+            desk.tracker.send(message);
+            desk.tracker.send("Plugin_last_x");
+            QTRY_COMPARE(note->text(), noteOf(u"last"_s));
+            QCOMPARE(told.size(), 2 * login);
+            desk.link().close();
+            QVERIFY(desk.logIn());
+        }
+        QVERIFY(desk.boxes.boxes.isEmpty());
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+ qrvrcWatch+"_s);
+    }
+
+    void aMessageThatNamesNothingIsReported()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        desk.tracker.send("Plugin");
         QTRY_COMPARE(desk.boxes.boxes.size(), 1);
         const QString text = desk.boxes.onlyText();
-        QVERIFY2(text.contains(error) && text.endsWith(u"Function/Sub: HandleData"_s), qPrintable(text));
+        QVERIFY2(text.contains(u"Error 9: "_s) && text.endsWith(u"Function/Sub: HandleData"_s), qPrintable(text));
         QVERIFY(desk.frame().isEnabled() && desk.control(u"tsMain"_s).isEnabled());
-        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+ qrvrcWatch+"_s);
     }
 };
 

@@ -1,7 +1,5 @@
-#include "practice/World.h"
-#include "practice/GifEmblem.h"
+#include "practice/world/World.h"
 
-#include <QImage>
 #include <QSet>
 #include <QTest>
 
@@ -65,15 +63,6 @@ private Q_SLOTS:
         QVERIFY(mapsOfTheFirst.size() > 1);
     }
 
-    void theLivelyWorldShowsEveryStatus()
-    {
-        QSet<int> states;
-        const World world = World::lively();
-        for (const Profile& profile : world.profiles)
-            states += static_cast<int>(profile.state);
-        QCOMPARE(states, (QSet<int>{0, 1, 2, 3, 4, 5}));
-    }
-
     void aRestrictedSectionAllowsNothing()
     {
         Privileges privileges;
@@ -84,16 +73,6 @@ private Q_SLOTS:
         QCOMPARE(privileges.text({{"Options", {restrictAccess, "View Options"}}, pluginSection("Relay")}),
                  "User|Options|Restrict Access=1|View Options=1|Relay|Restrict Access=0|Start Server=0|"
                  "Change Settings=0"_ba);
-    }
-
-    void emblemsAreRealPictures()
-    {
-        for (const Emblem emblem : {Emblem::Shield, Emblem::Parachute, Emblem::Crosshair}) {
-            const QImage image = QImage::fromData(gifEmblem(emblem), "GIF");
-            QCOMPARE(image.size(), QSize(16, 16));
-            QCOMPARE(qAlpha(image.pixel(15, 15)), 0);
-            QVERIFY(qAlpha(image.pixel(8, 3)) == 255);
-        }
     }
 };
 

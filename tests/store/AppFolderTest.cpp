@@ -1,6 +1,7 @@
 #include "store/AppFolder.h"
 
 #include "base/RaisedError.h"
+#include "support/AddRow.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -43,59 +44,24 @@ private Q_SLOTS:
     {
         QTest::addColumn<std::string>("layoutName");
         QTest::addColumn<std::string>("found"); // below the root; empty when refused
-        QTest::newRow("other case") << "\\IMGS\\butup.gif"s
-                                    << "Imgs/ButUp.GIF"s;
-        QTest::newRow("without the backslash") << "imgs\\butup.gif"s
-                                               << "Imgs/ButUp.GIF"s;
-        QTest::newRow("folder with a backslash behind") << "\\imgs\\"s
-                                                        << "Imgs"s;
-        QTest::newRow("new file in an existing folder") << "\\IMGS\\New.gif"s
-                                                        << "Imgs/New.gif"s;
-        QTest::newRow("new folder") << "\\Mods\\New.gif"s
-                                    << "Mods/New.gif"s;
-        QTest::newRow("two files, own case") << "\\both.txt"s
-                                             << "both.txt"s;
-        QTest::newRow("two files, neither case") << "\\Both.TXT"s
-                                                 << "BOTH.txt"s;
-        QTest::newRow("link inside") << "\\inside\\config.ini"s
-                                     << "inside/config.ini"s;
-        QTest::newRow("dots in a name") << "\\..a..b"s
-                                        << "..a..b"s;
-        QTest::newRow("not quite a device") << "\\com10.txt"s
-                                            << "com10.txt"s;
-        for (const char* name : {"\\..",
-                                 "\\..\\programs\\secret.txt",
-                                 "\\imgs\\..\\..\\x",
-                                 "\\imgs\\.",
-                                 "\\...",
-                                 "\\imgs\\\\x",
-                                 "\\\\host\\share",
-                                 "\\C:\\x",
-                                 "C:",
-                                 "\\a:stream",
-                                 "\\/etc/passwd",
-                                 "/etc/passwd",
-                                 "\\imgs/x",
-                                 "\\con",
-                                 "\\NUL.txt",
-                                 "\\imgs\\Com1.log",
-                                 "\\LPT9",
-                                 "\\com\xB9",
-                                 "\\aux .c",
-                                 "\\conout$",
-                                 "\\a\n",
-                                 "\\a\x7F",
-                                 "\\x ",
-                                 "\\x.",
-                                 "\\outside",
-                                 "\\OUTSIDE\\secret.txt",
-                                 "\\outside\\new.txt",
-                                 "\\secret.lnk",
-                                 "\\dangling",
-                                 "\\around"})
-            QTest::newRow(name) << std::string(name) << ""s;
-        QTest::newRow("NUL inside") << "\\a\0b"s
-                                    << ""s;
+        addRow("other case", "\\IMGS\\butup.gif"s, "Imgs/ButUp.GIF"s);
+        addRow("without the backslash", "imgs\\butup.gif"s, "Imgs/ButUp.GIF"s);
+        addRow("folder with a backslash behind", "\\imgs\\"s, "Imgs"s);
+        addRow("new file in an existing folder", "\\IMGS\\New.gif"s, "Imgs/New.gif"s);
+        addRow("new folder", "\\Mods\\New.gif"s, "Mods/New.gif"s);
+        addRow("two files, own case", "\\both.txt"s, "both.txt"s);
+        addRow("two files, neither case", "\\Both.TXT"s, "BOTH.txt"s);
+        addRow("link inside", "\\inside\\config.ini"s, "inside/config.ini"s);
+        addRow("dots in a name", "\\..a..b"s, "..a..b"s);
+        addRow("not quite a device", "\\com10.txt"s, "com10.txt"s);
+        const QByteArray outside =
+            "\\..|\\..\\programs\\secret.txt|\\imgs\\..\\..\\x|\\imgs\\.|\\...|\\imgs\\\\x|\\\\host\\share|\\C:\\x|C:|"
+            "\\a:stream|\\/etc/passwd|/etc/passwd|\\imgs/x|\\con|\\NUL.txt|\\imgs\\Com1.log|\\LPT9|\\com\xB9|\\aux "
+            ".c|\\conout$|\\a\n|\\a\x7F|\\x "
+            "|\\x.|\\outside|\\OUTSIDE\\secret.txt|\\outside\\new.txt|\\secret.lnk|\\dangling|\\around";
+        for (const QByteArray& name : outside.split('|'))
+            addRow(name, name.toStdString(), ""s);
+        addRow("NUL inside", "\\a\0b"s, ""s);
     }
     void namesStayInTheFolder()
     {

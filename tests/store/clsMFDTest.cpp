@@ -3,9 +3,10 @@
 #include "base/Base64.h"
 #include "base/RaisedError.h"
 #include "base/Text.h"
+#include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
 #include "store/ErrorLogBlock.h"
-#include "store/FileBytes.h"
+#include "support/AddRow.h"
 
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -15,6 +16,17 @@ namespace fs = std::filesystem;
 using namespace std::string_literals;
 
 namespace {
+
+/// A code page that has the first 256 characters.
+CodePageText latin(std::u16string_view text)
+{
+    CodePageText result;
+    for (const char16_t character : text) {
+        result.bytes += character < 0x100 ? static_cast<char>(character) : '?';
+        result.isWhole = result.isWhole && character < 0x100;
+    }
+    return result;
+}
 
 /// A helper on a folder of its own, with what it has posted.
 struct Store
@@ -26,10 +38,12 @@ struct Store
     clsMFD mfd{folder,
                {.updateWarning = {},
                 .showHelp = {},
-                .postErrorReport = [this](const std::string& report, const std::function<void(bool)>& done) {
-                    posted.push_back(report);
-                    done(pageTakesReports);
-                }}};
+                .postErrorReport =
+                    [this](const std::string& report, const std::function<void(bool)>& done) {
+                        posted.push_back(report);
+                        done(pageTakesReports);
+                    },
+                .toCodePage = latin}};
 
     fs::path file(std::string_view name) const { return folder.path(name); }
 };
@@ -57,28 +71,6 @@ class clsMFDTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void aProfileIsWrittenReadAndRemoved()
-    {
-        const Store store;
-        const fs::path file = store.file("\\profiles.ini");
-        QCOMPARE(store.mfd.GetAllIniSections(file), std::vector<std::string>());
-        QCOMPARE(store.mfd.GetIniKey("Home", "Host", file), ""s);
-        store.mfd.ClearIniSection("Home", file);
-        QVERIFY(!fs::exists(file));
-        const std::vector<std::array<std::string, 2>> keys = {
-            {"Host", "tracker.example"}, {"Port", "17280"}, {"User", "Ann"}, {"Pass", " \"p=w\"; "}};
-        for (const auto& [key, value] : keys)
-            store.mfd.WriteIniKey("Home", key, value, file);
-        store.mfd.WriteIniKey("Other", "Host", "h", file);
-        const std::vector<std::string> lines = store.mfd.GetIniSection("Home", file);
-        QCOMPARE(lines.size(), keys.size());
-        for (std::size_t i = 0; i < keys.size(); ++i)
-            QVERIFY(clsMFD::ParseIniKey(lines[i], true) == keys[i] && clsMFD::ParseIniKey(lines[i]) == keys[i][1]);
-        QCOMPARE(fs::status(file).permissions(), fs::perms(0600));
-        store.mfd.ClearIniSection("Home", file);
-        QCOMPARE(store.mfd.GetAllIniSections(file), std::vector<std::string>{"Other"});
-    }
-
     void aLineWithoutEqualsSignIsAllKey()
     {
         QVERIFY(clsMFD::ParseIniKey("Profile Admins", true) == (std::array{"Profile Admins"s, ""s}));
@@ -90,7 +82,7 @@ private Q_SLOTS:
     {
         const Store store;
         const fs::path file = store.file("\\profiles.ini");
-        const std::string damaged = "[Home]\r\nHost=\0\r\n"s;
+        const std::string damaged(IniText::maxBytes + 1, '\n');
         writeBytes(file, damaged);
         constexpr int expected = numberOf(ErrorNumber::InvalidFileFormat);
         QCOMPARE(raisedBy([&] { store.mfd.GetIniKey("Home", "Host", file); }), expected);
@@ -101,20 +93,43 @@ private Q_SLOTS:
         QCOMPARE(raisedBy([&] { store.mfd.WriteIniKey("s", "k", "v", missing); }), numberOf(ErrorNumber::PathNotFound));
     }
 
+    void aFileInUnicodeIsReadAndLosesNothing_data()
+    {
+        QTest::addColumn<std::string>("bytes");
+        QTest::addColumn<std::string>("section");
+        QTest::addColumn<std::string>("written"); // after k=2 was set; empty when that is refused
+        addRow("low byte first", "\xFF\xFE[\0\xE9\0]\0\n\0k\0=\0001\0\n\0"s, "\xE9"s, "[\xE9]\nk=2\n"s);
+        addRow("high byte first", "\xFE\xFF\0[\0\xE9\0]\0\n\0k\0=\0001\0\n"s, "\xE9"s, "[\xE9]\nk=2\n"s);
+        addRow("half a character at the end", "\xFE\xFF\0[\0s\0]\0\n\0k\0=\0001\0\n\0"s, "s"s, "[s]\nk=2\n"s);
+        addRow("UTF-8", "\xEF\xBB\xBF[\xC3\xA9]\nk=1\n"s, "\xE9"s, "[\xE9]\nk=2\n"s);
+        addRow("no UTF-8 behind its mark", "\xEF\xBB\xBF[\xE9]\nk=1\n"s, "\xE9"s, "\xEF\xBB\xBF[\xE9]\nk=2\n"s);
+        addRow("a foreign character", "\xFF\xFE[\0s\0]\0\n\0k\0=\0001\0\n\0x\0=\0\x10\x04"s, "s"s, ""s);
+        addRow("a character of four bytes", "\xEF\xBB\xBF[s]\nk=1\nx=\xF0\x9F\x98\x80\n"s, "s"s, ""s);
+    }
+    void aFileInUnicodeIsReadAndLosesNothing()
+    {
+        QFETCH(const std::string, bytes);
+        QFETCH(const std::string, section);
+        QFETCH(const std::string, written);
+        const Store store;
+        const fs::path file = store.file("\\profiles.ini");
+        writeBytes(file, bytes);
+        QCOMPARE(store.mfd.GetAllIniSections(file), std::vector<std::string>{section});
+        QCOMPARE(store.mfd.GetIniKey(section, "k", file), "1"s);
+        const int error = raisedBy([&] { store.mfd.WriteIniKey(section, "k", "2", file); });
+        QCOMPARE(error, written.empty() ? numberOf(ErrorNumber::InvalidFileFormat) : 0);
+        QCOMPARE(readBytes(file), written.empty() ? bytes : written);
+    }
+
     void filesAreReadAsLines_data()
     {
         QTest::addColumn<std::string>("text");
         QTest::addColumn<std::string>("joined"); // each line with a "|" behind it
-        QTest::newRow("empty") << ""s
-                               << ""s;
-        QTest::newRow("no end") << "a\r\nb"s
-                                << "a|b|"s;
-        QTest::newRow("with end") << "a\r\nb\r\n"s
-                                  << "a|b|"s;
-        QTest::newRow("blank lines") << "\n\na\n\n"s
-                                     << "||a||"s;
-        QTest::newRow("mixed") << "a\rb\n\rc\r\n\nd"s
-                               << "a|b||c||d|"s;
+        addRow("empty", ""s, ""s);
+        addRow("no end", "a\r\nb"s, "a|b|"s);
+        addRow("with end", "a\r\nb\r\n"s, "a|b|"s);
+        addRow("blank lines", "\n\na\n\n"s, "||a||"s);
+        addRow("mixed", "a\rb\n\rc\r\n\nd"s, "a|b||c||d|"s);
     }
     void filesAreReadAsLines()
     {
@@ -193,7 +208,7 @@ private Q_SLOTS:
     {
         Store store;
         store.pageTakesReports = false;
-        const ErrorReportRecord record = {91, "not\r\nset", "QRVV3RC.exe 3.0.1", "HandleData", "False", 410};
+        const ErrorReportRecord record = {91, "not\r\nset", "QRVV3RC.exe 3.0.1", "HandleData", 410};
         int answers = 0;
         const auto count = [&answers](bool delivered) { answers += delivered ? 100 : 1; };
         store.mfd.SendErrorReport(record, count);
@@ -213,66 +228,25 @@ private Q_SLOTS:
         QCOMPARE(fields[14], QString());
     }
 
-    void aBlockOfAnotherMachineIsToldApart()
-    {
-        ErrorLogBlock block;
-        QCOMPARE(reportFields(block, "me", "now")[8], ""s);
-        block.identity = "you";
-        QCOMPARE(reportFields(block, "me", "now")[8], "0"s);
-        QVERIFY(formatErrorLogBlock(block).find("65 57 39 31 ") != std::string::npos); // "eW91", Base64 of "you"
-        block.identity.reset();
-        QCOMPARE(formatErrorLogBlock(block).find("Error Dump:"), std::string::npos);
-    }
-
     void webAddressesAreBroughtIntoForm_data()
     {
         QTest::addColumn<std::string>("typed");
         QTest::addColumn<std::string>("address");
-        QTest::newRow("plain") << "http://stats.example/php"s
-                               << "http://stats.example/php"s;
-        QTest::newRow("no scheme") << " stats.example:8080/ "s
-                                   << "http://stats.example:8080"s;
-        QTest::newRow("scheme in capitals") << "HTTPS://Stats.example//"s
-                                            << "https://Stats.example"s;
-        QTest::newRow("address") << "127.0.0.1/a/b/"s
-                                 << "http://127.0.0.1/a/b"s;
-        QTest::newRow("long address") << "http://[::1]:80/x"s
-                                      << "http://[::1]:80/x"s;
-        QTest::newRow("user") << "http://ann:pw@h/x"s
-                              << "http://ann:pw@h/x"s;
-        QTest::newRow("query with an address") << "h/x?u=ftp://y"s
-                                               << "http://h/x?u=ftp://y"s;
-        for (const char* typed : {"",
-                                  "  ",
-                                  "http://",
-                                  "https:///",
-                                  "http:",
-                                  "http:/x",
-                                  "://h",
-                                  "ftp://h",
-                                  "javascript://h",
-                                  "http:///x",
-                                  "http://:80",
-                                  "http://h:",
-                                  "http://h:0",
-                                  "http://h:65536",
-                                  "http://h:+1",
-                                  "http://h:a",
-                                  "mailto:a@b",
-                                  "http://a b",
-                                  "http://h/a b",
-                                  "http://h/a\tb",
-                                  "http://h\n",
-                                  "http://a..b",
-                                  "http://-a",
-                                  "http://.",
-                                  "http://[1]",
-                                  "http://[::1",
-                                  "http://[::g]",
-                                  "http://a@",
-                                  "http://a,b",
-                                  "http://http://h"})
-            QTest::newRow(typed) << std::string(typed) << ""s;
+        addRow("plain", "http://stats.example/php"s, "http://stats.example/php"s);
+        addRow("no scheme", " stats.example:8080/ "s, "http://stats.example:8080"s);
+        addRow("scheme in capitals", "HTTPS://Stats.example//"s, "https://Stats.example"s);
+        addRow("address", "127.0.0.1/a/b/"s, "http://127.0.0.1/a/b"s);
+        addRow("long address", "http://[::1]:80/x"s, "http://[::1]:80/x"s);
+        addRow("user", "http://ann:pw@h/x"s, "http://ann:pw@h/x"s);
+        addRow("query with an address", "h/x?u=ftp://y"s, "http://h/x?u=ftp://y"s);
+        const QByteArray none =
+            "|  "
+            "|http://|https:///|http:|http:/x|://h|ftp://h|javascript://h|http:///x|http://:80|http://h:|http://"
+            "h:0|http://h:65536|http://h:+1|http://h:a|mailto:a@b|http://a b|http://h/a "
+            "b|http://h/a\tb|http://h\n|http://a..b|http://-a|http://.|http://[1]|http://[::1|http://[::g]|http://"
+            "a@|http://a,b|http://http://h";
+        for (const QByteArray& typed : none.split('|'))
+            addRow(typed, typed.toStdString(), ""s);
     }
     void webAddressesAreBroughtIntoForm()
     {

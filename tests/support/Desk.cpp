@@ -1,11 +1,8 @@
 #include "support/Desk.h"
 
 #include <QAbstractItemModel>
-#include <QComboBox>
 #include <QFile>
 #include <QLabel>
-#include <QLineEdit>
-#include <QTabBar>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -65,41 +62,6 @@ QByteArray Desk::bytesOf(const char* layoutName) const
     return file.open(QFile::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void Desk::click(const QString& name)
-{
-    QTest::mouseClick(&control(name), Qt::LeftButton);
-}
-
-void Desk::clickTab(const QString& strip, const QString& caption)
-{
-    auto& bar = control<QTabBar>(strip);
-    QTest::mouseClick(&bar, Qt::LeftButton, {}, bar.tabRect(static_cast<int>(tabs(strip).indexOf(caption))).center());
-}
-
-void Desk::type(const QString& field, const QString& text)
-{
-    auto& edit = control<QLineEdit>(field);
-    if (!edit.isEnabled())
-        qFatal("%s takes no text now", qPrintable(field));
-    edit.selectAll();
-    QTest::keyClick(&edit, Qt::Key_Delete);
-    edit.insert(text); // as an input method does, so that no character is beyond the keyboard
-}
-
-QString Desk::text(const QString& field)
-{
-    return control<QLineEdit>(field).text();
-}
-
-QStringList Desk::tabs(const QString& strip)
-{
-    const auto& bar = control<QTabBar>(strip);
-    QStringList captions;
-    for (int index = 0; index < bar.count(); ++index)
-        captions += bar.tabText(index);
-    return captions;
-}
-
 QString Desk::linkStatus()
 {
     return control(u"fmeStatus"_s)
@@ -114,14 +76,6 @@ void Desk::typeProfile(const QString& name, const QString& user, const QString& 
     type(u"txtPort"_s, QString::number(port));
     type(u"txtUser"_s, user);
     type(u"txtPass"_s, password);
-}
-
-void Desk::chooseProfile(const QString& name)
-{
-    auto& list = control<QComboBox>(u"cboProfile"_s);
-    QTest::keyClick(&list, Qt::Key_Home);
-    for (int step = 1; step < list.count() && list.currentText() != name; ++step)
-        QTest::keyClick(&list, Qt::Key_Down);
 }
 
 bool Desk::logIn(const QString& user)
@@ -143,34 +97,42 @@ QAbstractItemModel& Desk::grid()
     return *control<QTableView>(u"fgProfiles"_s).model();
 }
 
-QStringList Desk::column(int column)
-{
-    QStringList texts;
-    for (int row = 0; row < grid().rowCount(); ++row)
-        texts += grid().index(row, column).data().toString();
-    return texts;
-}
-
-void Desk::clickRow(int row)
-{
-    auto& view = control<QTableView>(u"fgProfiles"_s);
-    view.scrollTo(grid().index(row, 1));
-    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.visualRect(grid().index(row, 1)).center());
-}
-
 bool Desk::refreshQuietly()
 {
-    const qsizetype asked = requestCount("GetProfiles");
     auto& clock = control<QTimer>(u"tmrRefresh"_s);
+    const qsizetype asked = requestCount("GetProfiles");
     clock.start(1);
     const bool hasAsked = QTest::qWaitFor([&] { return requestCount("GetProfiles") > asked; }, patience);
     clock.stop();
     return hasAsked && settles();
 }
 
+void Desk::beforeAnswer(const QByteArray& request, std::function<void()> meanwhile)
+{
+    tracker.hold(request);
+    auto* once = new QObject(m_frame.get());
+    QObject::connect(&tracker, &practice::Tracker::requestReceived, once,
+                     [this, once, request, meanwhile = std::move(meanwhile)](const QByteArray& name) {
+                         if (name != request)
+                             return;
+                         once->deleteLater();
+                         QTimer::singleShot(0, m_frame.get(), [this, meanwhile] {
+                             meanwhile();
+                             tracker.releaseAll();
+                         });
+                     });
+}
+
 bool Desk::settles()
 {
-    return QTest::qWaitFor([this] { return !link().isAwaitingReply(); }, patience);
+    return QTest::qWaitFor([this] { return !link().pending(); }, patience);
+}
+
+bool Desk::answered(const QByteArray& request, const std::function<void()>& act)
+{
+    const qsizetype asked = requestCount(request);
+    act();
+    return QTest::qWaitFor([&] { return requestCount(request) > asked; }, patience) && settles();
 }
 
 QByteArray Desk::lastRequest(const QByteArray& name) const

@@ -1,18 +1,19 @@
 #pragma once
 
 #include "app/qrvrcMain.h"
-#include "practice/SupportSide.h"
-#include "practice/Tracker.h"
+#include "practice/links/SupportSide.h"
+#include "practice/links/Tracker.h"
+#include "support/Pane.h"
 #include "support/RecordingDialogs.h"
 
 #include <QTemporaryDir>
 #include <QUrl>
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 
 class QAbstractItemModel;
-class QTabBar;
 
 /// The whole client on a folder of its own, beside a practice tracker on loopback, used through its controls as a user
 /// does. Nobody takes its error reports unless a maker host is set.
@@ -41,30 +42,26 @@ public:
     QByteArray bytesOf(const char* layoutName) const;
     bool exists(const char* layoutName) const { return std::filesystem::exists(path(layoutName)); }
 
-    /// A control by its name, wherever in the frame; ends the program when there is none.
+    /// A window of the frame, for names that others have too.
+    Pane in(const QString& window) { return Pane(control(window)); }
+    // Controls wherever in the frame, as a Pane has them.
     template <typename Control = QWidget>
     Control& control(const QString& name)
     {
-        auto* found = m_frame->findChild<Control*>(name);
-        if (!found)
-            qFatal("there is no control %s", qPrintable(name));
-        return *found;
+        return all().control<Control>(name);
     }
-    /// Clicks the middle of a control with the left mouse button.
-    void click(const QString& name);
-    /// Clicks the tab with this caption.
-    void clickTab(const QString& strip, const QString& caption);
-    /// Replaces the text of a field by typing.
-    void type(const QString& field, const QString& text);
-    QString text(const QString& field);
-    QStringList tabs(const QString& strip);
+    void click(const QString& name) { all().click(name); }
+    void clickTab(const QString& strip, const QString& caption) { all().clickTab(strip, caption); }
+    void type(const QString& field, const QString& text) { all().type(field, text); }
+    QString text(const QString& name) { return all().text(name); }
+    QStringList tabs(const QString& strip) { return all().tabs(strip); }
     /// What the login window says of the link.
     QString linkStatus();
 
     /// Types a new connection profile into the login window. The host is this machine.
     void typeProfile(const QString& name, const QString& user, const QString& password, quint16 port);
     /// Chooses a saved connection profile with the keyboard.
-    void chooseProfile(const QString& name);
+    void chooseProfile(const QString& name) { all().choose(QStringLiteral("cboProfile"), name); }
     /// Opens the client if need be, logs in by way of a new connection profile, and waits until the profile list stands
     /// still: its own refresh by the clock is off, so that requests come only from what a test does.
     /// @param user  also the password
@@ -73,20 +70,26 @@ public:
 
     QAbstractItemModel& grid();
     /// Texts of one column of the profile list, from top to bottom.
-    QStringList column(int column);
+    QStringList column(int column) { return all().column(QStringLiteral("fgProfiles"), column); }
     /// Selects a profile by a click on its row.
-    void clickRow(int row);
+    void clickRow(int row) { all().clickRow(QStringLiteral("fgProfiles"), row); }
     /// Lets the profile list follow the tracker by the clock once.
     /// @return whether it asked and has its answer
     bool refreshQuietly();
+    /// Lets something happen while the next request of that name waits for its answer.
+    void beforeAnswer(const QByteArray& request, std::function<void()> meanwhile);
     /// Waits until no request is under way.
     bool settles();
+    /// Whether `act` leads to a request of that name, at once or in a while, and the request to an answer.
+    bool answered(const QByteArray& request, const std::function<void()>& act);
 
     /// The newest request of that name; empty when there was none.
     QByteArray lastRequest(const QByteArray& name) const;
     qsizetype requestCount(const QByteArray& name) const;
 
 private:
+    Pane all() { return Pane(*m_frame); }
+
     QTemporaryDir m_folder;
     std::unique_ptr<qrvrcMain> m_frame;
 };

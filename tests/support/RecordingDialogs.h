@@ -1,6 +1,6 @@
 #pragma once
 
-#include "diagnostics/MessageBoxes.h"
+#include "diagnostics/report/MessageBoxes.h"
 
 #include <QList>
 

@@ -1,10 +1,9 @@
 #include "tour/Act.h"
 
 #include "app/qrvrcMain.h"
-#include "tour/Hand.h"
-#include "tour/Sight.h"
+#include "tour/Screen.h"
 
-#include <QPushButton>
+#include <QMenu>
 #include <QScreen>
 #include <QWindow>
 
@@ -12,29 +11,31 @@ using namespace Qt::StringLiterals;
 
 namespace tour {
 
-Act::Act(qrvrcMain& frame, const practice::World& world, const QDir& pictures)
-    : m_frame(frame),
-      m_tracker(world),
-      m_camera(pictures)
+Act::Act(const Stage& stage)
+    : frame(stage.frame),
+      web(stage.web),
+      home(stage.home),
+      tracker(practice::World::lively()),
+      camera(stage.pictures)
 {}
 
 bool Act::play()
 {
     // The port is known from now on, and nobody listens there until the tracker is to be found.
-    if (!m_tracker.listen()) {
+    if (!tracker.listen()) {
         m_failure = u"no port for the host link"_s;
         return false;
     }
-    m_tracker.stopListening();
-    m_tracker.setLively(false); // the pictures of one day look like those of another
+    tracker.stopListening();
+    tracker.setLively(false); // the pictures of one day look like those of another
     const QString failurePicture = u"failure.png"_s;
-    m_camera.prepare(failurePicture); // an older one would tell of a failure that is over
+    camera.prepare(failurePicture); // an older one would tell of a failure that is over
     m_script.onFailure = [this, failurePicture] {
         m_failure = whatStands();
-        m_camera.takeAtOnce(failurePicture);
+        camera.takeAtOnce(failurePicture);
     };
     m_script.start();
-    m_isStarted = m_frame.MDIFormLoad(); // the script goes on in what this opens
+    m_isStarted = frame.MDIFormLoad(); // the script goes on in what this opens
     if (m_isStarted)
         QApplication::exec();
     return m_script.isThrough();
@@ -53,97 +54,149 @@ QString Act::whatStands() const
     return line;
 }
 
+void Act::step(const QString& what, std::function<void()> act, std::function<bool()> until)
+{
+    m_script.add(what, std::move(act), std::move(until));
+}
+
+void Act::await(const QString& what, std::function<bool()> until)
+{
+    m_script.await(what, std::move(until));
+}
+
 void Act::picture(const QString& file)
 {
-    m_camera.prepare(file); // a tour that fails leaves no picture of an earlier one
-    m_script.add(
-        u"the picture %1 is taken"_s.arg(file), [this, file] { m_camera.prepare(file); },
-        [this, file, stillTrue = m_script.lastExpectation()] { return stillTrue() && m_camera.take(file); });
+    camera.prepare(file); // a tour that fails leaves no picture of an earlier one
+    step(
+        u"the picture %1 is taken"_s.arg(file), [this, file] { camera.prepare(file); },
+        [this, file, stillTrue = m_script.lastExpectation()] { return stillTrue() && camera.take(file); });
 }
 
 void Act::arrive()
 {
-    m_script.await(u"the program has started"_s, [this] { return m_isStarted; });
-    m_script.add(
+    await(u"the program has started"_s, [this] { return m_isStarted; });
+    step(
         u"the login window is there and active"_s,
         [this] {
-            m_frame.show();
-            m_frame.activateWindow();
+            frame.show();
+            frame.activateWindow();
             // Out of the way, or what happens to lie under the pointer would look touched.
-            QCursor::setPos(m_frame.screen()->geometry().bottomRight());
+            QCursor::setPos(frame.screen()->geometry().bottomRight());
         },
         [this] {
-            return m_frame.isActiveWindow() && m_frame.windowHandle()->isExposed() && seen<QWidget>(u"qrvrcLogin"_s) &&
+            return frame.isActiveWindow() && frame.windowHandle()->isExposed() && seen(u"qrvrcLogin"_s) &&
                    hasFocus(u"cboProfile"_s) && isLoggedOut();
         });
 }
 
 void Act::awaitFrame()
 {
-    m_script.add(
+    step(
         u"the frame is active again"_s,
         [this] {
             if (!hasWindowManager())
-                m_frame.activateWindow();
+                frame.activateWindow();
         },
-        [this] { return m_frame.isActiveWindow(); });
+        [this] { return frame.isActiveWindow(); });
 }
 
-void Act::answerBox(const QString& what, QMessageBox::StandardButton answer)
+void Act::escape(const QString& name)
 {
-    m_script.add(
-        what,
+    step(
+        u"Escape closes "_s + name, [] { press(Qt::Key_Escape); }, [name] { return !seen(name); });
+}
+
+void Act::answerBox(QMessageBox::StandardButton answer)
+{
+    step(
+        u"the box goes that came with: "_s + m_script.lastSentence(),
         [answer] {
             if (const auto* box = seen<QMessageBox>(u"msgBox"_s))
                 click(box->button(answer));
         },
-        [] { return !seen<QMessageBox>(u"msgBox"_s); });
+        [] { return !seen(u"msgBox"_s); });
 }
 
-void Act::dismissBox(const QString& what)
+void Act::dismissBox()
 {
-    answerBox(what, QMessageBox::Ok);
+    answerBox();
     awaitFrame();
 }
 
-void Act::typeConnection(const QString& profileName)
+void Act::openMenu(int row)
 {
-    m_script.add(
+    step(
+        u"a right click selects row %1 and opens its menu"_s.arg(row),
+        [row] { clickRow(u"fgProfiles"_s, row, Qt::RightButton); },
+        [row] { return seen<QMenu>(u"mnuMain"_s) && selectedRow() == row; });
+}
+
+void Act::typeConnection()
+{
+    step(
         u"the fields of the login window take what is typed"_s,
-        [this, profileName] {
+        [this] {
             click(u"txtProfile"_s);
-            for (const QByteArray& text : {profileName.toLatin1(), QByteArray("127.0.0.1"),
-                                           QByteArray::number(m_tracker.port()), QByteArray("admin")}) {
+            for (const QByteArray& text :
+                 {QByteArray("Practice host"), QByteArray("127.0.0.1"), QByteArray::number(tracker.port()),
+                  QByteArray("admin"), QByteArray("admin")}) {
                 type(text);
                 press(Qt::Key_Tab);
             }
-            type("admin");
-            press(Qt::Key_Tab);
         },
-        [this, profileName] {
-            return fieldText(u"txtProfile"_s) == profileName && fieldText(u"txtHost"_s) == u"127.0.0.1"_s &&
-                   fieldText(u"txtPort"_s) == QString::number(m_tracker.port()) &&
-                   fieldText(u"txtUser"_s) == u"admin"_s && fieldText(u"txtPass"_s) == u"admin"_s &&
-                   hasFocus(u"cmdConnect"_s);
+        [this] {
+            return textOf(u"txtProfile"_s) == u"Practice host"_s && textOf(u"txtHost"_s) == u"127.0.0.1"_s &&
+                   textOf(u"txtPort"_s) == QString::number(tracker.port()) && textOf(u"txtUser"_s) == u"admin"_s &&
+                   textOf(u"txtPass"_s) == u"admin"_s && hasFocus(u"cmdConnect"_s);
         });
 }
 
-void Act::askToQuit()
+void Act::connect()
 {
-    m_script.add(
-        u"closing the frame asks first"_s, [this] { m_frame.windowHandle()->close(); },
-        [] { return boxSays(u"Are you sure you want to quit?"_s); });
+    step(
+        u"the profile list is there after the login"_s,
+        [this] {
+            tracker.listen(tracker.port());
+            click(u"cmdConnectImg"_s);
+        },
+        [] { return rowsOf(u"fgProfiles"_s) == 9 && selectedRow() == 0; });
 }
 
-void Act::confirmQuit()
+void Act::signIn()
 {
-    m_script.add(
+    arrive();
+    typeConnection();
+    connect();
+}
+
+void Act::signInAs(const QByteArray& account)
+{
+    step(
+        u"the login window is there once the link is gone"_s, [this] { tracker.closeLinks(); }, isLoggedOut);
+    step(
+        u"%1 sees the profile list"_s.arg(QLatin1String(account)),
+        [account] {
+            enter(u"txtUser"_s, account);
+            enter(u"txtPass"_s, account);
+            press(Qt::Key_Return);
+        },
+        [] { return rowsOf(u"fgProfiles"_s) == 9 && selectedRow() == 0; });
+}
+
+void Act::quit(const QString& file)
+{
+    step(
+        u"closing the frame asks first"_s, [this] { frame.windowHandle()->close(); },
+        [] { return boxSays(u"Are you sure you want to quit?"_s); });
+    if (!file.isEmpty())
+        picture(file);
+    step(
         u"the answer Yes ends the program"_s,
         [] {
             if (const auto* box = seen<QMessageBox>(u"msgBox"_s))
                 click(box->button(QMessageBox::Yes));
         },
-        [this] { return !m_frame.isVisible(); });
+        [this] { return !frame.isVisible(); });
 }
 
 } // namespace tour

@@ -4,7 +4,6 @@
 #include <QPainter>
 #include <QScreen>
 #include <QWindow>
-#include <QtMath>
 
 #include <algorithm>
 
@@ -15,8 +14,6 @@ namespace tour {
 namespace {
 
 constexpr std::chrono::milliseconds rest{250}; // a view must not change for so long: longer than any poll of the client
-constexpr int toleratedStep = 64;              // of 255, between what a window paints and what the screen shows
-constexpr int toleratedShare = 50; // one pixel in so many may be off: text smoothing, a blinking text cursor
 
 /// How far above the others a window stands.
 int height(const QWidget* window)
@@ -85,24 +82,15 @@ bool canReadScreen()
     return QGuiApplication::platformName() != u"offscreen"_s;
 }
 
-/// What there is to see of the program.
-struct View
-{
-    QImage image; ///< in pixels of the screen; null while a window is still to be painted
-    QRect area = {};
-    qreal ratio = 1; ///< pixels of the screen in one of `area`
-    QWidget* foremost = nullptr;
-};
-
-View look()
+/// What there is to see of the program, in pixels of the screen; null while a window is still to be painted.
+QImage look()
 {
     const QList<QWidget*> windows = shownWindows();
     if (windows.isEmpty())
         return {};
     const QScreen& screen = *windows.front()->screen();
-    const QRect area = canReadScreen() ? areaOf(windows) & screen.geometry() : areaOf(windows);
-    const qreal ratio = screen.devicePixelRatio();
-    return {canReadScreen() ? fromScreen(screen, area) : composed(windows, area, ratio), area, ratio, windows.back()};
+    return canReadScreen() ? fromScreen(screen, areaOf(windows) & screen.geometry())
+                           : composed(windows, areaOf(windows), screen.devicePixelRatio());
 }
 
 bool isBlank(const QImage& view)
@@ -110,42 +98,6 @@ bool isBlank(const QImage& view)
     QImage plain(view.size(), view.format());
     plain.fill(view.pixel(0, 0));
     return view == plain;
-}
-
-/// Whether `view` holds `painted` with its left upper corner at that place.
-bool holds(const QImage& view, const QImage& painted, const QPoint& at)
-{
-    if (!view.rect().contains(QRect(at, painted.size())))
-        return false;
-    qint64 mayBeOff = qint64{painted.width()} * painted.height() / toleratedShare;
-    for (int y = 0; y < painted.height(); ++y) {
-        for (int x = 0; x < painted.width(); ++x) {
-            const QRgb left = painted.pixel(x, y);
-            const QRgb right = view.pixel(at + QPoint(x, y));
-            const int step = std::max({std::abs(qRed(left) - qRed(right)), std::abs(qGreen(left) - qGreen(right)),
-                                       std::abs(qBlue(left) - qBlue(right))});
-            if (step > toleratedStep && --mayBeOff < 0)
-                return false;
-        }
-    }
-    return true;
-}
-
-/// Whether the view shows its foremost window as that paints itself, that is, neither blank nor covered.
-bool showsWindow(const View& view)
-{
-    QImage painted = view.foremost->grab().toImage().convertToFormat(QImage::Format_RGB32);
-    painted.setDevicePixelRatio(1);
-    const QPoint at = inPixels(view.foremost->geometry().translated(-view.area.topLeft()), view.ratio).topLeft();
-    // Two rounded lengths lie between the corners: the window manager counts in pixels.
-    const int slack = qCeil(2 * (view.ratio - 1));
-    for (int dy = -slack; dy <= slack; ++dy) {
-        for (int dx = -slack; dx <= slack; ++dx) {
-            if (holds(view.image, painted, at + QPoint(dx, dy)))
-                return true;
-        }
-    }
-    return false;
 }
 
 } // namespace
@@ -158,23 +110,21 @@ void Camera::prepare(const QString& file)
 
 bool Camera::take(const QString& file)
 {
-    const View view = look();
-    if (view.image.isNull())
+    const QImage view = look();
+    if (view.isNull())
         return false;
-    if (view.image != m_seen) {
-        m_seen = view.image;
+    if (view != m_seen) {
+        m_seen = view;
         m_sinceChange.start();
     }
-    if (!m_sinceChange.hasExpired(rest.count()) || isBlank(view.image))
+    if (!m_sinceChange.hasExpired(rest.count()) || isBlank(view))
         return false;
-    if (canReadScreen() && !showsWindow(view))
-        return false;
-    return view.image.save(m_folder.filePath(file), "PNG");
+    return view.save(m_folder.filePath(file), "PNG");
 }
 
 void Camera::takeAtOnce(const QString& file)
 {
-    look().image.save(m_folder.filePath(file), "PNG");
+    look().save(m_folder.filePath(file), "PNG");
 }
 
 } // namespace tour

@@ -18,8 +18,7 @@ public:
 
     /// Forgets what was seen, and removes an older picture of that name.
     void prepare(const QString& file);
-    /// Looks once, and saves the picture when the view has come to rest and shows what the foremost window paints. To
-    /// be called again until it is true.
+    /// Looks once, and saves the picture when the view has come to rest. To be called again until it is true.
     bool take(const QString& file);
     /// Saves the view as it is, at rest or not.
     void takeAtOnce(const QString& file);

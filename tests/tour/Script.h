@@ -29,6 +29,7 @@ public:
 
     /// What the step added last waits for.
     std::function<bool()> lastExpectation() const { return m_steps.back().until; }
+    QString lastSentence() const { return m_steps.back().what; }
 
     /// Begins as soon as an event loop runs, which is left with exit code 1 when a step fails.
     void start();

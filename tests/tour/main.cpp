@@ -3,22 +3,12 @@
 #include "app/qrvrcMain.h"
 #include "base/RuntimeError.h"
 #include "store/AppFolder.h"
-#include "tour/AdminTour.h"
-#include "tour/EditorTour.h"
-#include "tour/FilesTour.h"
-#include "tour/HelpCentreTour.h"
-#include "tour/PluginTour.h"
-#include "tour/StatsTour.h"
-#include "tour/SupportTour.h"
-#include "tour/Tour.h"
-#include "tour/UpdateTour.h"
+#include "tour/Scenes.h"
 
 #include <QApplication>
 #include <QTemporaryDir>
 
-#include <functional>
 #include <iostream>
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -68,42 +58,23 @@ std::filesystem::path settleIn(const QTemporaryDir& home)
     return folder;
 }
 
-/// Makes an act. @param home  the frame's application folder
-using MakeAct = std::function<std::unique_ptr<tour::Act>(qrvrcMain& frame, const QDir& home)>;
+using Scene = void (*)(tour::Act& act);
+constexpr Scene scenes[] = {tour::firstDay, tour::plugins,    tour::editor,  tour::files,  tour::statistics,
+                            tour::accounts, tour::helpCentre, tour::support, tour::updates};
 
-std::vector<MakeAct> actsOf(practice::WebSide& web, const QDir& pictures)
-{
-    return {
-        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::Tour>(frame, web, pictures); },
-        [&](qrvrcMain& frame, const QDir& home) {
-            const QDir examples(QCoreApplication::applicationDirPath() + QStringLiteral("/Plugins"));
-            return std::make_unique<tour::PluginTour>(frame, home, examples, pictures);
-        },
-        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::EditorTour>(frame, web, pictures); },
-        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::FilesTour>(frame, pictures); },
-        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::StatsTour>(frame, pictures); },
-        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::AdminTour>(frame, pictures); },
-        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::HelpCentreTour>(frame, web, pictures); },
-        [&](qrvrcMain& frame, const QDir&) { return std::make_unique<tour::SupportTour>(frame, pictures); },
-        [&](qrvrcMain& frame, const QDir& home) {
-            const QDir examples(QCoreApplication::applicationDirPath() + QStringLiteral("/Plugins"));
-            return std::make_unique<tour::UpdateTour>(frame, web, home, examples, pictures);
-        },
-    };
-}
-
-/// Plays an act on a frame and a folder of its own. @throws RuntimeError when the folder cannot be filled
-int play(const MakeAct& makeAct, const practice::WebSide& web)
+/// Plays a scene on a frame and a folder of its own. @throws RuntimeError when the folder cannot be filled
+int play(Scene scene, practice::WebSide& web, const QDir& pictures)
 {
     const QTemporaryDir home;
     const std::filesystem::path folder = settleIn(home);
     qrvrcMain frame({.folder = folder,
                      .makerHost = web.base(),
                      .version = QRVRC_VERSION,
-                     .program = folder / pathOf(tour::UpdateTour::programName()),
+                     .program = folder / pathOf(tour::programName),
                      .probesComponents = false});
-    const std::unique_ptr<tour::Act> act = makeAct(frame, QDir(home.path()));
-    return act->play() ? EXIT_SUCCESS : complain(act->complaint().toStdString());
+    tour::Act act({frame, web, QDir(home.path()), pictures});
+    scene(act);
+    return act.play() ? EXIT_SUCCESS : complain(act.complaint().toStdString());
 }
 
 int walk(const QDir& pictures)
@@ -113,8 +84,8 @@ int walk(const QDir& pictures)
         return complain("no port for the web host");
     applyLook();
     try {
-        for (const MakeAct& makeAct : actsOf(web, pictures)) {
-            if (const int status = play(makeAct, web); status != EXIT_SUCCESS)
+        for (const Scene scene : scenes) {
+            if (const int status = play(scene, web, pictures); status != EXIT_SUCCESS)
                 return status;
         }
         return EXIT_SUCCESS;

@@ -8,6 +8,8 @@
 #include <QHelpEvent>
 #include <QListWidget>
 #include <QMenu>
+#include <QProxyStyle>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTextDocumentFragment>
 #include <QToolTip>
@@ -107,22 +109,6 @@ private Q_SLOTS:
         QVERIFY(grid.toolTipAt(1, 0).isNull());
     }
 
-    void anEmptyGridSaysWhy()
-    {
-        Grid grid;
-        const QImage silent = grid.picture();
-        grid.setEmptyText(u"No profiles"_s);
-        const QImage saying = grid.picture();
-        QVERIFY(saying != silent);
-        grid.rows().appendRow({});
-        const QImage blankRow = grid.picture();
-        grid.setEmptyText({});
-        QCOMPARE(grid.picture(), blankRow);
-        grid.rows().clear();
-        grid.setEmptyText(u"No profiles"_s);
-        QCOMPARE(grid.picture(), saying);
-    }
-
     void rowsThatNobodyLooksAtAreNotMade()
     {
         Grid grid;
@@ -159,24 +145,6 @@ private Q_SLOTS:
         grid.rows().setRows({title, rowOf(u"b"_s)});
         QCOMPARE(grid.columnSpan(0, 0), 3);
         QCOMPARE(grid.columnSpan(1, 0), 1);
-    }
-
-    void aPictureReplacesTheTextAndThePictureBefore()
-    {
-        Grid grid;
-        QPixmap red(16, 16);
-        red.fill(Qt::red);
-        QPixmap huge(500, 500);
-        huge.fill(Qt::green);
-        grid.rows().setRows({rowOf(u"a"_s)});
-        const QRect cell = grid.visualRect(grid.model()->index(0, 1));
-        grid.rows().setPicture(0, {1, red, u"Hosting"_s});
-        QCOMPARE(grid.picture().pixelColor(cell.center()), QColor(Qt::red));
-        QCOMPARE(grid.model()->index(0, 1).data(Qt::AccessibleTextRole).toString(), u"Hosting"_s);
-        grid.rows().setPicture(0, {1, huge, {}});
-        const QImage shown = grid.picture();
-        QCOMPARE(shown.pixelColor(cell.center()), QColor(Qt::green));
-        QVERIFY(shown.pixelColor(cell.right() + 6, cell.center().y()) != QColor(Qt::green)); // kept inside its cell
     }
 
     void copiedRowsFitIntoATable()
@@ -231,17 +199,32 @@ private Q_SLOTS:
         QCOMPARE(QGuiApplication::clipboard()->text(), u"one\r\ntwo\r\nthree"_s);
     }
 
-    void selectionIsOneWholeRowAndEndsWithARefill()
+    void aRowIsOpenedByADoubleClickOrReturnOnly()
     {
+        struct SingleClickStyle : QProxyStyle
+        {
+            int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                          QStyleHintReturn* data) const override
+            {
+                return hint == SH_ItemView_ActivateItemOnSingleClick
+                           ? 1
+                           : QProxyStyle::styleHint(hint, option, widget, data);
+            }
+        } style;
         Grid grid;
-        grid.rows().setRows({rowOf(u"a"_s), rowOf(u"b"_s)});
-        QCOMPARE(grid.selectedRow(), -1);
-        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, grid.visualRect(grid.model()->index(1, 2)).center());
-        QCOMPARE(grid.selectedRow(), 1);
-        QTest::keyClick(&grid, Qt::Key_Up);
-        QCOMPARE(grid.selectedRow(), 0);
-        grid.rows().setRows({rowOf(u"c"_s)});
-        QCOMPARE(grid.selectedRow(), -1);
+        grid.setStyle(&style);
+        QTest::keyClick(&grid, Qt::Key_Return); // on no row
+        grid.rows().setRows({rowOf(u"first"_s), rowOf(u"second"_s)});
+        const QSignalSpy opened(&grid, &GridView::rowOpened);
+        const QPoint second = grid.visualRect(grid.rows().index(1, 0)).center();
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, second);
+        QCOMPARE(opened.size(), 0);
+        QTest::mouseDClick(grid.viewport(), Qt::LeftButton, {}, second);
+        QCOMPARE(opened.size(), 1);
+        QTest::keyClick(&grid, Qt::Key_Return);
+        QTest::keyClick(&grid, Qt::Key_Enter);
+        QCOMPARE(opened.size(), 3);
+        QCOMPARE(opened.at(2).at(0).toInt(), 1);
     }
 };
 

@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QSignalSpy>
 #include <QTest>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -121,17 +122,6 @@ private Q_SLOTS:
         QCOMPARE(used.count(), 0);
     }
 
-    void theCaptionBelowTheFaceTakesNoClicks()
-    {
-        Desk desk;
-        QSignalSpy used(desk.button, &ImageButton::activated);
-        const QPoint overhang(20, desk.button->height() - 1);
-        QVERIFY(!faceRect.contains(desk.button->mapToParent(overhang)));
-        QTest::mouseClick(desk.button, Qt::LeftButton, {}, overhang);
-        QTest::mouseClick(desk.button, Qt::RightButton, {}, overhang);
-        QCOMPARE(used.count(), 0);
-    }
-
     void theKeyboardAndScreenReadersUseIt()
     {
         Desk desk;
@@ -208,12 +198,21 @@ private Q_SLOTS:
         QVERIFY(!desk.part(u"cmdTryImg"_s));
     }
 
-    void movingKeepsTheCaptionOnItsFace()
+    void theCaptionFollowsTheFaceThatALayoutMoves()
     {
         Desk desk;
-        desk.button->moveTo(100, 90);
-        QCOMPARE(desk.button->face()->geometry(), QRect(QPoint(100, 90), faceRect.size()));
-        QCOMPARE(desk.button->pos(), QPoint(105, 98)); // 80 and 120 twips
+        auto* layout = new QVBoxLayout(desk.button->parentWidget());
+        layout->addSpacing(40);
+        layout->addWidget(desk.button->face(), 0, Qt::AlignCenter);
+        layout->activate();
+        QVERIFY(desk.button->face()->height() >= desk.button->sizeHint().height());
+        QCOMPARE(desk.button->x(), desk.button->face()->x() + 5); // 75 twips
+        QVERIFY(desk.button->face()->y() >= 40);
+        const QRect caption = desk.button->geometry();
+        layout->insertSpacing(0, 30);
+        layout->activate();
+        QVERIFY(desk.button->geometry() != caption);
+        QCOMPARE(desk.button->x(), desk.button->face()->x() + 5);
     }
 };
 

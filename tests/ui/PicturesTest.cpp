@@ -1,20 +1,12 @@
-#include "ui/BackgroundPicture.h"
 #include "ui/PictureFolder.h"
 #include "ui/PictureStore.h"
-#include "ui/StripTabBar.h"
 
 #include <QFile>
-#include <QPainter>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QRgb both(QRgb left, QRgb right)
-{
-    return (left & right) | 0xff000000u;
-}
 
 void append(const QString& path, const QByteArray& bytes)
 {
@@ -88,57 +80,6 @@ private Q_SLOTS:
         QCOMPARE(fine.size(), QSize(32, 32));
         QCOMPARE(fine.deviceIndependentSize(), QSizeF(16, 16));
         QCOMPARE(pictures.scaled("\\a.gif", {16, 16}, 1, Qt::KeepAspectRatio).size(), QSize(16, 8));
-    }
-
-    void aBackgroundShowsThroughWhatIsWhite_data()
-    {
-        QTest::addColumn<QImage::Format>("format");
-        QTest::newRow("as a window's backing store") << QImage::Format_RGB32;
-        QTest::newRow("as a grabbed widget") << QImage::Format_ARGB32_Premultiplied;
-    }
-    void aBackgroundShowsThroughWhatIsWhite()
-    {
-        QFETCH(const QImage::Format, format);
-        const QRgb colour = qRgb(0x81, 0xc3, 0xff);
-        QPixmap background(50, 50);
-        background.fill(colour);
-        QImage image(4, 2, format);
-        image.fill(Qt::white);
-        image.setPixel(1, 0, qRgb(0, 0, 0));
-        image.setPixel(2, 0, qRgb(0xf0, 0x0f, 0x7e));
-        QPainter painter(&image);
-        painter.setClipRect(0, 0, 4, 1);
-        paintBackground(painter, background, image.rect());
-        painter.end();
-        QCOMPARE(image.pixel(0, 0), colour);
-        QCOMPARE(image.pixel(1, 0), qRgb(0, 0, 0));
-        QCOMPARE(image.pixel(2, 0), both(colour, qRgb(0xf0, 0x0f, 0x7e)));
-        QCOMPARE(image.pixel(0, 1), qRgb(255, 255, 255));
-    }
-
-    void aStripIsPaintedOverItsWholeBackground()
-    {
-        const PictureFolder files;
-        const QRgb colour = qRgb(0x81, 0xc3, 0xff);
-        files.paint(u"background.png"_s, QColor(colour));
-        PictureStore pictures(files.folder());
-        QWidget window;
-        StripTabBar plain(u"tsPlain"_s, pictures, "\\none.png", &window);
-        StripTabBar strip(u"tsMain"_s, pictures, "\\background.png", &window);
-        for (StripTabBar* const bar : {&plain, &strip}) {
-            bar->addKeyedTab(u"Login"_s, u"qrvrcLogin"_s);
-            bar->addKeyedTab(u"Profile List"_s, u"qrvrcProfilesList"_s);
-            bar->resize(300, 30);
-        }
-        const QImage expected = plain.grab().toImage();
-        const QImage painted = strip.grab().toImage();
-        QCOMPARE(painted.size(), expected.size());
-        for (int y = 0; y < painted.height(); ++y) {
-            for (int x = 0; x < painted.width(); ++x)
-                QCOMPARE(painted.pixel(x, y), both(expected.pixel(x, y), colour));
-        }
-        QCOMPARE(strip.key(strip.indexOfCaption(u"Profile List"_s)), u"qrvrcProfilesList"_s);
-        QCOMPARE(strip.indexOfKey(u"qrvrcAbout"_s), -1);
     }
 };
 

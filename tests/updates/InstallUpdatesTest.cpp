@@ -1,7 +1,7 @@
 #include "updates/InstallUpdates.h"
 #include "base/RaisedError.h"
+#include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"
 
@@ -142,7 +142,7 @@ private Q_SLOTS:
     void aListThatCannotBeReadIsToldToo()
     {
         const House house;
-        house.put("\\Updates\\updates.ini", std::string("\0\0", 2));
+        house.put("\\Updates\\updates.ini", std::string("\xFF\xFE[\0", 4)); // UTF-16
         QCOMPARE(installWaiting(house.targets).size(), std::size_t{1});
         QVERIFY(!house.folder.folderExists("\\Updates"));
         QCOMPARE(house.get("\\qrvv3rc"), std::string("old program"));

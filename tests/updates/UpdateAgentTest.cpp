@@ -98,13 +98,13 @@ private Q_SLOTS:
         House house;
         house.pages().setNews("All is well.\r\nReally.");
         QVERIFY(house.open(update));
-        auto& box = house.inWindow<QPlainTextEdit>(update, u"txtScripts"_s);
+        auto& box = house.desk.in(update).control<QPlainTextEdit>(u"txtScripts"_s);
         QTRY_COMPARE(box.toPlainText(), u"All is well.\nReally."_s);
         QVERIFY(box.isReadOnly());
         const QDateTime now = QDateTime::currentDateTime();
         QVERIFY(house.desk.bytesOf("\\settings\\config.ini")
                     .contains("NewsLastUpdate=" + QByteArray::number(now.date().day()) + '-'));
-        auto& frequency = house.inWindow<QComboBox>(update, u"cboFreq"_s);
+        auto& frequency = house.desk.in(update).control<QComboBox>(u"cboFreq"_s);
         QCOMPARE(frequency.currentText(), u"6 Hours"_s);
         frequency.setCurrentText(u"Day"_s);
         QVERIFY(house.desk.bytesOf("\\settings\\config.ini").contains("NewsUpdate=Day"));
@@ -122,8 +122,7 @@ private Q_SLOTS:
         House house;
         house.pages().setNews("<h1>404 Not Found</h1>");
         QVERIFY(house.open(update));
-        QTRY_COMPARE(house.inWindow<QPlainTextEdit>(update, u"txtScripts"_s).toPlainText(),
-                     u"Unable to retrieve news!"_s);
+        QTRY_COMPARE(house.desk.in(update).text(u"txtScripts"_s), u"Unable to retrieve news!"_s);
         QVERIFY(house.desk.bytesOf("\\settings\\config.ini").contains("NewsLastUpdate="));
     }
 };

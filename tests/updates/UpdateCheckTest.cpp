@@ -1,13 +1,13 @@
 #include "updates/UpdateCheck.h"
 #include "base/RaisedError.h"
+#include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
+#include "support/AddRow.h"
 #include "updates/DiskFacts.h"
 #include "updates/NewsFrequency.h"
 #include "updates/UpdateTargets.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 
 namespace fs = std::filesystem;
 
@@ -59,12 +59,12 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<bool>("isClientList");
         QTest::addColumn<bool>("isPluginList");
-        QTest::newRow("client list") << QByteArray(mainLine.data()) << true << false;
-        QTest::newRow("plugin list") << QByteArray("a.dll|\\Plugins\\|Plugin|x|1|1.0.0.0") << false << true;
-        QTest::newRow("marker split by a line end")
-            << QByteArray("qrvv3rc.exe|\\|executable\n file|(qrv) main executable|") << false << false;
-        QTest::newRow("error page") << QByteArray("<html>Page not found</html>") << false << false;
-        QTest::newRow("nothing") << QByteArray() << false << false;
+        addRow("client list", QByteArray(mainLine.data()), true, false);
+        addRow("plugin list", QByteArray("a.dll|\\Plugins\\|Plugin|x|1|1.0.0.0"), false, true);
+        addRow("marker split by a line end", QByteArray("qrvv3rc.exe|\\|executable\n file|(qrv) main executable|"),
+               false, false);
+        addRow("error page", QByteArray("<html>Page not found</html>"), false, false);
+        addRow("nothing", QByteArray(), false, false);
     }
     void onlyTextsWithTheMarkerAreLists()
     {
@@ -93,27 +93,23 @@ private Q_SLOTS:
         QTest::addColumn<CheckRule>("rule");
         QTest::addColumn<Verdict>("verdict");
         const std::string plugins = "\\plugins\\";
-        QTest::newRow("missing") << record("new.bin", "\\", 1, "") << R::Client << V::New;
-        QTest::newRow("missing with its folder") << record("n", "\\no\\such\\", 1, "") << R::Client << V::New;
-        QTest::newRow("same size, no version") << record("DATA.bin", "\\", 50, "9") << R::Client << V::Nothing;
-        QTest::newRow("other size, no version") << record("data.bin", "\\", 51, "0") << R::Client << V::Changed;
-        QTest::newRow("the program, same version")
-            << record("qrvv3rc.exe", "\\", 1, "3.0.1.0") << R::Client << V::Nothing;
-        QTest::newRow("the program, newer") << record("qrvv3rc.exe", "\\", 1, "3.0.2.0") << R::Client << V::Updated;
-        QTest::newRow("newer") << record("a.dll", plugins, 1, "1.3.0.0") << R::Plugins << V::Updated;
-        QTest::newRow("1.10 is less than 1.2 as text")
-            << record("a.dll", plugins, 1, "1.10.0.0") << R::Plugins << V::Nothing;
-        QTest::newRow("older") << record("a.dll", plugins, 1, "1.1.9.9") << R::Client << V::Nothing;
-        QTest::newRow("help file by size")
-            << record("a.html", plugins, 71, "", "Help File") << R::PluginsByClock << V::Changed;
-        QTest::newRow("versioned help file by size alone")
-            << record("a.dll", plugins, 31, "9", "Help File") << R::PluginsByClock << V::Nothing;
-        QTest::newRow("the same by its version, when asked by hand")
-            << record("a.dll", plugins, 31, "9", "Help File") << R::Plugins << V::Updated;
-        QTest::newRow("system folder") << record("x.ocx", "{System}", 1, "1") << R::Client << V::Nothing;
-        QTest::newRow("manual not noted anywhere") << record("help.chm", "\\", 1, "9") << R::Client << V::Nothing;
-        QTest::newRow("manual is a file like others for plugins")
-            << record("help.chm", "\\", 1, "9") << R::Plugins << V::Changed;
+        addRow("missing", record("new.bin", "\\", 1, ""), R::Client, V::New);
+        addRow("missing with its folder", record("n", "\\no\\such\\", 1, ""), R::Client, V::New);
+        addRow("same size, no version", record("DATA.bin", "\\", 50, "9"), R::Client, V::Nothing);
+        addRow("other size, no version", record("data.bin", "\\", 51, "0"), R::Client, V::Changed);
+        addRow("the program, same version", record("qrvv3rc.exe", "\\", 1, "3.0.1.0"), R::Client, V::Nothing);
+        addRow("the program, newer", record("qrvv3rc.exe", "\\", 1, "3.0.2.0"), R::Client, V::Updated);
+        addRow("newer", record("a.dll", plugins, 1, "1.3.0.0"), R::Plugins, V::Updated);
+        addRow("1.10 is less than 1.2 as text", record("a.dll", plugins, 1, "1.10.0.0"), R::Plugins, V::Nothing);
+        addRow("older", record("a.dll", plugins, 1, "1.1.9.9"), R::Client, V::Nothing);
+        addRow("help file by size", record("a.html", plugins, 71, "", "Help File"), R::PluginsByClock, V::Changed);
+        addRow("versioned help file by size alone", record("a.dll", plugins, 31, "9", "Help File"), R::PluginsByClock,
+               V::Nothing);
+        addRow("the same by its version, when asked by hand", record("a.dll", plugins, 31, "9", "Help File"),
+               R::Plugins, V::Updated);
+        addRow("system folder", record("x.ocx", "{System}", 1, "1"), R::Client, V::Nothing);
+        addRow("manual not noted anywhere", record("help.chm", "\\", 1, "9"), R::Client, V::Nothing);
+        addRow("manual is a file like others for plugins", record("help.chm", "\\", 1, "9"), R::Plugins, V::Changed);
     }
     void recordsAreComparedWithTheDisk()
     {
@@ -153,19 +149,19 @@ private Q_SLOTS:
     {
         QTest::addColumn<std::string>("name");
         QTest::addColumn<std::string>("folder");
-        QTest::newRow("up by the name") << std::string("..\\x") << std::string("\\");
-        QTest::newRow("up by the other separator") << std::string("../x") << std::string("\\");
-        QTest::newRow("up by the folder") << std::string("x") << std::string("\\..\\");
-        QTest::newRow("up and back") << std::string("x") << std::string("\\Plugins\\..\\..\\");
-        QTest::newRow("a drive") << std::string("x") << std::string("C:\\");
-        QTest::newRow("a share") << std::string("x") << std::string("\\\\host\\share\\");
-        QTest::newRow("the root") << std::string("x") << std::string("/etc/");
-        QTest::newRow("no separator at the end") << std::string("x") << std::string("\\Plugins");
-        QTest::newRow("a link that leads out") << std::string("x") << std::string("\\out\\");
-        QTest::newRow("a device") << std::string("nul.dll") << std::string("\\");
-        QTest::newRow("no name") << std::string() << std::string("\\");
-        QTest::newRow("up in the manual's name") << std::string("help.chm") << std::string("\\..\\");
-        QTest::newRow("system folder by a path") << std::string("..\\x") << std::string("{System}");
+        addRow("up by the name", std::string("..\\x"), std::string("\\"));
+        addRow("up by the other separator", std::string("../x"), std::string("\\"));
+        addRow("up by the folder", std::string("x"), std::string("\\..\\"));
+        addRow("up and back", std::string("x"), std::string("\\Plugins\\..\\..\\"));
+        addRow("a drive", std::string("x"), std::string("C:\\"));
+        addRow("a share", std::string("x"), std::string("\\\\host\\share\\"));
+        addRow("the root", std::string("x"), std::string("/etc/"));
+        addRow("no separator at the end", std::string("x"), std::string("\\Plugins"));
+        addRow("a link that leads out", std::string("x"), std::string("\\out\\"));
+        addRow("a device", std::string("nul.dll"), std::string("\\"));
+        addRow("no name", std::string(), std::string("\\"));
+        addRow("up in the manual's name", std::string("help.chm"), std::string("\\..\\"));
+        addRow("system folder by a path", std::string("..\\x"), std::string("{System}"));
     }
     void hostileRecordsAreKeptAside()
     {
@@ -191,7 +187,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isShown");
         QTest::addColumn<bool>("due");
         const auto row = [](const char* what, const char* stored, const char* frequency, int hour, bool due) {
-            QTest::newRow(what) << std::string(stored) << std::string(frequency) << hour << true << due;
+            addRow(what, std::string(stored), std::string(frequency), hour, true, due);
         };
         row("never fetched", "", "Day", 9, true);
         row("garbage", "news", "Day", 9, true);
@@ -209,7 +205,7 @@ private Q_SLOTS:
         row("another day", "4-9", "12 Hours", 0, true);
         row("a clock that was set back", "5-23", "1 Hour", 1, false);
         row("huge numbers", "5--2147483648", "1 Hour", 9, true);
-        QTest::newRow("nothing shown") << std::string("5-9") << std::string("Day") << 9 << false << true;
+        addRow("nothing shown", std::string("5-9"), std::string("Day"), 9, false, true);
     }
     void newsAreFetchedByTheClock()
     {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "practice/UpdatePages.h"
-#include "practice/WebSide.h"
+#include "practice/web/UpdatePages.h"
+#include "practice/web/WebSide.h"
 #include "support/Desk.h"
 #include "updates/ListCheck.h"
 
@@ -48,17 +48,9 @@ struct House
         desk.frame().showWindow(window);
         return true;
     }
-    template <typename Control = QWidget>
-    Control& inWindow(const QString& window, const QString& name)
-    {
-        auto* found = desk.control(window).findChild<Control*>(name);
-        if (!found)
-            qFatal("there is no control %s", qPrintable(name));
-        return *found;
-    }
     QStringList rows(const QString& window)
     {
-        const QAbstractItemModel& model = *inWindow<QTableView>(window, QStringLiteral("lstQRV")).model();
+        const QAbstractItemModel& model = *desk.in(window).control<QTableView>(QStringLiteral("lstQRV")).model();
         QStringList texts;
         for (int row = 0; row < model.rowCount(); ++row) {
             const bool isTitle = !model.index(row, 0).data().toString().isEmpty();
@@ -69,20 +61,16 @@ struct House
         }
         return texts;
     }
-    void click(const QString& window, const QString& name)
-    {
-        QTest::mouseClick(&inWindow(window, name), Qt::LeftButton);
-    }
     bool check(const QString& window, const QString& button)
     {
-        click(window, button);
-        return QTest::qWaitFor([&] { return inWindow(window, QStringLiteral("lstQRV")).isEnabled(); }, 30'000);
+        desk.in(window).click(button);
+        return QTest::qWaitFor([&] { return desk.in(window).control(QStringLiteral("lstQRV")).isEnabled(); }, 30'000);
     }
     /// Downloads what is checked. @return whether the closing message has come
     bool getUpdates(const QString& window)
     {
         const qsizetype before = desk.boxes.boxes.size();
-        click(window, QStringLiteral("cmdGetUpdates"));
+        desk.in(window).click(QStringLiteral("cmdGetUpdates"));
         return QTest::qWaitFor([&] { return desk.boxes.boxes.size() > before; }, 30'000);
     }
 };

@@ -1,10 +1,10 @@
 #include "updates/UpdateQueue.h"
-#include "platform/Inet.h"
-#include "practice/PracticeCertificate.h"
-#include "practice/UpdatePages.h"
-#include "practice/WebSide.h"
+#include "platform/net/Inet.h"
+#include "platform/system/FileBytes.h"
+#include "practice/web/PracticeCertificate.h"
+#include "practice/web/UpdatePages.h"
+#include "practice/web/WebSide.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "updates/ListCheck.h"
 #include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"
@@ -52,7 +52,7 @@ struct Yard
     std::string get(std::string_view name) const { return readBytesIfPresent(folder.path(name)).value_or("nothing"); }
 
     /// @return whether the queue came to its end
-    bool obtain(std::vector<UpdateQueue::Item> items, const std::function<void(UpdateQueue&)>& meanwhile = {})
+    bool obtain(std::vector<WaitingFile> items, const std::function<void(UpdateQueue&)>& meanwhile = {})
     {
         UpdateQueue queue(services, ListKind::Client, services.location, std::move(items));
         bool isOver = false;

@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
-#include <QTableView>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -34,20 +33,17 @@ private Q_SLOTS:
         house.offer("new.bin", "1.0.0.0", "new");
         house.offer("qrvv3rc.exe", "3.0.2.0", "program");
         QVERIFY(house.open(update));
-        QVERIFY(house.inWindow(update, u"cmdUpdateQRV"_s).isVisible());
-        QVERIFY(!house.inWindow(update, u"cmdGetUpdates"_s).isVisible());
+        QVERIFY(house.desk.in(update).control(u"cmdUpdateQRV"_s).isVisible());
+        QVERIFY(!house.desk.in(update).control(u"cmdGetUpdates"_s).isVisible());
         QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
         QCOMPARE(house.rows(update),
                  (QStringList{u"Updated Files Available"_s, u"+qrvv3rc.exe"_s, u"New Files Available"_s, u"+new.bin"_s,
                               u"Changed Files"_s, u"-data.bin"_s}));
-        QVERIFY(!house.inWindow(update, u"cmdUpdateQRV"_s).isVisible());
-        QVERIFY(house.inWindow(update, u"cmdGetUpdates"_s).isVisible());
+        QVERIFY(!house.desk.in(update).control(u"cmdUpdateQRV"_s).isVisible());
+        QVERIFY(house.desk.in(update).control(u"cmdGetUpdates"_s).isVisible());
 
-        auto& grid = house.inWindow<GridView>(update, u"lstQRV"_s);
-        const auto clickRow = [&](int row) {
-            QTest::mouseClick(grid.viewport(), Qt::LeftButton, {},
-                              grid.visualRect(grid.model()->index(row, 1)).center());
-        };
+        auto& grid = house.desk.in(update).control<GridView>(u"lstQRV"_s);
+        const auto clickRow = [&](int row) { house.desk.in(update).clickRow(u"lstQRV"_s, row); };
         clickRow(2); // a title
         clickRow(3);
         clickRow(5);
@@ -78,7 +74,7 @@ private Q_SLOTS:
         QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
         QVERIFY(house.desk.boxes.boxes == QList{noList});
         QVERIFY(house.rows(update).isEmpty());
-        QVERIFY(house.inWindow(update, u"cmdUpdateQRV"_s).isEnabled());
+        QVERIFY(house.desk.in(update).control(u"cmdUpdateQRV"_s).isEnabled());
         auto& window = static_cast<qrvrcUpdate&>(house.desk.control(update));
         QVERIFY(!window.QRVUpdateAvailable());
     }
@@ -90,7 +86,7 @@ private Q_SLOTS:
         QVERIFY(house.open(update));
         QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
         QCOMPARE(house.rows(update), QStringList{u"No Updates Available!"_s});
-        QVERIFY(house.inWindow(update, u"cmdUpdateQRV"_s).isEnabled());
+        QVERIFY(house.desk.in(update).control(u"cmdUpdateQRV"_s).isEnabled());
         QVERIFY(house.desk.boxes.boxes.isEmpty());
     }
 
@@ -108,9 +104,9 @@ private Q_SLOTS:
         QCOMPARE(house.desk.bytesOf("\\new.bin").size(), 300'000);
         QCOMPARE(house.desk.bytesOf("\\help.chm"), "new help");
         QVERIFY(house.desk.bytesOf("\\config.ini").contains("help=1.0.0.5"));
-        QCOMPARE(house.inWindow<QLabel>(update, u"lblPer"_s).text(), u"100%"_s);
+        QCOMPARE(house.desk.in(update).text(u"lblPer"_s), u"100%"_s);
         QVERIFY(!house.desk.core().updatesAvailable);
-        QVERIFY(house.rows(update).isEmpty() && house.inWindow(update, u"cmdUpdateQRV"_s).isEnabled());
+        QVERIFY(house.rows(update).isEmpty() && house.desk.in(update).control(u"cmdUpdateQRV"_s).isEnabled());
     }
 
     void aFileThatMustWaitAsksForARestart()
@@ -158,7 +154,7 @@ private Q_SLOTS:
         QVERIFY(house.getUpdates(update));
         const RecordingDialogs::Box box{u"Failed!"_s, u"No Updates Available!"_s};
         QVERIFY(house.desk.boxes.boxes == QList{box});
-        QVERIFY(house.rows(update).isEmpty() && house.inWindow(update, u"cmdUpdateQRV"_s).isVisible());
+        QVERIFY(house.rows(update).isEmpty() && house.desk.in(update).control(u"cmdUpdateQRV"_s).isVisible());
     }
 
     void aDownloadCanBeCancelled()
@@ -168,9 +164,9 @@ private Q_SLOTS:
         house.pages().misbehave("new.bin", {.kind = PageFault::Kind::Slow, .number = 500, .pause = 5ms});
         QVERIFY(house.open(update));
         QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
-        house.click(update, u"cmdGetUpdates"_s);
-        QTRY_VERIFY(house.inWindow<QProgressBar>(update, u"pbDwnld"_s).value() > 0);
-        house.click(update, u"cmdCancel"_s);
+        house.desk.in(update).click(u"cmdGetUpdates"_s);
+        QTRY_VERIFY(house.desk.in(update).control<QProgressBar>(u"pbDwnld"_s).value() > 0);
+        house.desk.in(update).click(u"cmdCancel"_s);
         QTRY_COMPARE(house.desk.boxes.boxes.size(), 1);
         QVERIFY(house.desk.boxes.onlyText().startsWith(u"The download was cancelled."_s));
         QVERIFY(!house.desk.exists("\\new.bin") && !house.desk.exists("\\Updates"));
@@ -209,12 +205,12 @@ private Q_SLOTS:
         add("Admin", true, true);
         auto& window = static_cast<qrvrcPlugins&>(house.desk.control(plugins));
         window.followPlugins();
-        auto& list = house.inWindow<QListWidget>(plugins, u"lstPlugins"_s);
-        const auto& status = house.inWindow<QLabel>(plugins, u"lblStatus"_s);
+        auto& list = house.desk.in(plugins).control<QListWidget>(u"lstPlugins"_s);
+        const auto& status = house.desk.in(plugins).control<QLabel>(u"lblStatus"_s);
         QCOMPARE(status.text(), u"Status:"_s);
         list.setFocus();
-        QTRY_COMPARE(house.inWindow<QLabel>(plugins, u"lblName"_s).text(), u"Watch"_s);
-        QCOMPARE(house.inWindow<QLabel>(plugins, u"lblInfo"_s).text(), u"About Watch"_s);
+        QTRY_COMPARE(house.desk.in(plugins).text(u"lblName"_s), u"Watch"_s);
+        QCOMPARE(house.desk.in(plugins).text(u"lblInfo"_s), u"About Watch"_s);
         QCOMPARE(status.text(), u"Status: Enabled"_s);
         QTest::keyClick(&list, Qt::Key_Down);
         QCOMPARE(status.text(), u"Status: Disabled"_s);

@@ -1,5 +1,5 @@
+#include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 #include "updates/InstallUpdates.h"
 #include "updates/UpdatesIni.h"
 

@@ -1,10 +1,10 @@
 #include "base/RaisedError.h"
-#include "platform/CodePage.h"
-#include "platform/Component.h"
-#include "platform/FileVersion.h"
-#include "platform/PathText.h"
+#include "platform/components/Component.h"
+#include "platform/system/CodePage.h"
+#include "platform/system/FileBytes.h"
+#include "platform/system/FileVersion.h"
+#include "platform/system/PathText.h"
 #include "store/AppFolder.h"
-#include "store/FileBytes.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -1,0 +1,97 @@
+#include "admins/AccountTable.h"
+
+#include "platform/system/CodePage.h"
+#include "ui/GridView.h"
+#include "ui/ImageButton.h"
+
+#include <QScrollBar>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Pixels.
+constexpr int inset = 10; // from the frame to what it holds
+constexpr int captionTop = 22;
+constexpr QSize buttonSize(130, 30);
+
+} // namespace
+
+AccountTable::AccountTable(const CodePage& codePage, PictureStore& pictures, QWidget* parent)
+    : QGroupBox(u"Users"_s, parent),
+      m_codePage(codePage)
+{
+    static constexpr std::array<GridColumn, ColumnCount> columns{{
+        {"Username", 1800_twips, Qt::AlignLeft},
+        {"Password", 1800_twips, Qt::AlignLeft},
+        {"IP Address", 2200_twips, Qt::AlignHCenter},
+        {"Status", 2500_twips, Qt::AlignHCenter},
+    }};
+    setObjectName(u"fmeUsers"_s);
+    mfgUsers = new GridView(u"mfgUsers"_s, this);
+    mfgUsers->setAccessibleName(u"Users"_s);
+    mfgUsers->setColumns(columns);
+    cmdKickUser = new ImageButton(u"cmdKickUser"_s, u"Kick User"_s, pictures, this);
+    cmdDeleteUser = new ImageButton(u"cmdDeleteUser"_s, u"Delete User"_s, pictures, this);
+    connect(cmdKickUser, &ImageButton::clicked, this, &AccountTable::kickWanted);
+    connect(cmdDeleteUser, &ImageButton::clicked, this, &AccountTable::deleteWanted);
+}
+
+void AccountTable::resizeEvent(QResizeEvent* event)
+{
+    QGroupBox::resizeEvent(event);
+    const int buttonLeft = width() - inset - buttonSize.width();
+    mfgUsers->setGeometry(inset, captionTop, buttonLeft - 2 * inset, height() - inset - captionTop);
+    cmdKickUser->place(QRect(QPoint(buttonLeft, captionTop), buttonSize));
+    cmdDeleteUser->place(QRect(QPoint(buttonLeft, captionTop + buttonSize.height() + 8), buttonSize));
+}
+
+std::optional<int> AccountTable::rowOf(std::string_view name) const
+{
+    const auto found = std::find_if(m_accounts.begin(), m_accounts.end(),
+                                    [name](const AdminAccount& account) { return account.name == name; });
+    return found == m_accounts.end() ? std::nullopt : std::optional(static_cast<int>(found - m_accounts.begin()));
+}
+
+std::optional<AdminAccount> AccountTable::selected() const
+{
+    const int row = mfgUsers->selectedRow();
+    return row < 0 ? std::nullopt : std::optional(m_accounts.at(static_cast<std::size_t>(row)));
+}
+
+void AccountTable::showAccounts(std::vector<AdminAccount> accounts, const QString& emptyText)
+{
+    const std::optional<AdminAccount> before = selected();
+    const int scrolled = mfgUsers->verticalScrollBar()->value();
+    m_accounts = std::move(accounts);
+    std::vector<GridRow> rows;
+    rows.reserve(m_accounts.size());
+    for (const AdminAccount& account : m_accounts) {
+        rows.push_back({{m_codePage.toText(account.name), m_codePage.toText(account.password),
+                         m_codePage.toText(account.address), m_codePage.toText(account.status)},
+                        {}});
+    }
+    mfgUsers->setEmptyText(emptyText);
+    mfgUsers->rows().setRows(std::move(rows));
+    mfgUsers->verticalScrollBar()->setValue(scrolled);
+    if (const std::optional<int> row = before ? rowOf(before->name) : std::nullopt)
+        mfgUsers->selectRow(*row);
+}
+
+void AccountTable::pointAt(std::string_view name)
+{
+    if (const std::optional<int> row = rowOf(name)) {
+        mfgUsers->selectRow(*row);
+        mfgUsers->scrollTo(mfgUsers->model()->index(*row, Username));
+    }
+}
+
+void AccountTable::enableActs(bool kick, bool remove)
+{
+    cmdKickUser->setEnabled(kick);
+    cmdDeleteUser->setEnabled(remove);
+}

@@ -1,0 +1,65 @@
+#include "app/Notices.h"
+
+#include "app/ClientCore.h"
+#include "app/Housekeeping.h"
+#include "diagnostics/report/MessageBoxes.h"
+#include "live/support/SupportDesk.h"
+
+#include <QApplication>
+#include <QTime>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype longestName = 40; // characters of a name from the host that a note shows
+
+} // namespace
+
+Notices::Notices(ClientCore& core, const SupportDesk& support, Housekeeping& statusLine, QWidget& frame)
+    : m_core(core),
+      m_statusLine(statusLine)
+{
+    tellOfLink();
+    tellOfOperator(support, frame);
+    connect(&m_core.pluginHost, &PluginHost::unknownPlugin, this, [this](const std::string& component) {
+        m_statusLine.note(u"The tracker sent a message for the plugin '%1', which this client does not have."_s.arg(
+            m_core.codePage.toText(component).simplified().left(longestName)));
+    });
+}
+
+void Notices::tellOfLink()
+{
+    const clsWinSock& link = m_core.link;
+    // Boxes come behind the socket's own doings: they are modal, and the link is to be settled before they open.
+    connect(
+        &link, &clsWinSock::socketFailed, this,
+        [this](int number, const QString& description) {
+            m_core.client.boxes.show(u"Winsock Error"_s, u"%1: %2"_s.arg(number).arg(description));
+            if (m_core.link.state() == SocketState::Error)
+                m_core.link.close();
+        },
+        Qt::QueuedConnection);
+    connect(
+        &link, &clsWinSock::hostUnusable, this,
+        [this](const QString& text) { m_core.reporter.ReportMsg(MessageKind::Failed, text); }, Qt::QueuedConnection);
+    connect(&link, &clsWinSock::closedByHost, this, [this] {
+        m_statusLine.note(u"The host closed the connection at %1."_s.arg(QTime::currentTime().toString(u"HH:mm:ss"_s)));
+    });
+    connect(&link, &clsWinSock::connected, this, [this] { m_statusLine.note({}); });
+}
+
+void Notices::tellOfOperator(const SupportDesk& support, QWidget& frame)
+{
+    connect(&support, &SupportDesk::unseenMessage, this, [this, &frame] {
+        m_statusLine.note(operatorsNote());
+        QApplication::alert(&frame);
+    });
+    connect(&support, &SupportDesk::seen, this, [this] { m_statusLine.withdraw(operatorsNote()); });
+}
+
+QString Notices::operatorsNote() const
+{
+    return u"The operator of %1 has written to you. Open the support console to read it."_s.arg(
+        m_core.link.connection().host);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QObject>
+
+class Housekeeping;
+class QWidget;
+class SupportDesk;
+struct ClientCore;
+
+/// Tells the user what comes by itself: faults of the link in boxes, the rest in the status line beside his work.
+class Notices : public QObject
+{
+public:
+    /// All outlive this.
+    /// @param frame  alerted in the task bar
+    Notices(ClientCore& core, const SupportDesk& support, Housekeeping& statusLine, QWidget& frame);
+
+private:
+    void tellOfLink();
+    void tellOfOperator(const SupportDesk& support, QWidget& frame);
+    QString operatorsNote() const;
+
+    ClientCore& m_core;
+    Housekeeping& m_statusLine;
+};

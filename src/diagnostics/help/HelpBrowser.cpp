@@ -1,0 +1,117 @@
+#include "diagnostics/help/HelpBrowser.h"
+
+#include "base/RuntimeError.h"
+
+#include <QBuffer>
+#include <QImageReader>
+#include <QTextCursor>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int maxPictureSide = 4096; ///< pixels, either way
+
+QString bookScheme()
+{
+    return u"book"_s;
+}
+
+QImage decodePicture(const QByteArray& bytes)
+{
+    static constexpr std::array formats{"gif", "png", "jpeg", "jpg", "bmp"};
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
+    const QSize size = reader.size();
+    const bool isKnown = std::find(formats.begin(), formats.end(), reader.format()) != formats.end();
+    if (!isKnown || !size.isValid() || size.width() > maxPictureSide || size.height() > maxPictureSide)
+        return {};
+    return reader.read();
+}
+
+} // namespace
+
+QString fromBook(const std::string& text)
+{
+    const QString utf8 = QString::fromUtf8(text.data(), qsizetype(text.size()));
+    return utf8.contains(QChar::ReplacementCharacter) ? QString::fromLatin1(text.data(), qsizetype(text.size())) : utf8;
+}
+
+QUrl bookUrl(const QString& name)
+{
+    QString path = name.section(u'#', 0, 0).replace(u'\\', u'/');
+    if (!path.startsWith(u'/'))
+        path.prepend(u'/');
+    QUrl url;
+    url.setScheme(bookScheme());
+    url.setPath(path);
+    if (name.contains(u'#'))
+        url.setFragment(name.section(u'#', 1));
+    return url;
+}
+
+QString messagePage(const QString& title, const QString& explanation)
+{
+    return u"<html><head><title>%1</title></head><body><h2>%1</h2><p>%2</p></body></html>"_s.arg(
+        title.toHtmlEscaped(), explanation.toHtmlEscaped());
+}
+
+bool isInBook(const QUrl& address)
+{
+    return address.scheme() == bookScheme();
+}
+
+HelpBrowser::HelpBrowser(Source source) : m_source(std::move(source))
+{
+    setOpenLinks(false);
+}
+
+QVariant HelpBrowser::loadResource(int type, const QUrl& name)
+{
+    if (!isInBook(name))
+        return {};
+    const bool isPage = type == QTextDocument::HtmlResource || type == QTextDocument::MarkdownResource;
+    try {
+        const std::string wanted = name.path(QUrl::FullyDecoded).toStdString();
+        if (const std::optional<std::string> found = m_source(wanted)) {
+            const QByteArray bytes(found->data(), qsizetype(found->size()));
+            if (type == QTextDocument::ImageResource)
+                return decodePicture(bytes);
+            return bytes;
+        }
+        if (isPage)
+            return messagePage(tr("This page is missing"),
+                               tr("The help file has no page \"%1\".").arg(name.path().mid(1)));
+    } catch (const RuntimeError& error) {
+        if (isPage)
+            return messagePage(tr("This page cannot be read"), fromBook(error.description()));
+    }
+    return {};
+}
+
+void HelpBrowser::mark(const QStringList& words)
+{
+    QList<ExtraSelection> marks;
+    for (const QString& word : words) {
+        for (QTextCursor at = document()->find(word, 0); !at.isNull(); at = document()->find(word, at)) {
+            ExtraSelection marked;
+            marked.cursor = at;
+            marked.format.setBackground(QColor(0xFF, 0xE9, 0x8A));
+            marks.append(marked);
+        }
+    }
+    if (!marks.isEmpty()) {
+        const auto first = std::min_element(marks.begin(), marks.end(), [](const auto& left, const auto& right) {
+            return left.cursor.selectionStart() < right.cursor.selectionStart();
+        });
+        QTextCursor before = first->cursor;
+        before.clearSelection();
+        setTextCursor(before);
+        ensureCursorVisible();
+    }
+    setExtraSelections(marks);
+}

@@ -1,0 +1,42 @@
+#include "link/EventWait.h"
+
+#include <QCoreApplication>
+
+EventWait::EventWait(std::chrono::milliseconds limit)
+{
+    m_silence.setSingleShot(true);
+    m_silence.setInterval(limit);
+    QObject::connect(&m_silence, &QTimer::timeout, &m_loop, [this] { end(WaitEnd::TimedOut); });
+    QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &m_loop,
+                     [this] { end(WaitEnd::Broken); });
+}
+
+EventWait::EventWait() : EventWait(std::chrono::milliseconds::zero())
+{
+    m_isLimited = false;
+}
+
+WaitEnd EventWait::run()
+{
+    if (!m_end) {
+        if (m_isLimited)
+            m_silence.start();
+        // A loop that starts inside a posted event may sleep on the events that stand behind that one, arrived data
+        // among them, until another is posted: the dispatcher takes them to be in delivery already.
+        QCoreApplication::sendPostedEvents();
+        if (!m_end)
+            m_loop.exec();
+    }
+    return m_end.value_or(WaitEnd::Broken); // no ending was reached: the program quits
+}
+
+void EventWait::end(WaitEnd how)
+{
+    m_end = m_end.value_or(how);
+    m_loop.quit();
+}
+
+bool pauseFor(std::chrono::milliseconds pause)
+{
+    return EventWait(pause).run() == WaitEnd::TimedOut;
+}

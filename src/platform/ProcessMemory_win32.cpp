@@ -1,8 +1,0 @@
-#include "platform/ProcessMemory.h"
-
-#include <windows.h>
-
-void trimProcessMemory()
-{
-    SetProcessWorkingSetSize(GetCurrentProcess(), static_cast<SIZE_T>(-1), static_cast<SIZE_T>(-1));
-}

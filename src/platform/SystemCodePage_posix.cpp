@@ -1,6 +1,0 @@
-#include "platform/SystemCodePage.h"
-
-std::string systemCodePage()
-{
-    return "windows-1252";
-}

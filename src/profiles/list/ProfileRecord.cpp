@@ -1,0 +1,64 @@
+#include "profiles/list/ProfileRecord.h"
+
+#include "base/Base64.h"
+#include "base/RuntimeError.h"
+#include "base/Text.h"
+
+ProfileRecord decodeProfileRecord(std::string_view element)
+{
+    const FieldList fields(base64::decode(trimmed(element)), '|');
+    return {
+        .id = std::string(fields.at(0)),
+        .name = std::string(fields.at(1)),
+        .modPicture = std::string(fields.at(2)),
+        .players = std::string(fields.at(3)),
+        .map = base64::decode(fields.at(4)),
+        .gameType = std::string(fields.at(5)),
+        .timer = std::string(fields.at(6)),
+        .statusText = std::string(fields.at(8)), // field 7 carries nothing that is shown
+        .status = toInt32(fields.at(9)),
+        .gameVersion = std::string(fields.at(10)),
+    };
+}
+
+std::vector<ProfileElement> splitProfilesReply(std::string_view body)
+{
+    const std::vector<std::string_view> elements = split(body, '_');
+    const std::vector<std::string_view> pictures = split(elements.back(), '|');
+    std::vector<ProfileElement> profiles;
+    for (std::size_t index = 1; index + 1 < elements.size(); ++index) {
+        if (trimmed(elements[index]).empty())
+            continue;
+        const std::size_t position = index - 1;
+        profiles.push_back({elements[index], position < pictures.size() ? pictures[position] : std::string_view()});
+    }
+    return profiles;
+}
+
+std::string decodePictureBytes(std::string_view entry)
+{
+    std::string bytes;
+    bytes.reserve(entry.size() / 2);
+    std::size_t start = 0;
+    for (std::size_t end = entry.find('/'); end != std::string_view::npos; end = entry.find('/', start)) {
+        const std::string_view piece = entry.substr(start, end - start);
+        start = end + 1;
+        if (piece.empty())
+            continue;
+        const std::int32_t value = toInt32(piece);
+        if (value < 0 || value > 255)
+            throw RuntimeError(ErrorNumber::Overflow, "a picture byte is not between 0 and 255");
+        bytes += static_cast<char>(value);
+    }
+    return bytes;
+}
+
+Request getProfilesRequest(std::string_view user, const std::vector<std::string>& heldPictures)
+{
+    return {"GetProfiles", "GetProfiles_" + std::string(user) + '_' + base64::encode(join(heldPictures, "|")), {}};
+}
+
+ChosenProfile chosen(const ProfileRecord& record)
+{
+    return {parseInt32(record.id).value_or(0), record.name, record.gameVersion, record.status};
+}

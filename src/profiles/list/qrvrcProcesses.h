@@ -1,0 +1,42 @@
+#pragma once
+
+#include "profiles/list/ActionRequests.h"
+
+#include <QDialog>
+
+#include <optional>
+#include <vector>
+
+class ImageButton;
+class QListWidget;
+struct Client;
+
+/// "Attach to Process": the processes of the host, one of which is chosen for a profile. Modal.
+class qrvrcProcesses : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// @param client  outlives the window
+    qrvrcProcesses(Client& client, const std::vector<ProcessRecord>& processes, QWidget* parent);
+
+    /// The process that was chosen with Attach; nothing when the window was closed otherwise.
+    const std::optional<ProcessRecord>& chosen() const { return m_chosen; }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void buildControls();
+    void layOut();
+    void wireSignals();
+    void attach();
+
+    Client& m_client;
+    std::vector<ProcessRecord> m_processes;
+    std::optional<ProcessRecord> m_chosen;
+    QListWidget* lstID = nullptr;
+    QListWidget* lstProcess = nullptr;
+    ImageButton* cmdAttach = nullptr;
+    ImageButton* cmdCancel = nullptr;
+};

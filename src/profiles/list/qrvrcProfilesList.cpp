@@ -1,0 +1,366 @@
+#include "profiles/list/qrvrcProfilesList.h"
+
+#include "base/RuntimeError.h"
+#include "client/Client.h"
+#include "client/PermissionRecords.h"
+#include "client/SelectedProfile.h"
+#include "diagnostics/report/Reporter.h"
+#include "link/ReplyDispatcher.h"
+#include "link/clsWinSock.h"
+#include "platform/system/CodePage.h"
+#include "plugins/PluginTable.h"
+#include "profiles/list/ProfileControls.h"
+#include "profiles/list/ProfileGrid.h"
+#include "profiles/list/ProfileMenu.h"
+#include "profiles/list/ProfilePictures.h"
+#include "store/AppFolder.h"
+#include "ui/ImageButton.h"
+
+#include <QApplication>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPointer>
+#include <QShortcut>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+// How often the list follows the tracker while it is in front.
+constexpr auto refreshPause = 5s;
+
+// Pixels.
+constexpr QMargins pageMargins(8, 2, 8, 8);
+constexpr int pageSpacing = 6;
+constexpr QMargins gridMargins(7, 2, 7, 7);
+constexpr QMargins legendMargins(13, 5, 13, 5);
+constexpr int legendSpacing = 6;
+constexpr int legendLabelWidth = 120;
+constexpr int buttonWidth = 130;
+constexpr int buttonSpacing = 8;
+
+struct LegendEntry
+{
+    const char16_t* picture; ///< name of the control with the picture
+    const char16_t* label;
+    std::int32_t status;
+};
+
+constexpr std::array legend{
+    LegendEntry{u"ImgNA", u"lblNA", 5}, LegendEntry{u"ImgNH", u"lblNH", 0}, LegendEntry{u"ImgLM", u"lblLM", 1},
+    LegendEntry{u"ImgHM", u"lblHM", 2}, LegendEntry{u"imgSM", u"lblSM", 4},
+};
+
+} // namespace
+
+qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
+                                     SelectedProfile& selected, ActionHooks hooks, QWidget* parent)
+    : WorkingWindow(parent),
+      m_client(client),
+      m_plugins(plugins),
+      m_selected(selected),
+      m_pictures(std::make_unique<ProfilePictures>(client.folder, client.pictures)),
+      m_actions(std::make_unique<ProfileActions>(client, *this, std::move(hooks))),
+      m_refresh(std::make_unique<ListRefresh>(
+          client.link, [this] { return getProfilesRequest(m_client.link.user(), m_pictures->heldPictures()); }))
+{
+    setObjectName(u"qrvrcProfilesList"_s);
+    buildControls();
+    layOut();
+    followPrivileges(permissions);
+    wireSignals();
+}
+
+qrvrcProfilesList::~qrvrcProfilesList() = default;
+
+void qrvrcProfilesList::buildControls()
+{
+    fmeProfiles = new QGroupBox(u"Profiles"_s, this);
+    fmeProfiles->setObjectName(u"fmeProfiles"_s);
+    fgProfiles = new ProfileGrid(m_client.codePage, *m_pictures, fmeProfiles);
+    fgProfiles->setEmptyText(u"Not connected."_s);
+    mnuMain = new ProfileMenu(*fgProfiles, this);
+    buildButtons();
+    fmeLegend = new QGroupBox(u"Legend"_s, this);
+    fmeLegend->setObjectName(u"fmeLegend"_s);
+    tmrRefresh = new QTimer(this);
+    tmrRefresh->setObjectName(u"tmrRefresh"_s);
+    tmrRefresh->setInterval(refreshPause);
+}
+
+void qrvrcProfilesList::buildButtons()
+{
+    const auto button = [this](const QString& name, const QString& caption) {
+        auto* made = new ImageButton(name, caption, m_client.pictures, this);
+        made->face()->setFixedWidth(buttonWidth);
+        return made;
+    };
+    cmdAttach = button(u"cmdAttach"_s, u"Attach Profile"_s);
+    cmdDetach = button(u"cmdDetach"_s, u"Detach Profile"_s);
+    cmdStart = button(u"cmdStart"_s, u"Start Game"_s);
+    cmdStop = button(u"cmdStop"_s, u"Stop Game"_s);
+    cmdModify = button(u"cmdModify"_s, u"Modify Profile"_s);
+    cmdQuit = button(u"cmdQuit"_s, u"Quit"_s);
+}
+
+void qrvrcProfilesList::layOut()
+{
+    auto* profiles = new QVBoxLayout(fmeProfiles);
+    profiles->setContentsMargins(gridMargins);
+    profiles->addWidget(fgProfiles);
+    layOutLegend();
+
+    // Attach and Detach share a place, as Start and Stop do: of each pair one is shown.
+    auto* buttons = new QGridLayout;
+    buttons->setHorizontalSpacing(buttonSpacing);
+    buttons->addWidget(cmdAttach->face(), 0, 0);
+    buttons->addWidget(cmdDetach->face(), 0, 0);
+    buttons->addWidget(cmdModify->face(), 0, 1);
+    buttons->addWidget(cmdStart->face(), 0, 2); // last, because the place is empty without the game-start plugin
+    buttons->addWidget(cmdStop->face(), 0, 2);
+    buttons->addWidget(cmdQuit->face(), 0, 3, Qt::AlignRight);
+    buttons->setColumnMinimumWidth(0, buttonWidth);
+    buttons->setColumnStretch(3, 1);
+
+    auto* page = new QVBoxLayout(this);
+    page->setContentsMargins(pageMargins);
+    page->setSpacing(pageSpacing);
+    page->addWidget(fmeProfiles, 1);
+    page->addWidget(fmeLegend);
+    page->addLayout(buttons);
+}
+
+void qrvrcProfilesList::layOutLegend()
+{
+    auto* row = new QGridLayout(fmeLegend);
+    row->setContentsMargins(legendMargins);
+    row->setHorizontalSpacing(legendSpacing);
+    int column = 0;
+    for (const LegendEntry& entry : legend) {
+        auto* picture = new QLabel(fmeLegend);
+        picture->setObjectName(QString::fromUtf16(entry.picture));
+        picture->setPixmap(m_pictures->statusPicture(entry.status, devicePixelRatioF()));
+        auto* label = new QLabel(ProfilePictures::statusMeaning(entry.status), fmeLegend);
+        label->setObjectName(QString::fromUtf16(entry.label));
+        if (column > 0)
+            row->setColumnMinimumWidth(column - 1, legendLabelWidth); // of the entry before
+        row->addWidget(picture, 0, column++);
+        row->addWidget(label, 0, column++);
+    }
+    row->setColumnStretch(column, 1);
+}
+
+void qrvrcProfilesList::followPrivileges(const Permissions& permissions)
+{
+    const auto entry = [this](const QString& name) { return mnuMain->entry(name); };
+    m_controls = std::make_unique<ProfileControls>(
+        ProfileControls::Controls{cmdAttach, cmdDetach, cmdStart, cmdStop, cmdModify, entry(u"mnuAttach"_s),
+                                  entry(u"mnuDetach"_s), entry(u"mnuStart"_s), entry(u"mnuStop"_s), entry(u"mnuMode"_s),
+                                  entry(u"mnuModify"_s), entry(u"mnuDelete"_s)},
+        permissions);
+    m_controls->reset();
+}
+
+void qrvrcProfilesList::wireSignals()
+{
+    connect(fgProfiles, &ProfileGrid::rowChosen, this,
+            m_client.reporter.trapped("fgProfiles_MouseDown", [this] { updateSelection(); }));
+    connect(cmdQuit, &ImageButton::activated, this, &qrvrcProfilesList::quitRequested);
+    connect(tmrRefresh, &QTimer::timeout, this, &qrvrcProfilesList::refreshQuietly);
+    connect(&m_client.link, &clsWinSock::loginSucceeded, this, [this] { m_controls->reset(); });
+    connect(&m_client.link, &clsWinSock::linkLost, this, &qrvrcProfilesList::followLoss);
+    m_client.replies.on("GetProfiles", this, [this](std::string_view body) { showProfiles(body); });
+    wireActions();
+}
+
+/// Whatever is done with a profile, the press or the menu settles with which one.
+void qrvrcProfilesList::wireActions()
+{
+    const std::array<std::pair<ImageButton*, ProfileAction>, 5> buttons{{
+        {cmdAttach, ProfileAction::Attach},
+        {cmdDetach, ProfileAction::Detach},
+        {cmdStart, ProfileAction::StartGame},
+        {cmdStop, ProfileAction::StopGame},
+        {cmdModify, ProfileAction::Modify},
+    }};
+    for (const auto& [button, action] : buttons) {
+        connect(button, &ImageButton::pressed, this, [this] { m_pressAim = fgProfiles->aimAtSelected(); });
+        connect(button, &ImageButton::clicked, this, [this, does = action] {
+            if (const auto aim = m_pressAim)
+                m_actions->run(does, *aim);
+        });
+    }
+    connect(mnuMain, &ProfileMenu::actionChosen, this,
+            [this](ProfileAction action, const ProfileAim& aim) { m_actions->run(action, aim); });
+    connect(mnuMain, &ProfileMenu::pluginChosen, this, &qrvrcProfilesList::choosePlugin);
+    auto* deleteKey = new QShortcut(QKeySequence::Delete, fgProfiles, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(deleteKey, &QShortcut::activated, this, [this] {
+        const auto aim = fgProfiles->aimAtSelected();
+        if (aim && mnuMain->entry(u"mnuDelete"_s)->isEnabled())
+            m_actions->run(ProfileAction::Delete, *aim);
+    });
+}
+
+void qrvrcProfilesList::Form_Activate()
+{
+    fgProfiles->setFocus();
+    tmrRefresh->start();
+    // Behind the click that led here, which holds the tab strips: they are not to wait for the tracker.
+    QTimer::singleShot(0, this, [this] { reload(std::exchange(m_returnTo, {}), fgProfiles->choices()); });
+}
+
+QString qrvrcProfilesList::helpSection() const
+{
+    return m_actions->isStartingGame() ? u"IGNORE"_s : u"Profile List"_s;
+}
+
+void qrvrcProfilesList::FormReload()
+{
+    reload({}, fgProfiles->choices());
+}
+
+void qrvrcProfilesList::reloadBehind(const ProfileAim& aim)
+{
+    reload(aim.profile.id, aim.choice);
+}
+
+void qrvrcProfilesList::chooseOnReturn(const ProfileAim& aim)
+{
+    m_returnTo = aim.profile.id;
+}
+
+void qrvrcProfilesList::reload(const std::optional<std::string>& profile, unsigned choice)
+{
+    const QPointer<QWidget> self(this);
+    if (m_client.link.isLoggedIn()) {
+        fgProfiles->setEmptyText(u"Asking the tracker for its profiles..."_s);
+        m_refresh->start({.profile = profile, .choice = choice});
+    } else {
+        showNoProfiles(u"Not connected."_s);
+    }
+    if (self) // it may have been closed while its events ran
+        updateSelection();
+}
+
+void qrvrcProfilesList::refreshQuietly()
+{
+    // The list does not move under a menu, a box or a button that is held down.
+    if (!isVisible() || !isEnabled() || m_refresh->isUnderWay() || m_client.link.pending() ||
+        QApplication::activePopupWidget() || QApplication::activeModalWidget() ||
+        QApplication::mouseButtons() != Qt::NoButton)
+        return;
+    m_refresh->start({.asked = PendingRequest::Asked::ByClock});
+}
+
+void qrvrcProfilesList::showProfiles(std::string_view body)
+{
+    const ListRefresh::Wish wish = m_refresh->takeWish();
+    if (body.find('_') == std::string_view::npos) { // no list at all, not even an empty one
+        fgProfiles->setEmptyText(u"The tracker sent no list of profiles."_s);
+        return;
+    }
+    const bool isQuiet = wish.asked == PendingRequest::Asked::ByClock;
+    const std::vector<ProfileElement> elements = splitProfilesReply(body);
+    std::vector<ProfileRecord> records;
+    const std::optional<RuntimeError> damage = take(elements, records);
+    m_selected.hasProfiles = !records.empty();
+    fgProfiles->setEmptyText(u"The tracker has no profiles."_s);
+    // New pictures belong to rows that read the same.
+    fgProfiles->showRecords(std::move(records), std::any_of(elements.begin(), elements.end(), [](const auto& element) {
+                                return !element.picture.empty();
+                            }));
+    if (!isQuiet && wish.choice == fgProfiles->choices())
+        fgProfiles->select(wish.profile);
+    updateSelection();
+    const auto known = std::exchange(m_lastDamage, damage ? std::optional(damage->description()) : std::nullopt);
+    if (damage && !(isQuiet && known == m_lastDamage))
+        throw *damage;
+}
+
+/// Decodes the profiles and keeps what comes with them.
+/// @return what is wrong with the first one that cannot be shown; it ends the list, and those before it are shown
+std::optional<RuntimeError> qrvrcProfilesList::take(const std::vector<ProfileElement>& elements,
+                                                    std::vector<ProfileRecord>& records)
+{
+    try {
+        records.reserve(elements.size());
+        m_client.folder.makeFolder("\\profiles");
+        for (const ProfileElement& element : elements) {
+            ProfileRecord record = decodeProfileRecord(element.text);
+            m_pictures->makeProfileFolder(record.id);
+            m_pictures->keepModPicture(record.modPicture, element.picture);
+            records.push_back(std::move(record));
+        }
+    } catch (const RuntimeError& error) {
+        return error;
+    }
+    return {};
+}
+
+void qrvrcProfilesList::showNoProfiles(const QString& why)
+{
+    fgProfiles->clearRecords(why);
+    m_selected = SelectedProfile();
+    updateSelection();
+}
+
+void qrvrcProfilesList::followLoss()
+{
+    mnuMain->drop();
+    m_pressAim.reset();
+    m_returnTo.reset();
+    m_lastDamage.reset();
+    showNoProfiles(u"Not connected."_s);
+}
+
+int qrvrcProfilesList::rowCount() const
+{
+    return fgProfiles->rows().rowCount();
+}
+
+std::optional<ProfileRecord> qrvrcProfilesList::find(std::string_view id) const
+{
+    return fgProfiles->find(id);
+}
+
+void qrvrcProfilesList::tellGone(const ProfileRecord& profile)
+{
+    if (m_client.link.isLoggedIn())
+        m_client.reporter.ReportMsg(
+            MessageKind::Failed, u"The profile '%1' is no longer there."_s.arg(m_client.codePage.toText(profile.name)));
+}
+
+void qrvrcProfilesList::followPlugins()
+{
+    mnuMain->followPlugins(m_plugins, m_client.codePage);
+    updateSelection();
+}
+
+void qrvrcProfilesList::choosePlugin(const std::string& plugin, const std::string& menuItem, const ProfileAim& aim)
+{
+    if (const auto profile = find(aim.profile.id))
+        Q_EMIT pluginChosen(plugin, menuItem, ::chosen(*profile));
+    else
+        tellGone(aim.profile);
+}
+
+void qrvrcProfilesList::updateSelection()
+{
+    RowState state{.hasStartPlugin = m_plugins.isEnabled(startPlugin)};
+    m_selected.profile.reset();
+    if (const auto aim = fgProfiles->aimAtSelected()) {
+        m_selected.profile = chosen(aim->profile);
+        state.isSelected = true;
+        state.isHosting = !aim->profile.map.empty();
+        state.isStartable = aim->profile.gameVersion == deltaForceVersion;
+    }
+    m_controls->apply(state);
+}

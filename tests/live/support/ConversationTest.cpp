@@ -1,0 +1,141 @@
+#include "live/support/Conversation.h"
+
+#include <QTest>
+
+using Speaker = Conversation::Speaker;
+
+namespace {
+
+Conversation sample()
+{
+    Conversation talk;
+    for (const char* entry :
+         {"Host says:\r\nthe map is on\r\n\r\n", "admin says:\r\nwhich map?\r\n\r\nThe new map?\r\n\r\n",
+          "Host says:\r\nMap three\r\n\r\n", "Host says:\r\nlast map\r\n\r\n"})
+        talk.add(entry);
+    return talk;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Speaker)
+Q_DECLARE_METATYPE(TextSpan)
+
+class ConversationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void entriesStandNewestFirstAndNeverTouch()
+    {
+        Conversation talk;
+        talk.add("Host says:\r\none\r\n\r\n");
+        talk.add("Host says:\r\n" + std::string(1001, 'x'));
+        QVERIFY(talk.shownText().starts_with("Host says:\n" + std::string(1000, 'x') + "\nx\n\n"));
+        talk = Conversation();
+        talk.add("Host says:\r\none\r\n\r\n");
+        talk.add("no line end");
+        talk.add("old\rMac\nlines\r\n");
+        QCOMPARE(talk.shownText(), "old\nMac\nlines\n\nno line end\n\nHost says:\none\n\n");
+    }
+
+    void aFilterKeepsWhatFits_data()
+    {
+        QTest::addColumn<Speaker>("who");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QByteArray>("shown");
+        QTest::newRow("host") << Speaker::Host << QByteArray("map")
+                              << QByteArray("Host says:\nlast map\n\nHost says:\nthe map is on\n\n");
+        QTest::newRow("user") << Speaker::User << QByteArray("new")
+                              << QByteArray("admin says:\nwhich map?\n\nThe new map?\n\n");
+        QTest::newRow("all, letter case")
+            << Speaker::All << QByteArray("Map") << QByteArray("Host says:\nMap three\n\n");
+        QTest::newRow("nothing fits") << Speaker::User << QByteArray("three") << QByteArray();
+        QTest::newRow("blanks inside count")
+            << Speaker::All << QByteArray(" map ") << QByteArray("Host says:\nthe map is on\n\n");
+    }
+    void aFilterKeepsWhatFits()
+    {
+        QFETCH(const Speaker, who);
+        QFETCH(const QByteArray, text);
+        QFETCH(const QByteArray, shown);
+        Conversation talk = sample();
+        QVERIFY(talk.filter(Speaker::All, "says", "admin"));
+        QVERIFY(talk.filter(who, text.toStdString(), "admin")); // looks at everything, not at what the first one left
+        QCOMPARE(talk.shownText(), shown.toStdString());
+    }
+
+    void clearingTheFilterShowsEverythingAlsoWhatCameMeanwhile()
+    {
+        Conversation talk = sample();
+        const std::string before = talk.shownText();
+        QVERIFY(!talk.filter(Speaker::Host, " ", "admin"));
+        talk.filter(Speaker::Host, "three", "admin");
+        talk.add("Host says:\r\nunrelated\r\n\r\n");
+        QCOMPARE(talk.shownText(), "Host says:\nunrelated\n\nHost says:\nMap three\n\n");
+        QVERIFY(talk.filter(Speaker::Host, "  ", "admin"));
+        QVERIFY(!talk.isFiltered());
+        QCOMPARE(talk.shownText(), "Host says:\nunrelated\n\n" + before);
+    }
+
+    void anEntryGrowsWhereItStands()
+    {
+        Conversation talk;
+        const auto grows = talk.add("Host says:\r\none");
+        talk.add("admin says:\r\nx\r\n\r\n");
+        QCOMPARE(talk.replace(grows, "Host says:\r\none two\r\n\r\n"), TextSpan({15, 16}));
+        QCOMPARE(talk.shownText(), "admin says:\nx\n\nHost says:\none two\n\n");
+        talk.filter(Speaker::All, "x", "admin");
+        QVERIFY(!talk.replace(grows, "Host says:\r\nthree\r\n\r\n"));
+        talk.filter(Speaker::All, {}, {});
+        QVERIFY(talk.shownText().ends_with("three\n\n"));
+    }
+
+    void aSearchGoesForthAndBack_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QByteArray>("what");
+        QTest::addColumn<QList<int>>("positions"); // from 1
+        QTest::newRow("first character") << QByteArray("Host, Host, host") << QByteArray("Host") << QList<int>{1, 7};
+        QTest::newRow("one letter") << QByteArray("aab a") << QByteArray("a") << QList<int>{1, 2, 5};
+        QTest::newRow("at the very end") << QByteArray("x map") << QByteArray("map") << QList<int>{3};
+        QTest::newRow("not there") << QByteArray("abc") << QByteArray("abcd") << QList<int>{};
+        QTest::newRow("nothing wanted") << QByteArray("abc") << QByteArray() << QList<int>{};
+        QTest::newRow("no text") << QByteArray() << QByteArray("a") << QList<int>{};
+        QList<int> many;
+        for (int at = 1; at <= 500; ++at)
+            many += 3 * at - 2;
+        QTest::newRow("many") << QByteArray("ab ").repeated(500) << QByteArray("ab") << many;
+    }
+    void aSearchGoesForthAndBack()
+    {
+        QFETCH(const QByteArray, text);
+        QFETCH(const QByteArray, what);
+        QFETCH(const QList<int>, positions);
+        const std::string_view in(text.constData(), std::size_t(text.size()));
+        const std::string wanted = what.toStdString();
+        TextSpan selection;
+        QList<int> forth;
+        for (auto at = findFirst(in, wanted); at; at = findNext(in, wanted, selection)) {
+            forth += int(*at);
+            selection = {*at - 1, wanted.size()};
+        }
+        QCOMPARE(forth, positions);
+        QList<int> back = positions.mid(qMax(0, int(positions.size()) - 1));
+        while (const auto at = findPrevious(in, wanted, selection)) {
+            back.prepend(int(*at));
+            selection = {*at - 1, wanted.size()};
+        }
+        QCOMPARE(back, positions);
+    }
+
+    void nextBeginsAtTheCaretWhenSomethingElseIsSelected()
+    {
+        QCOMPARE(findNext("map map", "map", {}), std::optional<std::size_t>(1));
+        QCOMPARE(findNext("map map", "map", {1, 2}), std::optional<std::size_t>(5));
+        QVERIFY(!findNext("map", "map", {7, 0}));
+    }
+};
+
+QTEST_APPLESS_MAIN(ConversationTest)
+#include "ConversationTest.moc"

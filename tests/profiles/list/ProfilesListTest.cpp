@@ -1,0 +1,390 @@
+#include "profiles/list/qrvrcProfilesList.h"
+
+#include "profiles/list/ActionUser.h"
+#include "support/AddRow.h"
+
+#include <QAbstractItemModel>
+#include <QClipboard>
+#include <QLabel>
+#include <QPixmap>
+#include <QScrollBar>
+#include <QSignalSpy>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+using practice::Fault;
+
+namespace {
+
+constexpr int modColumn = 2;
+constexpr int statusColumn = 8;
+
+/// One profile as a tracker would send it.
+struct Sent
+{
+    QByteArray id = "1";
+    QByteArray name = "Alpha";
+    QByteArray picture = {};
+    QByteArray status = "5";
+    QByteArray bytes = {}; ///< of the picture, as sent
+};
+
+QByteArray element(const Sent& profile)
+{
+    const QList<QByteArray> fields{profile.id, profile.name, profile.picture, {}, {}, "TDM", {},
+                                   {},         "text",       profile.status,  "v"};
+    return fields.join('|').toBase64();
+}
+
+/// The body of a "GetProfiles" reply.
+QByteArray reply(const QList<Sent>& profiles)
+{
+    QByteArray body = "Profiles";
+    QList<QByteArray> pictures;
+    for (const Sent& profile : profiles) {
+        body += '_' + element(profile);
+        pictures += profile.bytes;
+    }
+    return body + '_' + pictures.join('|');
+}
+
+qrvrcProfilesList& list(Desk& desk)
+{
+    return desk.control<qrvrcProfilesList>(u"qrvrcProfilesList"_s);
+}
+
+/// Refreshes the list, which is answered with exactly this body.
+void refreshWith(Desk& desk, const QByteArray& body)
+{
+    desk.tracker.answerNextWith("GetProfiles", body);
+    list(desk).FormReload();
+}
+
+constexpr int none = -1;
+
+/// Id of the selected profile as the rest of the program knows it.
+int selectedId(Desk& desk)
+{
+    const auto& profile = desk.core().selected.profile;
+    return profile ? profile->id : none;
+}
+
+bool hasPicture(Desk& desk, int row, int column)
+{
+    return !desk.grid().index(row, column).data(Qt::DecorationRole).value<QPixmap>().isNull();
+}
+
+/// Everything in and below the client's folder, one path a line.
+QStringList contents(const Desk& desk)
+{
+    QStringList names;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(desk.path("")))
+        names += QString::fromStdU16String(entry.path().lexically_relative(desk.path("")).u16string());
+    names.removeIf([](const QString& name) { return name == u"ErrorLog.txt"_s || name.startsWith(u"settings"_s); });
+    names.sort();
+    return names;
+}
+
+} // namespace
+
+class ProfilesListTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyProfileIsARow()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        const practice::Profile& alpha = *desk.tracker.world().profile(1);
+        QStringList cells;
+        for (int column = 0; column < desk.grid().columnCount(); ++column)
+            cells += desk.grid().index(0, column).data().toString();
+        QCOMPARE(cells, (QStringList{u"1"_s,
+                                     u"Alpha"_s,
+                                     {},
+                                     u"2/16"_s,
+                                     QString::fromLatin1(alpha.map),
+                                     u"Coop"_s,
+                                     u"00:10:00"_s,
+                                     QString::fromLatin1(alpha.statusText),
+                                     {}}));
+        QCOMPARE(desk.column(1), (QStringList{u"Alpha"_s, u"Bravo"_s, u"Charlie"_s}));
+        QCOMPARE(desk.column(4).value(1), QString());
+        QCOMPARE(desk.grid().index(1, 0).data(Qt::UserRole).toInt(), 5);
+        QVERIFY(hasPicture(desk, 0, modColumn) && !hasPicture(desk, 1, modColumn));
+        QVERIFY(hasPicture(desk, 0, statusColumn) && hasPicture(desk, 1, statusColumn));
+        QCOMPARE(selectedId(desk), 1);
+        QVERIFY(desk.exists("\\profiles\\1") && desk.exists("\\profiles\\3"));
+        QVERIFY(desk.control<QLabel>(u"lblHM"_s).text() == u"Hosting Map"_s);
+    }
+
+    void aRefreshShowsWhatArrivedAndEnds_data()
+    {
+        QTest::addColumn<Fault>("fault");
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<int>("boxes");
+        addRow("reply in chunks of 9 bytes", Fault::chunks(9), 3, 0);
+        addRow("twice", Fault::twice(), 3, 0);
+        addRow("letters for a length", Fault::wrongPrefix(), 3, 0);
+        addRow("far too large a length", Fault::hugePrefix(), 3, 0);
+        addRow("third profile is garbage", Fault::garbageInElement(3), 2, 1);
+        addRow("first profile is garbage", Fault::garbageInElement(1), 0, 1);
+        addRow("nothing in it, which is no list", Fault::emptyBody(), 3, 0);
+        addRow("cut off inside a profile", Fault::cutOffAfter(60), 0, 0);
+        addRow("reset", Fault::reset(), 0, 0);
+        addRow("silent inside a profile", Fault::silentAfter(60), 0, 1);
+        addRow("never", Fault::never(), 0, 1);
+    }
+    void aRefreshShowsWhatArrivedAndEnds()
+    {
+        QFETCH(const Fault, fault);
+        QFETCH(const int, rows);
+        QFETCH(const int, boxes);
+        Desk desk;
+        QVERIFY(desk.logIn());
+        desk.tracker.answerNext("GetProfiles", fault);
+        const bool isSilent = fault.kind() == Fault::Kind::Silent || fault.kind() == Fault::Kind::Never;
+        if (isSilent)
+            desk.link().replyLimit = 30ms;
+        list(desk).FormReload();
+        QCOMPARE(list(desk).rowCount(), rows);
+        QTRY_COMPARE(desk.boxes.boxes.size(), boxes);
+        QVERIFY(desk.frame().isEnabled());
+        QVERIFY(desk.control(u"tsMain"_s).isEnabled());
+        QCOMPARE(selectedId(desk), rows > 0 ? 1 : none);
+        QCOMPARE(desk.core().selected.hasProfiles, rows > 0);
+    }
+
+    void brokenRecordsEndTheList_data()
+    {
+        QTest::addColumn<QByteArray>("element");
+        QTest::addColumn<QString>("error");
+        addRow("too few fields", "1|Alpha|x"_ba.toBase64(), u"Error 9: "_s);
+        addRow("a status that is no number", element({.status = "two"}), u"Error 13: "_s);
+        addRow("an id that leaves the folder", element({.id = ".."}), u"Error 70: "_s);
+        addRow("an id that is a path", element({.id = "..\\..\\evil"}), u"Error 70: "_s);
+        addRow("an id with a slash", element({.id = "../../evil"}), u"Error 70: "_s);
+        addRow("an empty id", element({.id = ""}), u"Error 70: "_s);
+        addRow("a picture that leaves the folder", element({.picture = "..\\..\\x.gif"}), u"Error 70: "_s);
+        addRow("a picture with a slash", element({.picture = "a/b"}), u"Error 70: "_s);
+        addRow("a picture on a drive", element({.picture = "c:x.gif"}), u"Error 70: "_s);
+        addRow("a picture that is a device", element({.picture = "con"}), u"Error 70: "_s);
+        addRow("a device with an ending", element({.picture = "NUL.gif"}), u"Error 70: "_s);
+    }
+    void brokenRecordsEndTheList()
+    {
+        QFETCH(const QByteArray, element);
+        QFETCH(const QString, error);
+        Desk desk;
+        QVERIFY(desk.logIn());
+        refreshWith(desk, reply({Sent{}}));
+        const QStringList before = contents(desk);
+        refreshWith(desk, "Profiles_" + ::element({}) + '_' + element + '_' + ::element({}) + "_|71/73/70/|71/");
+        QCOMPARE(list(desk).rowCount(), 1); // those before it stay
+        QVERIFY(desk.boxes.onlyText().contains(error));
+        QVERIFY(desk.boxes.onlyText().endsWith(u"Function/Sub: HandleData"_s));
+        QCOMPARE(contents(desk), before);
+        QVERIFY(!std::filesystem::exists(desk.path("").parent_path() / "evil"));
+    }
+
+    void picturesAreKeptUnderTheirNames_data()
+    {
+        QTest::addColumn<QByteArray>("held");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("kept");
+        addRow("new", QByteArray(), "71/73/70/"_ba, "GIF"_ba);
+        addRow("the last piece is no byte", QByteArray(), "71/73/70"_ba, "GI"_ba);
+        addRow("none sent, none held", QByteArray(), QByteArray(), QByteArray());
+        addRow("none sent, one held", "GIF89a"_ba, QByteArray(), "GIF89a"_ba);
+        addRow("a byte out of range keeps what is held", "GIF89a"_ba, "71/256/"_ba, "GIF89a"_ba);
+    }
+    void picturesAreKeptUnderTheirNames()
+    {
+        QFETCH(const QByteArray, held);
+        QFETCH(const QByteArray, bytes);
+        Desk desk;
+        if (!held.isEmpty())
+            desk.put("\\mods\\CTF.gif", held);
+        QVERIFY(desk.logIn());
+        refreshWith(desk, reply({Sent{.picture = "ctf.gif", .bytes = bytes}}));
+        QTEST(desk.bytesOf("\\mods\\CTF.gif"), "kept");
+        QCOMPARE(hasPicture(desk, 0, modColumn), false); // three letters are no picture, and no fault
+        QCOMPARE(list(desk).rowCount(), bytes.contains("256") ? 0 : 1);
+    }
+
+    void heldPicturesAreNotAskedForAgain()
+    {
+        Desk desk;
+        desk.put("\\mods\\readme.txt", "no picture");
+        QVERIFY(desk.logIn());
+        QCOMPARE(desk.lastRequest("GetProfiles"), "GetProfiles_admin__VB6_");
+        list(desk).FormReload();
+        QCOMPARE(desk.lastRequest("GetProfiles"),
+                 "GetProfiles_admin_" + "desert.gif|islands.gif"_ba.toBase64() + "_VB6_");
+        QVERIFY(hasPicture(desk, 0, modColumn) && hasPicture(desk, 2, modColumn));
+    }
+
+    void aStatusOutOfRangeHasNoPictureAndIsKept()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        for (const int status : {-1, 0, 5, 6, std::numeric_limits<int>::max()}) {
+            refreshWith(desk, reply({Sent{.status = QByteArray::number(status)}}));
+            QCOMPARE(desk.core().selected.profile->status, status);
+            QCOMPARE(hasPicture(desk, 0, statusColumn), status >= 0 && status <= 5);
+        }
+        QVERIFY(desk.boxes.boxes.isEmpty());
+    }
+
+    void aListThatArrivesLeavesTheUserHisChoice_data()
+    {
+        QTest::addColumn<bool>("isQuiet");
+        QTest::addColumn<bool>("isAskedFirst"); // before the user chooses
+        QTest::addColumn<QByteArray>("gone");
+        QTest::addColumn<int>("id");
+        addRow("quiet", true, false, ""_ba, 3);
+        addRow("quiet, chosen meanwhile", true, true, ""_ba, 3);
+        addRow("quiet, one above is gone", true, false, "Alpha"_ba, 3);
+        addRow("quiet, the chosen one is gone", true, true, "Charlie"_ba, none);
+        addRow("reload", false, false, ""_ba, 1);
+        addRow("reload, chosen meanwhile", false, true, ""_ba, 3);
+        addRow("reload, chosen meanwhile and gone", false, true, "Charlie"_ba, none);
+    }
+    void aListThatArrivesLeavesTheUserHisChoice()
+    {
+        QFETCH(const bool, isQuiet);
+        QFETCH(const bool, isAskedFirst);
+        QFETCH(const QByteArray, gone);
+        Desk desk;
+        QVERIFY(desk.logIn());
+        desk.tracker.world().profiles.removeIf([&](const practice::Profile& profile) { return profile.name == gone; });
+        if (!isAskedFirst)
+            desk.clickRow(2);
+        auto& clock = desk.control<QTimer>(u"tmrRefresh"_s);
+        const auto ask = [&] { isQuiet ? clock.start(1) : askForList(desk); };
+        const auto answer = [&] {
+            clock.stop();
+            if (isAskedFirst)
+                desk.clickRow(2);
+            letCome(desk);
+        };
+        QVERIFY(whenHeld(desk, "GetProfiles", ask, answer));
+        QTEST(selectedId(desk), "id");
+        QCOMPARE(desk.control(u"cmdModify"_s).isEnabled(), selectedId(desk) != none);
+    }
+
+    void aQuietRefreshTouchesOnlyWhatHasChanged()
+    {
+        Desk desk(practice::World::many(80, 1));
+        QVERIFY(desk.logIn());
+        auto& view = desk.control<QTableView>(u"fgProfiles"_s);
+        desk.clickRow(40);
+        QTest::keyClick(&view, Qt::Key_Right);
+        const int column = view.currentIndex().column();
+        const int scrolled = view.verticalScrollBar()->value();
+        const QSignalSpy resets(&desk.grid(), &QAbstractItemModel::modelReset);
+        const QSignalSpy moves(&desk.grid(), &QAbstractItemModel::layoutChanged);
+        const QSignalSpy changes(&desk.grid(), &QAbstractItemModel::dataChanged);
+        const QSignalSpy progress(&desk.link(), &clsWinSock::progress);
+        QVERIFY(desk.refreshQuietly());
+        QCOMPARE(changes.size() + moves.size(), 0);
+        desk.tracker.world().profiles[41].gameType = "changed";
+        QVERIFY(desk.refreshQuietly());
+        QCOMPARE(changes.size(), 1);
+        QCOMPARE(desk.column(5).value(41), u"changed"_s);
+        desk.tracker.world().profiles.move(0, 79);
+        QVERIFY(desk.refreshQuietly());
+        QCOMPARE(view.currentIndex(), desk.grid().index(39, column));
+        QCOMPARE(view.verticalScrollBar()->value(), scrolled);
+        QCOMPARE(selectedId(desk), 41);
+        QCOMPARE(resets.size() + progress.size(), 0);
+    }
+
+    void theSameDamageIsToldOnceUnlessTheUserAsks()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        for (int time = 0; time < 3; ++time) {
+            desk.tracker.answerNext("GetProfiles", Fault::garbageInElement(2));
+            QVERIFY(desk.refreshQuietly());
+            QCOMPARE(desk.boxes.boxes.size(), 1);
+        }
+        desk.tracker.answerNext("GetProfiles", Fault::garbageInElement(2));
+        list(desk).FormReload();
+        QCOMPARE(desk.boxes.boxes.size(), 2);
+        QVERIFY(desk.refreshQuietly()); // a good one between
+        desk.tracker.answerNext("GetProfiles", Fault::garbageInElement(2));
+        QVERIFY(desk.refreshQuietly());
+        QCOMPARE(desk.boxes.boxes.size(), 3);
+    }
+
+    void manyClicksOnTheTabAskTwice()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        const qsizetype asked = desk.requestCount("GetProfiles");
+        const auto clickOn = [&] {
+            for (int click = 0; click < 7; ++click) {
+                askForList(desk);
+                QCoreApplication::processEvents();
+            }
+            QCOMPARE(desk.requestCount("GetProfiles"), asked + 1);
+            desk.tracker.releaseAll();
+        };
+        QVERIFY(whenHeld(
+            desk, "GetProfiles", [&] { askForList(desk); }, clickOn));
+        QTRY_COMPARE(desk.requestCount("GetProfiles"), asked + 2);
+        QVERIFY(desk.settles());
+        QVERIFY(desk.refreshQuietly());
+        QCOMPARE(desk.requestCount("GetProfiles"), asked + 3);
+    }
+
+    void aDropEmptiesTheList()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        openMenu(desk, 1);
+        desk.tracker.resetLinks();
+        QTRY_COMPARE(list(desk).rowCount(), 0);
+        QVERIFY(!desk.control<QMenu>(u"mnuMain"_s).isVisible());
+        QCOMPARE(selectedId(desk), none);
+        QVERIFY(!desk.core().selected.hasProfiles);
+        QVERIFY(!desk.control(u"cmdAttach"_s).isEnabled());
+        const qsizetype asked = desk.requestCount("GetProfiles");
+        list(desk).FormReload(); // logged out: asks nobody
+        QCOMPARE(desk.requestCount("GetProfiles"), asked);
+        QVERIFY(desk.boxes.boxes.isEmpty());
+    }
+
+    void theMenuOpensOnTheRowUnderTheMouse()
+    {
+        Desk desk;
+        QVERIFY(desk.logIn());
+        auto& menu = desk.control<QMenu>(u"mnuMain"_s);
+        openMenu(desk, 1);
+        QTRY_VERIFY(menu.isVisible());
+        QCOMPARE(selectedId(desk), 2);
+        QStringList entries;
+        for (const QAction* entry : menu.actions())
+            entries += entry->isSeparator() ? u"-"_s : entry->objectName();
+        QCOMPARE(
+            entries.join(u' '),
+            u"mnuAttach mnuDetach - mnuStart mnuStop mnuMode - mnuModify mnuDelete - mnuPlayers mnuFileManager - mnuCopy"_s);
+        desk.tracker.world().profiles.removeFirst();
+        list(desk).FormReload();
+        QVERIFY(menu.isVisible());
+        QGuiApplication::clipboard()->clear();
+        desk.control<QAction>(u"mnuCopyCell"_s).trigger();
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"Bravo"_s); // where the menu was opened
+        menu.close();
+        auto* view = desk.control<QTableView>(u"fgProfiles"_s).viewport();
+        const QPoint below(5, view->height() - 3);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, below, view->mapToGlobal(below));
+        QApplication::sendEvent(view, &event);
+        QVERIFY(!menu.isVisible());
+    }
+};
+
+QTEST_MAIN(ProfilesListTest)
+#include "ProfilesListTest.moc"

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "client/Client.h"
+#include "platform/net/Inet.h"
+#include "support/LinkRig.h"
+#include "ui/PictureStore.h"
+#include "ui/WindowRegistry.h"
+
+/// All that a window is handed, without the frame around it.
+struct ClientRig : LinkRig
+{
+    PictureStore pictures{folder};
+    WindowRegistry windows;
+    Inet inet;
+    bool quitting = false;
+    Client client{link, replies, store, folder, inet, reporter, boxes, codePage, pictures, windows, quitting};
+};
