@@ -41,6 +41,16 @@ start_display() {
     wait_until 30 $! xdotool get_num_desktops || fail "the window manager does not start (see build/display.log)"
 }
 
+# Starts a session bus with the accessibility bus behind it; programs started from here on can be used by the names of
+# their controls (see press).
+start_accessibility() {
+    local output
+    exec {output}< <(exec dbus-daemon --session --nofork --nopidfile --print-address 2>>build/display.log {lock}>&-)
+    background+=($!)
+    read -r -t 30 DBUS_SESSION_BUS_ADDRESS <&"$output" || fail "the session bus does not start (see build/display.log)"
+    export DBUS_SESSION_BUS_ADDRESS QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
+}
+
 # Starts a practice tracker; sets tracker_port and tracker_web. Its log names every request that it gets.
 start_tracker() { # option...
     local output line

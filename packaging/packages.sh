@@ -29,6 +29,14 @@ declare -A packages=(
         xdotool             # sees whether the client's window is there
         xvfb                # the display
     "
+    # What uses a program by the names of its controls (packaging/press), besides a display.
+    [accessibility]="
+        at-spi2-core        # the bus that controls are found on
+        dbus-daemon         # carries it
+        gir1.2-atspi-2.0    # the way to it from Python
+        python3
+        python3-gi          # as above
+    "
     # What ./run needs on a Wayland display without an X server.
     [wayland]="
         qt6-wayland         # Qt's way to such a display

@@ -197,13 +197,17 @@ private:
 };
 
 template <typename PluginClass>
+QrvrcObject* newPlugin(const char* ownProgId, const char* progId)
+{
+    if (!isSameName(ownProgId, progId))
+        throw Error(QRVRC_ERROR_CANNOT_CREATE, "the library has no such class");
+    return new PluginObject<PluginClass>();
+}
+
+template <typename PluginClass>
 std::int32_t create(const char* ownProgId, const char* progId, QrvrcObject** object) noexcept
 {
-    return atBorder([&] {
-        if (!isSameName(ownProgId, progId))
-            throw Error(QRVRC_ERROR_CANNOT_CREATE, "the library has no such class");
-        *object = new PluginObject<PluginClass>();
-    });
+    return atBorder([&] { *object = newPlugin<PluginClass>(ownProgId, progId); });
 }
 
 } // namespace detail
