@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSignalBlocker>
+#include <QVBoxLayout>
 
 #include <algorithm>
 #include <utility>
@@ -17,22 +18,25 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Pixels.
-constexpr int inset = 10; // from the frame to what it holds
-constexpr int captionTop = 22;
+constexpr QMargins insets(7, 2, 7, 7); // from the frame to what it holds
+constexpr int columnGap = 10;
+constexpr int rowGap = 8;
+constexpr int captionGap = 2;
 constexpr int fieldHeight = 26;
-constexpr int labelHeight = 18;
-constexpr int fieldWidth = 180;
-constexpr int checklistWidth = 290;
-constexpr int checklistLeft = inset + fieldWidth + inset;
-constexpr QSize formSize(checklistLeft + checklistWidth + inset, 244);
-constexpr QSize buttonSize(130, 30);
+constexpr int buttonWidth = 130;
+constexpr QSize noteSize(180, 42); // as wide as the fields, three lines
 
-QLabel* caption(QWidget* buddy, const QString& name, const QString& text)
+/// A control below its caption.
+QVBoxLayout* captioned(QWidget* control, const QString& name, const QString& text)
 {
-    auto* label = new QLabel(text, buddy->parentWidget());
+    auto* label = new QLabel(text);
     label->setObjectName(name);
-    label->setBuddy(buddy);
-    return label;
+    label->setBuddy(control);
+    auto* layout = new QVBoxLayout;
+    layout->setSpacing(captionGap);
+    layout->addWidget(label);
+    layout->addWidget(control);
+    return layout;
 }
 
 } // namespace
@@ -43,9 +47,8 @@ AccountForm::AccountForm(const CodePage& codePage, PictureStore& pictures, QWidg
 {
     setObjectName(u"fmeAddUser"_s);
     buildFields();
-    buildChecklist(codePage);
     buildSaving(pictures);
-    placeControls();
+    layOut();
     wireSignals();
     offer({});
     showNew();
@@ -60,17 +63,10 @@ void AccountForm::buildFields()
     cboUser->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     txtUser = new QLineEdit(this);
     txtUser->setObjectName(u"txtUser"_s);
-    lblUser = caption(txtUser, u"lblUser"_s, u"Username:"_s);
     txtPass = new QLineEdit(this);
     txtPass->setObjectName(u"txtPass"_s);
-    lblPass = caption(txtPass, u"lblPass"_s, u"Password:"_s);
-}
-
-void AccountForm::buildChecklist(const CodePage& codePage)
-{
-    lstSections = new PrivilegeGrid(u"lstSections"_s, codePage, this);
+    lstSections = new PrivilegeGrid(u"lstSections"_s, m_codePage, this);
     lstSections->setAccessibleName(u"Privileges"_s);
-    lblSections = caption(lstSections, u"lblSections"_s, u"Privileges"_s);
 }
 
 void AccountForm::buildSaving(PictureStore& pictures)
@@ -84,27 +80,28 @@ void AccountForm::buildSaving(PictureStore& pictures)
     lblNote->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 }
 
-void AccountForm::placeControls()
+void AccountForm::layOut()
 {
-    int y = captionTop;
-    const auto below = [&y](QWidget* widget, int height, int gap) {
-        widget->setGeometry(inset, y, fieldWidth, height);
-        y += height + gap;
-    };
-    below(cboUser, fieldHeight, 8);
-    below(lblUser, labelHeight, 0);
-    below(txtUser, fieldHeight, 6);
-    below(lblPass, labelHeight, 0);
-    below(txtPass, fieldHeight, 10);
-    const QRect button(QPoint(inset, y), buttonSize);
-    cmdAddUser->place(button);
-    cmdModify->place(button);
-    y = button.bottom() + 8;
-    lblNote->setGeometry(inset, y, fieldWidth, formSize.height() - y - 4);
-    lblSections->setGeometry(checklistLeft, captionTop - 4, checklistWidth, 16);
-    const int checklistTop = captionTop + 14;
-    lstSections->setGeometry(checklistLeft, checklistTop, checklistWidth, formSize.height() - inset - checklistTop);
-    resize(formSize);
+    auto* buttons = new QGridLayout; // one of the two is shown
+    for (const ImageButton* button : {cmdAddUser, cmdModify}) {
+        button->face()->setFixedWidth(buttonWidth);
+        buttons->addWidget(button->face(), 0, 0, Qt::AlignLeft);
+    }
+    for (QWidget* field : std::initializer_list<QWidget*>{cboUser, txtUser, txtPass})
+        field->setFixedHeight(fieldHeight);
+    lblNote->setFixedSize(noteSize); // whatever it tells
+    auto* fields = new QVBoxLayout;
+    fields->setSpacing(rowGap);
+    fields->addWidget(cboUser);
+    fields->addLayout(captioned(txtUser, u"lblUser"_s, u"Username:"_s));
+    fields->addLayout(captioned(txtPass, u"lblPass"_s, u"Password:"_s));
+    fields->addLayout(buttons);
+    fields->addWidget(lblNote);
+    auto* columns = new QHBoxLayout(this);
+    columns->setContentsMargins(insets);
+    columns->setSpacing(columnGap);
+    columns->addLayout(fields);
+    columns->addLayout(captioned(lstSections, u"lblSections"_s, u"Privileges"_s), 1);
 }
 
 void AccountForm::wireSignals()

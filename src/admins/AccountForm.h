@@ -24,7 +24,7 @@ class AccountForm : public QGroupBox
     Q_OBJECT
 
 public:
-    /// Code page and pictures outlive the form. It is as large as what it holds.
+    /// Code page and pictures outlive the form.
     AccountForm(const CodePage& codePage, PictureStore& pictures, QWidget* parent);
 
     /// Offers these accounts to choose from, behind the new one. What is shown stays, also when it is not among them.
@@ -69,9 +69,8 @@ Q_SIGNALS:
 
 private:
     void buildFields();
-    void buildChecklist(const CodePage& codePage);
     void buildSaving(PictureStore& pictures);
-    void placeControls();
+    void layOut();
     void wireSignals();
     void chooseName(int index);
     void showAccount(std::optional<AdminAccount> account);
@@ -83,11 +82,8 @@ private:
     bool m_isWhole = false;
 
     QComboBox* cboUser = nullptr;
-    QLabel* lblUser = nullptr;
     QLineEdit* txtUser = nullptr;
-    QLabel* lblPass = nullptr;
     QLineEdit* txtPass = nullptr;
-    QLabel* lblSections = nullptr;
     PrivilegeGrid* lstSections = nullptr;
     ImageButton* cmdAddUser = nullptr;
     ImageButton* cmdModify = nullptr;

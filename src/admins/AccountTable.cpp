@@ -4,6 +4,7 @@
 #include "ui/GridView.h"
 #include "ui/ImageButton.h"
 
+#include <QGridLayout>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -15,9 +16,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Pixels.
-constexpr int inset = 10; // from the frame to what it holds
-constexpr int captionTop = 22;
-constexpr QSize buttonSize(130, 30);
+constexpr QMargins insets(7, 2, 7, 7); // from the frame to what it holds
+constexpr int gap = 10;
+constexpr int buttonWidth = 130;
 
 } // namespace
 
@@ -37,17 +38,23 @@ AccountTable::AccountTable(const CodePage& codePage, PictureStore& pictures, QWi
     mfgUsers->setColumns(columns);
     cmdKickUser = new ImageButton(u"cmdKickUser"_s, u"Kick User"_s, pictures, this);
     cmdDeleteUser = new ImageButton(u"cmdDeleteUser"_s, u"Delete User"_s, pictures, this);
+    layOut();
     connect(cmdKickUser, &ImageButton::clicked, this, &AccountTable::kickWanted);
     connect(cmdDeleteUser, &ImageButton::clicked, this, &AccountTable::deleteWanted);
 }
 
-void AccountTable::resizeEvent(QResizeEvent* event)
+void AccountTable::layOut()
 {
-    QGroupBox::resizeEvent(event);
-    const int buttonLeft = width() - inset - buttonSize.width();
-    mfgUsers->setGeometry(inset, captionTop, buttonLeft - 2 * inset, height() - inset - captionTop);
-    cmdKickUser->place(QRect(QPoint(buttonLeft, captionTop), buttonSize));
-    cmdDeleteUser->place(QRect(QPoint(buttonLeft, captionTop + buttonSize.height() + 8), buttonSize));
+    auto* cells = new QGridLayout(this);
+    cells->setContentsMargins(insets);
+    cells->setSpacing(gap);
+    cells->addWidget(mfgUsers, 0, 0, 3, 1);
+    cells->setRowStretch(2, 1); // below the buttons
+    int row = 0;
+    for (const ImageButton* button : {cmdKickUser, cmdDeleteUser}) {
+        button->face()->setFixedWidth(buttonWidth);
+        cells->addWidget(button->face(), row++, 1);
+    }
 }
 
 std::optional<int> AccountTable::rowOf(std::string_view name) const

@@ -39,12 +39,10 @@ Q_SIGNALS:
     /// The same for deleting.
     void deleteWanted();
 
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-
 private:
     enum Column { Username, Password, Address, Status, ColumnCount };
 
+    void layOut();
     std::optional<int> rowOf(std::string_view name) const;
 
     const CodePage& m_codePage;

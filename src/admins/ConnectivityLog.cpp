@@ -11,9 +11,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QMargins insets(10, 22, 10, 10); // pixels from the frame to the list
-constexpr int logBatch = 1000;             // lines laid out at once
-constexpr qreal linePoints = 8.25;         // as in the tables
+constexpr QMargins insets(7, 2, 7, 7); // pixels from the frame to the list
+constexpr int logBatch = 1000;         // lines laid out at once
+constexpr qreal linePoints = 8.25;     // as in the tables
 
 } // namespace
 
@@ -40,6 +40,9 @@ ConnectivityLog::ConnectivityLog(QWidget* parent) : QGroupBox(u"Connectivity Log
     lblLogEmpty->setForegroundRole(QPalette::PlaceholderText);
     auto* overLog = new QVBoxLayout(lstLog->viewport());
     overLog->addWidget(lblLogEmpty);
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(insets);
+    whole->addWidget(lstLog);
 }
 
 void ConnectivityLog::showLines(const QStringList& lines, const QString& emptyText)
@@ -56,10 +59,4 @@ void ConnectivityLog::showLines(const QStringList& lines, const QString& emptyTe
     lblLogEmpty->setText(emptyText);
     lblLogEmpty->setVisible(lines.isEmpty());
     lstLog->setAccessibleDescription(lines.isEmpty() ? emptyText : QString());
-}
-
-void ConnectivityLog::resizeEvent(QResizeEvent* event)
-{
-    QGroupBox::resizeEvent(event);
-    lstLog->setGeometry(rect().marginsRemoved(insets));
 }

@@ -18,9 +18,6 @@ public:
     /// @param emptyText  why there are no lines, if there are none
     void showLines(const QStringList& lines, const QString& emptyText);
 
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-
 private:
     QListWidget* lstLog = nullptr;
     QLabel* lblLogEmpty = nullptr;

@@ -13,6 +13,7 @@
 #include "store/clsMFD.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QScopeGuard>
 #include <QTimer>
 
@@ -27,8 +28,9 @@ namespace {
 constexpr std::string_view section = "Profile Admins";
 
 // Pixels.
-constexpr int margin = 8;
+constexpr QMargins pageMargins(8, 2, 8, 8);
 constexpr int frameGap = 6;
+constexpr int logWidth = 235;
 
 const QString notConnected = u"Not connected."_s;
 
@@ -46,19 +48,21 @@ qrvrcProfileAdmin::qrvrcProfileAdmin(Client& client, const Permissions& permissi
     fmeAddUser = new AccountForm(m_client.codePage, m_client.pictures, this);
     fmeUsers = new AccountTable(m_client.codePage, m_client.pictures, this);
     fmeLog = new ConnectivityLog(this);
-    placeControls();
+    layOut();
     moveTo({});
     wireSignals();
 }
 
-void qrvrcProfileAdmin::placeControls()
+void qrvrcProfileAdmin::layOut()
 {
-    const QSize page = parentWidget() ? parentWidget()->size() : QSize(757, 440);
-    fmeAddUser->move(margin, 2);
-    const int logLeft = margin + fmeAddUser->width() + frameGap;
-    fmeLog->setGeometry(logLeft, 2, page.width() - margin - logLeft, fmeAddUser->height());
-    const int usersTop = 2 + fmeAddUser->height() + frameGap;
-    fmeUsers->setGeometry(margin, usersTop, page.width() - 2 * margin, page.height() - margin - usersTop);
+    fmeLog->setFixedWidth(logWidth);
+    auto* page = new QGridLayout(this);
+    page->setContentsMargins(pageMargins);
+    page->setSpacing(frameGap);
+    page->addWidget(fmeAddUser, 0, 0);
+    page->addWidget(fmeLog, 0, 1);
+    page->addWidget(fmeUsers, 1, 0, 1, 2);
+    page->setRowStretch(1, 1); // the accounts take what is left
 }
 
 void qrvrcProfileAdmin::wireSignals()

@@ -44,7 +44,7 @@ private:
         bool isWhole = false;
     };
 
-    void placeControls();
+    void layOut();
     void wireSignals();
 
     void openFor(const std::optional<AccountHome>& home);
