@@ -33,6 +33,7 @@
 #include <QDesktopServices>
 #include <QStatusBar>
 #include <QTimer>
+#include <QVBoxLayout>
 
 #include <utility>
 
@@ -78,18 +79,18 @@ void qrvrcMain::buildFrame()
     setWindowTitle(u"QRVRC"_s);
     setWindowFlag(Qt::WindowMaximizeButtonHint, false);
     setFixedSize(fixedSize);
-    auto* area = new QWidget(this);
-    setCentralWidget(area);
     statusBar()->setObjectName(u"sbMain"_s);
     statusBar()->setSizeGripEnabled(false);
     m_housekeeping = new Housekeeping(*statusBar(), m_core->updatesAvailable, this);
 
-    const QSize inner(fixedSize.width(), fixedSize.height() - statusBar()->sizeHint().height());
-    m_menu = new qrvrcMenu(m_core->client, m_core->permissions, m_core->selected, m_core->plugins, area);
-    m_menu->setGeometry(0, 0, inner.width(), navigationHeight);
-    m_pages = new QWidget(area);
-    const int beyondPages = platformFlags(systemName().name).isWindows7 ? 32 : 30; // its frames are a little thicker
-    m_pages->setGeometry(1, navigationHeight, inner.width() - 3, inner.height() - beyondPages);
+    m_menu = new qrvrcMenu(m_core->client, m_core->permissions, m_core->selected, m_core->plugins, this);
+    m_menu->setFixedHeight(navigationHeight);
+    setMenuWidget(m_menu);
+    m_pages = new QWidget(this);
+    setCentralWidget(m_pages);
+    auto* pages = new QVBoxLayout(m_pages);
+    const int below = platformFlags(systemName().name).isWindows7 ? 4 : 2; // its frames are a little thicker
+    pages->setContentsMargins(1, 0, 2, below);
     m_progress = new qrvrcProgress(this);
     connect(m_menu, &qrvrcMenu::windowWanted, this, &qrvrcMain::showWindow);
     connect(m_menu, &qrvrcMenu::pluginWanted, this,
@@ -233,7 +234,7 @@ void qrvrcMain::showWindow(const QString& name)
     m_core->pluginHost.hideInterface();
     m_pluginHelp.reset();
     if (m_front != window) {
-        window->setGeometry(m_pages->rect());
+        m_pages->layout()->addWidget(window);
         connect(window, &WorkingWindow::closeWanted, this, &qrvrcMain::closeFront, Qt::UniqueConnection);
         const QPointer<WorkingWindow> left = std::exchange(m_front, window);
         if (left)

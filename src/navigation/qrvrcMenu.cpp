@@ -8,8 +8,8 @@
 #include "ui/BusyPointer.h"
 #include "ui/StripTabBar.h"
 
+#include <QHBoxLayout>
 #include <QMouseEvent>
-#include <QResizeEvent>
 #include <QSignalBlocker>
 #include <QTimer>
 
@@ -86,9 +86,21 @@ qrvrcMenu::qrvrcMenu(Client& client, Permissions& permissions, const SelectedPro
     setTabOrder(tsMain, tsSM);
     setTabOrder(tsSM, tsSection);
     tsSM->hide();
+    layOut();
     wireStrip(tsMain, "frmMenu_tsMain_Click", &qrvrcMenu::mainClicked);
     wireStrip(tsSection, "frmMenu_tsSection_Click", &qrvrcMenu::sectionClicked);
     wireStrip(tsSM, "frmMenu_tsSM_Click", &qrvrcMenu::serverManagerClicked);
+}
+
+void qrvrcMenu::layOut()
+{
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins({});
+    row->setSpacing(0);
+    for (StripTabBar* strip : {tsMain, tsSM, tsSection}) {
+        strip->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding); // the background fills the row
+        row->addWidget(strip, strip == tsSection ? 0 : 1);
+    }
 }
 
 void qrvrcMenu::wireStrip(StripTabBar* strip, const char* procedure, void (qrvrcMenu::*clicked)())
@@ -157,7 +169,6 @@ void qrvrcMenu::LoadMenus(bool loggedIn, std::string_view privileges)
             tsSection->addKeyedTab(u"Profile Manager"_s, {});
             tsSection->addKeyedTab(u"Server Manager"_s, {});
             tsSection->show();
-            resizeEvent(nullptr);
             return;
         }
         m_permissions.isSuper = false;
@@ -189,7 +200,6 @@ void qrvrcMenu::fillMain(bool loggedIn)
             tsMain->addKeyedTab(QString::fromUtf16(tab.caption), QString::fromUtf16(tab.window));
     }
     tsMain->setCurrentIndex(std::max(0, tsMain->indexOfKey(shown)));
-    resizeEvent(nullptr);
 }
 
 void qrvrcMenu::selectQuietly(StripTabBar* strip, int index)
@@ -279,13 +289,4 @@ void qrvrcMenu::serverManagerClicked()
     const std::string name = m_client.codePage.toBytes(tsSM->key(index));
     if (m_plugins.find(name))
         Q_EMIT pluginWanted(name, m_client.codePage.toBytes(tsSM->tabText(index)), *profile);
-}
-
-void qrvrcMenu::resizeEvent(QResizeEvent*)
-{
-    const int sectionWidth = std::min(tsSection->sizeHint().width(), width() / 2);
-    const int sectionLeft = width() - sectionWidth;
-    tsSection->setGeometry(sectionLeft, 0, sectionWidth, height());
-    tsMain->setGeometry(0, 0, sectionLeft, height());
-    tsSM->setGeometry(0, 0, sectionLeft, height());
 }

@@ -41,11 +41,11 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
     class StripLock;
 
+    void layOut();
     void wireStrip(StripTabBar* strip, const char* procedure, void (qrvrcMenu::*clicked)());
     void followHeldClick();
     void mainClicked();
