@@ -3,37 +3,43 @@
 #include "base/Text.h"
 #include "client/Client.h"
 #include "diagnostics/report/Reporter.h"
+#include "live/support/FilterFrame.h"
+#include "live/support/SearchFrame.h"
+#include "live/support/SideRows.h"
 #include "live/support/SupportDesk.h"
+#include "live/support/TalkFile.h"
 #include "platform/system/CodePage.h"
-#include "platform/system/FileBytes.h"
-#include "platform/system/PathText.h"
-#include "store/AppFolder.h"
 #include "ui/ImageButton.h"
 #include "ui/WindowRegistry.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QDir>
-#include <QFileDialog>
+#include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QRadioButton>
-#include <QScrollBar>
+#include <QMenuBar>
 #include <QShortcut>
 #include <QToolButton>
-
-#include <utility>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize usualSize(780, 540); // pixels
-constexpr qsizetype maxCaptionStatus = 120;
-constexpr std::string_view saveFolder = "\\SupportSaves";
+// Pixels.
+constexpr QSize usualSize(780, 540);
+constexpr QMargins pageMargins(10, 6, 10, 4);
+constexpr int columnGap = 10;
+constexpr int frameGap = 8;
+constexpr int messagesWidth = 320; // at least
+constexpr QMargins messagesInsets(9, 6, 9, 9);
+constexpr int messagesGap = 8;
+constexpr int newMessageHeight = 66;
+constexpr int statusHeight = 24;
+constexpr int statusGap = 6;
+
+constexpr qsizetype maxCaptionStatus = 120; // characters
 
 /// Whether the user is typing into another window of the program.
 bool typesElsewhere(const QWidget& window)
@@ -47,23 +53,133 @@ bool typesElsewhere(const QWidget& window)
 qrvrcSupport::qrvrcSupport(Client& client, SupportDesk& desk, QWidget* parent)
     : QWidget(parent, Qt::Window),
       m_client(client),
-      m_desk(desk)
+      m_desk(desk),
+      m_file(new TalkFile(client, desk, this))
 {
     setObjectName(u"qrvrcSupport"_s);
     setAttribute(Qt::WA_QuitOnClose, false);
     buildMenu();
     buildMessages();
     buildOptions();
-    buildFilter();
-    buildSearch();
+    fmeFilter = new FilterFrame(client.pictures, this);
+    fmeSearch = new SearchFrame(client.pictures, this);
     buildStatusLine();
+    layOut();
     wireSignals();
     resize(usualSize);
-    placeControls();
     showTalk();
     txtNewMessage->setFocus();
     showHostStatus();
     showLink();
+}
+
+void qrvrcSupport::buildMenu()
+{
+    mnuBar = new QMenuBar(this);
+    mnuBar->setNativeMenuBar(false);
+    QMenu* menu = mnuBar->addMenu(u"&Options"_s);
+    menu->setObjectName(u"mnuOptions"_s);
+    menu->menuAction()->setObjectName(u"mnuOptions"_s);
+    const auto add = [menu](const QString& name, const QString& caption, const QKeySequence& keys) {
+        QAction* action = menu->addAction(caption);
+        action->setObjectName(name);
+        action->setShortcut(keys);
+        return action;
+    };
+    connect(add(u"mnuSave"_s, u"&Save"_s, QKeySequence::Save), &QAction::triggered, m_file, &TalkFile::save);
+    connect(add(u"mnuSaveAs"_s, u"Save &As"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S), &QAction::triggered, m_file,
+            &TalkFile::saveAs);
+    menu->addSeparator()->setObjectName(u"mnuSep"_s);
+    connect(add(u"mnuClose"_s, u"&Close"_s, QKeySequence::Close), &QAction::triggered, this, &QWidget::close);
+}
+
+void qrvrcSupport::buildMessages()
+{
+    fmeSupport = new QGroupBox(u"Messages"_s, this);
+    fmeSupport->setObjectName(u"fmeSupport"_s);
+    txtMessages = new ConversationView(m_desk, m_client.codePage, fmeSupport);
+    txtNewMessage = new QPlainTextEdit(fmeSupport);
+    txtNewMessage->setObjectName(u"txtNewMessage"_s);
+    txtNewMessage->setAccessibleName(u"New message"_s);
+    txtNewMessage->setPlaceholderText(u"Enter sends, Ctrl+Enter begins a new line"_s);
+    txtNewMessage->setTabChangesFocus(true);
+    txtNewMessage->installEventFilter(this);
+    cmdSend = new ImageButton(u"cmdSend"_s, u"Send"_s, m_client.pictures, fmeSupport);
+}
+
+void qrvrcSupport::buildOptions()
+{
+    fmeOptions = new QGroupBox(u"Options"_s, this);
+    fmeOptions->setObjectName(u"fmeOptions"_s);
+    cboStatus = new QComboBox(fmeOptions);
+    cboStatus->setObjectName(u"cboStatus"_s);
+    cboStatus->setAccessibleName(u"Status"_s);
+    cboStatus->addItems({u"Active"_s, u"Busy"_s, u"Away"_s, u"Be Right Back"_s, u"Out for Lunch!"_s});
+    cboStatus->setCurrentText(m_desk.status);
+}
+
+void qrvrcSupport::buildStatusLine()
+{
+    lblLink = new QLabel(this);
+    lblLink->setObjectName(u"lblLink"_s);
+    lblShown = new QLabel(this);
+    lblShown->setObjectName(u"lblShown"_s);
+    for (QLabel* label : {lblLink, lblShown})
+        label->setTextFormat(Qt::PlainText);
+    cmdReconnect = new QToolButton(this);
+    cmdReconnect->setObjectName(u"cmdReconnect"_s);
+    cmdReconnect->setText(u"Connect"_s);
+    cmdReconnect->setFocusPolicy(Qt::TabFocus);
+}
+
+/// The messages take what is left by the frames beside them.
+void qrvrcSupport::layOut()
+{
+    layOutMessages();
+    side::add(side::columnIn(fmeOptions), u"Label1"_s, u"Status"_s, cboStatus);
+    auto* frames = new QVBoxLayout;
+    frames->setSpacing(frameGap);
+    for (QGroupBox* frame : std::initializer_list<QGroupBox*>{fmeOptions, fmeFilter, fmeSearch})
+        frames->addWidget(frame);
+    frames->addStretch();
+    auto* columns = new QHBoxLayout;
+    columns->setSpacing(columnGap);
+    columns->addWidget(fmeSupport, 1);
+    columns->addLayout(frames);
+    auto* page = new QVBoxLayout(this);
+    page->setMenuBar(mnuBar);
+    page->setContentsMargins(pageMargins);
+    page->setSpacing(pageMargins.bottom());
+    page->addLayout(columns, 1);
+    page->addLayout(statusLine());
+}
+
+void qrvrcSupport::layOutMessages()
+{
+    fmeSupport->setMinimumWidth(messagesWidth);
+    txtNewMessage->setFixedHeight(newMessageHeight);
+    cmdSend->face()->setFixedSize(side::buttonSize);
+    auto* typing = new QHBoxLayout;
+    typing->setSpacing(messagesGap);
+    typing->addWidget(txtNewMessage);
+    typing->addWidget(cmdSend->face());
+    auto* messages = new QVBoxLayout(fmeSupport);
+    messages->setContentsMargins(messagesInsets);
+    messages->setSpacing(messagesGap);
+    messages->addWidget(txtMessages, 1);
+    messages->addLayout(typing);
+}
+
+QLayout* qrvrcSupport::statusLine()
+{
+    auto* line = new QHBoxLayout;
+    line->setSpacing(statusGap);
+    lblLink->setMinimumHeight(statusHeight); // with the button or without
+    line->addWidget(lblLink);
+    line->addWidget(cmdReconnect);
+    line->addStretch();
+    line->addWidget(lblShown);
+    return line;
 }
 
 void qrvrcSupport::wireSignals()
@@ -75,21 +191,20 @@ void qrvrcSupport::wireSignals()
         m_desk.status = cboStatus->currentText();
         m_desk.announce();
     });
-    const auto filter = m_client.reporter.trapped("cmdFilter", [this] { applyFilter(); });
-    connect(cmdFilter, &ImageButton::activated, this, filter);
-    connect(txtFilter, &QLineEdit::returnPressed, this, filter);
-    connect(cmdSearch, &ImageButton::activated, this, &qrvrcSupport::search);
-    connect(txtSearch, &QLineEdit::returnPressed, this, &qrvrcSupport::search);
-    connect(cmdNext, &ImageButton::activated, this, &qrvrcSupport::searchNext);
-    connect(cmdPrevious, &ImageButton::activated, this, &qrvrcSupport::searchPrevious);
+    connect(fmeFilter, &FilterFrame::filterWanted, this,
+            m_client.reporter.trapped("cmdFilter", [this] { applyFilter(); }));
+    connect(fmeSearch, &SearchFrame::searchWanted, this, &qrvrcSupport::search);
     connect(cmdReconnect, &QToolButton::clicked, &m_desk, &SupportDesk::open);
-    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, txtSearch, qOverload<>(&QWidget::setFocus));
-    connect(new QShortcut(Qt::Key_F3, this), &QShortcut::activated, this, &qrvrcSupport::searchNext);
-    connect(new QShortcut(Qt::SHIFT | Qt::Key_F3, this), &QShortcut::activated, this, &qrvrcSupport::searchPrevious);
+    using Search = ConversationView::Search;
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, fmeSearch, &SearchFrame::takeKeyboard);
+    connect(new QShortcut(Qt::Key_F3, this), &QShortcut::activated, this, [this] { search(Search::Next); });
+    connect(new QShortcut(Qt::SHIFT | Qt::Key_F3, this), &QShortcut::activated, this,
+            [this] { search(Search::Previous); });
 
     connect(&m_desk, &SupportDesk::talkChanged, this, &qrvrcSupport::showTalk);
-    connect(&m_desk, &SupportDesk::entriesAdded, this, &qrvrcSupport::addEntries);
-    connect(&m_desk, &SupportDesk::entryReplaced, this, &qrvrcSupport::replaceEntry);
+    connect(&m_desk, &SupportDesk::entriesAdded, txtMessages, &ConversationView::addEntries);
+    connect(&m_desk, &SupportDesk::entriesAdded, this, &qrvrcSupport::showCount);
+    connect(&m_desk, &SupportDesk::entryReplaced, txtMessages, &ConversationView::replaceEntry);
     connect(&m_desk, &SupportDesk::hostStatusChanged, this, &qrvrcSupport::showHostStatus);
     connect(&m_desk, &SupportDesk::linkChanged, this, &qrvrcSupport::showLink);
     connect(&m_desk, &SupportDesk::hostSpoke, this, &qrvrcSupport::comeForward);
@@ -124,12 +239,6 @@ void qrvrcSupport::closeEvent(QCloseEvent* event)
     m_client.windows.unload(objectName());
 }
 
-void qrvrcSupport::resizeEvent(QResizeEvent* event)
-{
-    QWidget::resizeEvent(event);
-    placeControls();
-}
-
 Conversation& qrvrcSupport::conversation()
 {
     return m_desk.talk()->conversation;
@@ -141,45 +250,15 @@ void qrvrcSupport::showTalk()
     const QString draft = m_desk.talk()->draft; // a copy, because it follows what the field shows
     txtNewMessage->setPlainText(draft);
     txtNewMessage->moveCursor(QTextCursor::End);
-    for (QLineEdit* field : {txtFilter, txtSearch})
-        field->setText({});
+    fmeFilter->clear();
+    fmeSearch->clear();
     showAll();
 }
 
 void qrvrcSupport::showAll()
 {
-    txtMessages->setPlainText(m_client.codePage.toText(conversation().shownText()));
-    txtMessages->moveCursor(QTextCursor::Start);
+    txtMessages->showAll();
     showCount();
-}
-
-void qrvrcSupport::addEntries(Conversation::Number first)
-{
-    std::string text;
-    for (Conversation::Number number = conversation().size(); number-- > first;)
-        text += conversation().entry(number);
-    insertText(0, 0, m_client.codePage.toText(text));
-    showCount();
-}
-
-void qrvrcSupport::replaceEntry(Conversation::Number number, TextSpan span)
-{
-    insertText(static_cast<int>(span.start), static_cast<int>(span.length),
-               m_client.codePage.toText(conversation().entry(number)));
-}
-
-/// Puts `text` in the place of `length` characters. What the user reads and has selected stays where it is, unless he
-/// reads the newest entry.
-void qrvrcSupport::insertText(int at, int length, const QString& text)
-{
-    QScrollBar* bar = txtMessages->verticalScrollBar();
-    const int read = bar->value();
-    const int before = bar->maximum();
-    QTextCursor cursor(txtMessages->document());
-    cursor.setPosition(at);
-    cursor.setPosition(at + length, QTextCursor::KeepAnchor);
-    cursor.insertText(text);
-    bar->setValue(read == 0 ? 0 : read + bar->maximum() - before);
 }
 
 void qrvrcSupport::showHostStatus()
@@ -238,90 +317,17 @@ void qrvrcSupport::sendMessage()
 
 void qrvrcSupport::applyFilter()
 {
-    if (const QString foreign = m_client.codePage.firstForeign(txtFilter->text()); !foreign.isEmpty()) {
+    const QString text = fmeFilter->text();
+    if (const QString foreign = m_client.codePage.firstForeign(text); !foreign.isEmpty()) {
         m_client.reporter.ReportMsg(MessageKind::Failed,
                                     u"The character '%1' cannot be part of a message!"_s.arg(foreign));
         return;
     }
-    auto who = Conversation::Speaker::User;
-    if (Option1[2]->isChecked())
-        who = Conversation::Speaker::All;
-    else if (Option1[0]->isChecked())
-        who = Conversation::Speaker::Host;
-    if (conversation().filter(who, m_client.codePage.toBytes(txtFilter->text()), m_desk.user()))
+    if (conversation().filter(fmeFilter->speaker(), m_client.codePage.toBytes(text), m_desk.user()))
         showAll();
 }
 
-std::string qrvrcSupport::wanted() const
+void qrvrcSupport::search(ConversationView::Search search)
 {
-    const QString text = txtSearch->text();
-    return m_client.codePage.firstForeign(text).isEmpty() ? m_client.codePage.toBytes(text) : std::string();
-}
-
-TextSpan qrvrcSupport::selection() const
-{
-    const QTextCursor cursor = txtMessages->textCursor();
-    return {static_cast<std::size_t>(cursor.selectionStart()),
-            static_cast<std::size_t>(cursor.selectionEnd() - cursor.selectionStart())};
-}
-
-void qrvrcSupport::search()
-{
-    showFound(findFirst(conversation().shownText(), wanted()));
-}
-
-void qrvrcSupport::searchNext()
-{
-    showFound(findNext(conversation().shownText(), wanted(), selection()));
-}
-
-void qrvrcSupport::searchPrevious()
-{
-    showFound(findPrevious(conversation().shownText(), wanted(), selection()));
-}
-
-void qrvrcSupport::showFound(std::optional<std::size_t> position)
-{
-    if (!position)
-        return;
-    QTextCursor cursor = txtMessages->textCursor();
-    cursor.setPosition(static_cast<int>(*position - 1));
-    cursor.setPosition(static_cast<int>(*position - 1) + static_cast<int>(txtSearch->text().size()),
-                       QTextCursor::KeepAnchor);
-    txtMessages->setTextCursor(cursor);
-    txtMessages->setFocus();
-}
-
-void qrvrcSupport::save()
-{
-    const std::shared_ptr<SupportTalk> talk = m_desk.talk();
-    if (!talk->saveFile.empty() && std::filesystem::exists(talk->saveFile))
-        m_client.reporter.trap("mnuSave_Click", [&] { saveTo(*talk, talk->saveFile); });
-    else
-        chooseFile(u"Save"_s);
-}
-
-void qrvrcSupport::chooseFile(const QString& title)
-{
-    m_client.reporter.trap("mnuSaveAs_Click", [&] {
-        m_client.folder.makeFolder(saveFolder);
-        auto* dialog = new QFileDialog(this, title, textOf(m_client.folder.path(saveFolder)));
-        dialog->setAttribute(Qt::WA_DeleteOnClose);
-        dialog->setAcceptMode(QFileDialog::AcceptSave);
-        dialog->setNameFilters({u"Text Documents (*.txt)"_s});
-        dialog->setDefaultSuffix(u"txt"_s);
-        connect(dialog, &QFileDialog::fileSelected, this, [this, talk = m_desk.talk()](const QString& file) {
-            m_client.reporter.trap("mnuSaveAs_Click", [&] { saveTo(*talk, pathOf(file)); });
-        });
-        dialog->open();
-    });
-}
-
-/// @param file  a copy, because it is remembered in `talk`
-void qrvrcSupport::saveTo(SupportTalk& talk, std::filesystem::path file)
-{
-    writeBytes(file, replaced(talk.conversation.shownText(), "\n", "\r\n") + "\r\n");
-    const QString name = QDir::toNativeSeparators(textOf(file));
-    talk.saveFile = std::move(file);
-    m_client.reporter.ReportMsg(MessageKind::Success, u"File: %1\r\n\r\nSaved Successfully"_s.arg(name));
+    txtMessages->find(search, fmeSearch->text());
 }
