@@ -260,14 +260,12 @@ ConnectionFields qrvrcLogin::fields() const
     return {std::string(trimmed(profile)), bytesOf(txtHost), bytesOf(txtPort), bytesOf(txtUser), bytesOf(txtPass)};
 }
 
-QString qrvrcLogin::foreignCharacter() const
+QString qrvrcLogin::sendFault() const
 {
-    for (const QLineEdit* field : {txtProfile, txtHost, txtPort, txtUser, txtPass}) {
-        const QString foreign = m_client.codePage.firstForeign(field->text());
-        if (!foreign.isEmpty())
-            return foreign;
-    }
-    return {};
+    QString typed;
+    for (const QLineEdit* field : {txtProfile, txtHost, txtPort, txtUser, txtPass})
+        typed += field->text();
+    return m_client.codePage.sendFault(typed);
 }
 
 void qrvrcLogin::connectToHost()
@@ -282,9 +280,8 @@ void qrvrcLogin::connectToHost()
                                         QString::fromLatin1(fault->data(), static_cast<qsizetype>(fault->size())));
             return;
         }
-        if (const QString foreign = foreignCharacter(); !foreign.isEmpty()) {
-            m_client.reporter.ReportMsg(MessageKind::Failed,
-                                        u"The character '%1' cannot be sent to the host!"_s.arg(foreign));
+        if (const QString unsendable = sendFault(); !unsendable.isEmpty()) {
+            m_client.reporter.ReportMsg(MessageKind::Failed, unsendable);
             return;
         }
         // Before fields and Connect are disabled: they would hand the keyboard on to Disconnect, for the next Return.

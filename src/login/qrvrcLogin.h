@@ -59,7 +59,7 @@ private:
     void showNotConnected();
     ConnectionFields fields() const;
     std::string bytesOf(const QLineEdit* field) const;
-    QString foreignCharacter() const;
+    QString sendFault() const;
     void saveProfile(const ConnectionFields& fields);
     void tellFault(ConnectFault fault);
     void setFieldsEnabled(bool enabled);

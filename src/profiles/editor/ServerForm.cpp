@@ -214,10 +214,8 @@ std::optional<FieldFault> ServerForm::fault(ScriptFinding finding) const
 /// What the host's code page does not have.
 std::optional<FieldFault> ServerForm::foreignIn(QLineEdit* field) const
 {
-    const QString foreign = m_codePage.firstForeign(field->text());
-    if (foreign.isEmpty())
-        return {};
-    return FieldFault{MessageKind::Failed, u"The character '%1' cannot be sent to the host!"_s.arg(foreign), field};
+    const QString unsendable = m_codePage.sendFault(field->text());
+    return unsendable.isEmpty() ? std::nullopt : std::optional(FieldFault{MessageKind::Failed, unsendable, field});
 }
 
 void ServerForm::add(const Script& script)
