@@ -11,20 +11,21 @@
 
 using namespace Qt::StringLiterals;
 
-ScriptCheck::ScriptCheck(Inet& inet, MessageBoxes& boxes, const CodePage& codePage)
+ScriptCheck::ScriptCheck(Inet& inet, MessageBoxes& boxes, const CodePage& codePage, std::chrono::milliseconds limit)
     : m_inet(inet),
       m_boxes(boxes),
-      m_codePage(codePage)
+      m_codePage(codePage),
+      m_limit(limit)
 {}
 
 ScriptCheck::~ScriptCheck() = default;
 
-ScriptFinding ScriptCheck::run(const Script& script, std::chrono::milliseconds limit)
+ScriptFinding ScriptCheck::run(const Script& script)
 {
     const QPointer<ScriptCheck> self(this);
     m_isStopped = false;
     const auto found =
-        answersYes(u"Looking for the scripts:"_s, scriptCheckAddress(script.system, script.url), script.system, limit);
+        answersYes(u"Looking for the scripts:"_s, scriptCheckAddress(script.system, script.url), script.system);
     if (!found)
         return ScriptFinding::Stopped;
     if (!*found)
@@ -38,9 +39,8 @@ ScriptFinding ScriptCheck::run(const Script& script, std::chrono::milliseconds l
         return ScriptFinding::Found;
     if (m_isStopped)
         return ScriptFinding::Stopped; // while the box was open
-    const auto known =
-        answersYes(u"Validating the Server ID Code:"_s,
-                   serverIdCheckAddress(script.system, script.url, script.serverId), script.system, limit);
+    const auto known = answersYes(u"Validating the Server ID Code:"_s,
+                                  serverIdCheckAddress(script.system, script.url, script.serverId), script.system);
     if (!known)
         return ScriptFinding::Stopped;
     return *known ? ScriptFinding::Validated : ScriptFinding::UnknownId;
@@ -55,12 +55,11 @@ void ScriptCheck::stop()
 
 /// Fetches a page and judges its answer.
 /// @return nothing when the check was stopped; this object may be gone then
-std::optional<bool> ScriptCheck::answersYes(const QString& doing, const std::string& address, const std::string& system,
-                                            std::chrono::milliseconds limit)
+std::optional<bool> ScriptCheck::answersYes(const QString& doing, const std::string& address, const std::string& system)
 {
     const QPointer<ScriptCheck> self(this);
     const QString shown = m_codePage.toText(address);
-    const bool isOver = fetch(doing, shown, limit);
+    const bool isOver = fetch(doing, shown);
     if (!self)
         return {};
     const auto fetched = std::exchange(m_fetch, nullptr);
@@ -74,9 +73,9 @@ std::optional<bool> ScriptCheck::answersYes(const QString& doing, const std::str
 
 /// Lets events run until the page is there, or the check is stopped.
 /// @return whether the transfer is over; not when this object is gone, or the program quits
-bool ScriptCheck::fetch(const QString& doing, const QString& address, std::chrono::milliseconds limit)
+bool ScriptCheck::fetch(const QString& doing, const QString& address)
 {
-    m_fetch = m_inet.get(QUrl(address), limit);
+    m_fetch = m_inet.get(QUrl(address), m_limit);
     Q_EMIT told(doing, address);
     Q_EMIT fetchingChanged();
     return !m_fetch->isExecuting() || waitForSignal(m_fetch.get(), &PageFetch::finished);

@@ -31,13 +31,13 @@ class ScriptCheck : public QObject
 
 public:
     /// All outlive the check.
-    ScriptCheck(Inet& inet, MessageBoxes& boxes, const CodePage& codePage);
+    /// @param limit  a page that has not answered by then is taken for none
+    ScriptCheck(Inet& inet, MessageBoxes& boxes, const CodePage& codePage, std::chrono::milliseconds limit);
     ~ScriptCheck() override;
 
     /// Checks `script`, one at a time. GUI events run meanwhile, so that whoever asked may be gone afterwards, and this
     /// object with him.
-    /// @param limit  a page that has not answered by then is taken for none
-    ScriptFinding run(const Script& script, std::chrono::milliseconds limit);
+    ScriptFinding run(const Script& script);
     /// Ends what is under way. Does nothing when nothing is.
     void stop();
     /// Whether a page is being fetched.
@@ -51,14 +51,14 @@ Q_SIGNALS:
     void told(const QString& text, const QString& address);
 
 private:
-    std::optional<bool> answersYes(const QString& doing, const std::string& address, const std::string& system,
-                                   std::chrono::milliseconds limit);
-    bool fetch(const QString& doing, const QString& address, std::chrono::milliseconds limit);
+    std::optional<bool> answersYes(const QString& doing, const std::string& address, const std::string& system);
+    bool fetch(const QString& doing, const QString& address);
     bool judge(const PageFetch& fetched, const std::string& system, const QString& address);
 
     Inet& m_inet;
     MessageBoxes& m_boxes;
     const CodePage& m_codePage;
+    const std::chrono::milliseconds m_limit;
     std::unique_ptr<PageFetch> m_fetch;
     bool m_isStopped = false;
 };

@@ -28,13 +28,15 @@ constexpr QMargins pageMargins(8, 2, 8, 8);
 constexpr int gap = 8;
 constexpr int buttonWidth = 130;
 
+constexpr std::chrono::seconds checkLimit{20}; // a script that has not answered by then is taken for none
+
 } // namespace
 
 qrvrcModify::qrvrcModify(Client& client, QWidget* navigation, QWidget* parent)
     : WorkingWindow(parent),
       m_client(client),
       m_navigation(navigation),
-      m_check(client.inet, client.boxes, client.codePage)
+      m_check(client.inet, client.boxes, client.codePage, checkLimit)
 {
     setObjectName(u"qrvrcModify"_s);
     setWindowTitle(u"Modify Profile"_s);
@@ -179,7 +181,7 @@ void qrvrcModify::addScript()
     if (const auto fault = m_form->server().fault(script))
         return complain(*fault);
     const QPointer<qrvrcModify> self(this);
-    const ScriptFinding finding = m_check.run(script, checkLimit);
+    const ScriptFinding finding = m_check.run(script);
     if (!self || finding == ScriptFinding::Stopped)
         return;
     if (const auto fault = m_form->server().fault(finding))

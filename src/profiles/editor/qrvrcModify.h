@@ -6,7 +6,6 @@
 #include "profiles/editor/ScriptCheck.h"
 #include "ui/WorkingWindow.h"
 
-#include <chrono>
 #include <string_view>
 
 class ImageButton;
@@ -26,8 +25,6 @@ public:
 
     /// 1 shows the Modify button. Written by whoever opens the window, before it is shown.
     int EditMode = 0;
-    /// A script that has not answered by then is taken for none. A setting.
-    std::chrono::milliseconds checkLimit = std::chrono::seconds(20);
 
     /// Empties the name, the script entries and the entry being typed, and sets the host's name and the left leaning
     /// players back; the rest of the form keeps what it shows.

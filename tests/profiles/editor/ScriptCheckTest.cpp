@@ -1,6 +1,11 @@
 #include "profiles/editor/EditorUser.h"
 
+#include "platform/net/Inet.h"
+#include "platform/system/CodePage.h"
+#include "profiles/editor/ScriptCheck.h"
 #include "support/AddRow.h"
+
+#include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -39,7 +44,7 @@ private Q_SLOTS:
                QList<QByteArray>{"/stats/request.php?Request=Exists", "/stats/request.php?Request=ValidateID&Data=8"});
         addRow("slow", u"slow"_s, u"7"_s, classic, false, QStringList{question},
                QList<QByteArray>{"/slow/stats_import.php"});
-        for (const char* folder : {"failing", "empty", "none", "silent"})
+        for (const char* folder : {"failing", "empty", "none"})
             addRow(folder, QString::fromLatin1(folder), u"7"_s, classic, true, QStringList{missing},
                    QList<QByteArray>{QByteArray("/") + folder + "/stats_import.php"});
         addRow("no id", u"stats"_s, u"  "_s, classic, true,
@@ -61,8 +66,6 @@ private Q_SLOTS:
         Editor editor;
         editor.web.scripts().slowness = 50ms;
         QVERIFY(editor.open());
-        if (folder == u"silent"_s)
-            static_cast<qrvrcModify*>(editor.window())->checkLimit = 100ms;
         editor.choose(system);
         editor.desk.boxes.answer = validates;
         const QString typed = editor.web.base().toString() + u'/' + folder;
@@ -81,6 +84,22 @@ private Q_SLOTS:
             QCOMPARE(editor.entries().constLast(),
                      editor.web.base().toString() + u'/' + folder.section(u'/', 0, 0) + u':' + id.trimmed());
         QVERIFY(editor.isUsable());
+    }
+
+    void scriptsThatStaySilentAreMissing()
+    {
+        practice::WebSide web;
+        QVERIFY(web.listen());
+        Inet inet;
+        RecordingDialogs boxes;
+        const CodePage codePage;
+        ScriptCheck check(inet, boxes, codePage, 100ms);
+        const QSignalSpy told(&check, &ScriptCheck::told);
+        const std::string address = web.base().toString().toStdString() + "/silent";
+        QCOMPARE(check.run({"Quorvane Classic", address, "7"}), ScriptFinding::Missing);
+        QVERIFY(!check.isFetching());
+        QCOMPARE(told.constLast().constFirst().toString(), u"There was no answer from:"_s);
+        QVERIFY(boxes.boxes.isEmpty());
     }
 
     void aCheckEndsWithItsUser_data()
