@@ -146,7 +146,10 @@ void UpdatePanel::setBusy(bool busy)
     if (busy && window()->isActiveWindow() && (!window()->focusWidget() || isAncestorOf(window()->focusWidget())))
         cmdCancel->setFocus(); // the button that was pressed cannot keep the keyboard
     lstQRV->setEnabled(!busy);
-    busy ? parentWidget()->setCursor(Qt::WaitCursor) : parentWidget()->unsetCursor();
+    if (busy)
+        m_pointer.emplace(*parentWidget());
+    else
+        m_pointer.reset();
 }
 
 /// One of the two buttons is shown; the keyboard goes with it.

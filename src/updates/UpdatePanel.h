@@ -1,10 +1,12 @@
 #pragma once
 
+#include "ui/BusyPointer.h"
 #include "updates/UpdateServices.h"
 
 #include <QGroupBox>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class ImageButton;
@@ -59,7 +61,8 @@ private:
     UpdatePanelSetup m_setup;
     std::unique_ptr<ListCheck> m_check;
     std::unique_ptr<UpdateQueue> m_queue;
-    qint64 m_total = 0; ///< bytes that are to come, as the list says
+    std::optional<BusyPointer> m_pointer; ///< over the whole window, while either is at work
+    qint64 m_total = 0;                   ///< bytes that are to come, as the list says
     qint64 m_done = 0;
 
     UpdateChoice* lstQRV = nullptr;

@@ -14,14 +14,11 @@
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QVBoxLayout>
-
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -64,11 +61,6 @@ qrvrcRecovery::qrvrcRecovery(Client& client, const Limits& limits, QWidget* pare
     cboProfile->setFocus();
     // Behind the constructor: a store that cannot be read is told in a box, which needs the window to stand.
     QTimer::singleShot(0, this, m_client.reporter.trapped("Recovery_FormLoad", [this] { loadProfileNames(); }));
-}
-
-qrvrcRecovery::~qrvrcRecovery()
-{
-    setBusy(false);
 }
 
 void qrvrcRecovery::buildControls()
@@ -178,7 +170,7 @@ void qrvrcRecovery::loadProfileNames()
 
 void qrvrcRecovery::send()
 {
-    if (m_isBusy)
+    if (isBusy())
         return;
     lblNote->clear();
     std::optional<Target> found;
@@ -238,7 +230,7 @@ void qrvrcRecovery::sendCommand()
 
 void qrvrcRecovery::gather(std::string_view piece)
 {
-    if (!m_isBusy)
+    if (!isBusy())
         return;
     if (m_answer.take(piece))
         showAnswer();
@@ -293,7 +285,7 @@ void qrvrcRecovery::handleLimit()
 
 void qrvrcRecovery::cancel()
 {
-    if (!m_isBusy)
+    if (!isBusy())
         return;
     const bool isSent = wsRecov.state() == SocketState::Connected;
     rest(isSent ? u"Cancelled. The command had been sent already, and may be carried out."_s
@@ -306,7 +298,7 @@ void qrvrcRecovery::rest(const QString& note)
     m_silence.stop();
     wsRecov.close();
     lblNote->setText(note);
-    if (m_isBusy) {
+    if (isBusy()) {
         setBusy(false);
         cmdSendCmd->setFocus();
     }
@@ -314,12 +306,10 @@ void qrvrcRecovery::rest(const QString& note)
 
 void qrvrcRecovery::setBusy(bool busy)
 {
-    if (std::exchange(m_isBusy, busy) == busy)
-        return;
     if (busy)
-        QGuiApplication::setOverrideCursor(Qt::BusyCursor);
+        m_pointer.emplace();
     else
-        QGuiApplication::restoreOverrideCursor();
+        m_pointer.reset();
     cmdClose->setVisible(!busy);
     cmdCancel->setVisible(busy);
     if (busy)
@@ -330,7 +320,7 @@ void qrvrcRecovery::setBusy(bool busy)
 
 void qrvrcRecovery::keyPressEvent(QKeyEvent* event)
 {
-    if (m_isBusy && event->matches(QKeySequence::Cancel))
+    if (isBusy() && event->matches(QKeySequence::Cancel))
         cancel();
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         send(); // from wherever it is pressed

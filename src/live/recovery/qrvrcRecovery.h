@@ -2,6 +2,7 @@
 
 #include "live/recovery/RecoveryCommand.h"
 #include "platform/net/Winsock.h"
+#include "ui/BusyPointer.h"
 
 #include <QDialog>
 #include <QTimer>
@@ -33,7 +34,6 @@ public:
 
     /// @param client  outlives the window
     qrvrcRecovery(Client& client, const Limits& limits, QWidget* parent);
-    ~qrvrcRecovery() override;
 
     void done(int result) override;
 
@@ -66,6 +66,8 @@ private:
     void cancel();
     /// Back to rest: socket closed, timers off, controls usable. @param note  for the line at the bottom
     void rest(const QString& note);
+    /// From the start of a connection until it is closed again.
+    bool isBusy() const { return m_pointer.has_value(); }
     void setBusy(bool busy);
 
     Client& m_client;
@@ -75,7 +77,7 @@ private:
     QTimer m_silence;
     std::string m_command;
     RecoveryAnswer m_answer;
-    bool m_isBusy = false; ///< from the start of a connection until it is closed again
+    std::optional<BusyPointer> m_pointer; ///< while the console is busy
 
     QGroupBox* fmeRecov = nullptr;
     std::array<QRadioButton*, 3> Option1{};

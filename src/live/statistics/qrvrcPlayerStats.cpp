@@ -191,12 +191,13 @@ void qrvrcPlayerStats::refresh()
     const QPointer<QWidget> self(this);
     ++m_openRequests;
     explain(u"Asking the tracker for the statistics..."_s);
-    setCursor(Qt::BusyCursor);
+    if (!m_pointer)
+        m_pointer.emplace(*this);
     const WaitEnd end = ask(m_client.link, getPlayerStatsRequest(m_client.link.user(), m_profile.id));
     if (!self)
         return; // closed while its events ran
     if (--m_openRequests == 0)
-        unsetCursor();
+        m_pointer.reset();
     if (end != WaitEnd::Done)
         explain(u"The tracker did not answer."_s);
 }

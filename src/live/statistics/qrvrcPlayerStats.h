@@ -1,11 +1,13 @@
 #pragma once
 
 #include "client/SelectedProfile.h"
+#include "ui/BusyPointer.h"
 #include "ui/WorkingWindow.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -80,7 +82,8 @@ private:
     std::string m_selectedPlayer;                         ///< in fgPlayers; empty when none is
     std::string m_weaponsOf;                              ///< the player whose weapons fgWeapons shows
     int m_openRequests = 0;
-    bool m_isLoaded = false; ///< the first request has been made
+    std::optional<BusyPointer> m_pointer; ///< while there are any
+    bool m_isLoaded = false;              ///< the first request has been made
 
     StripTabBar* tsMain = nullptr;
     ElidedLabel* lblTitle = nullptr;

@@ -261,9 +261,9 @@ void qrvrcModify::setWaiting(ServerForm::Waiting waiting)
 {
     m_waiting = waiting;
     if (isBusy())
-        setCursor(Qt::BusyCursor);
+        m_pointer.emplace(*this);
     else
-        unsetCursor();
+        m_pointer.reset();
     m_form->server().showWaiting(waiting);
     followState();
 }

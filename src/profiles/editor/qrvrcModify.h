@@ -4,8 +4,10 @@
 #include "link/Connection.h"
 #include "profiles/editor/ProfileForm.h"
 #include "profiles/editor/ScriptCheck.h"
+#include "ui/BusyPointer.h"
 #include "ui/WorkingWindow.h"
 
+#include <optional>
 #include <string_view>
 
 class ImageButton;
@@ -71,6 +73,7 @@ private:
     Reading m_reading = Reading::None;
     bool m_isRefused = false; ///< by the answer to the last "SetProfile"
     ServerForm::Waiting m_waiting = ServerForm::Waiting::Nothing;
+    std::optional<BusyPointer> m_pointer; ///< while something is waited for
     ScriptCheck m_check;
 
     ProfileForm* m_form = nullptr;
