@@ -162,6 +162,7 @@ void ServerForm::showSettings(const ProfileSettings& settings)
 std::vector<std::string> ServerForm::scripts() const
 {
     std::vector<std::string> entries;
+    entries.reserve(static_cast<std::size_t>(lstUrls->count()));
     for (int row = 0; row < lstUrls->count(); ++row)
         entries.push_back(m_codePage.toBytes(lstUrls->item(row)->text()));
     return entries;
