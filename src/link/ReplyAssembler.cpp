@@ -80,6 +80,7 @@ ReplyKind ReplyAssembler::kindUpTo(std::size_t end) const
 void ReplyAssembler::reset()
 {
     *this = {};
+    m_buffer.shrink_to_fit(); // an empty text that is assigned leaves the old one's room
 }
 
 std::vector<std::string_view> messagesOf(std::string_view reply)
