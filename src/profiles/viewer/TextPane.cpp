@@ -1,29 +1,80 @@
-// What is seen of the text. How it is moved in and selected is in TextPaneInput.cpp.
-
 #include "profiles/viewer/TextPane.h"
 
 #include "platform/system/CodePage.h"
 #include "profiles/viewer/LinedText.h"
 #include "profiles/viewer/TextPaneAccessible.h"
+#include "profiles/viewer/TextPart.h"
 
-#include <QEvent>
+#include <QAccessible>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QFontDatabase>
-#include <QPaintEvent>
+#include <QGuiApplication>
+#include <QMenu>
 #include <QPainter>
 #include <QScrollBar>
 
 #include <cmath>
+#include <optional>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int inset = 4;        // pixels around the text
 constexpr int wheelColumns = 4; // columns for a step of the horizontal bar
-constexpr qreal widthSlack = 0.05;
+constexpr int dragScrollMilliseconds = 40;
 
-/// Codes without a character, and characters that cannot be seen.
-bool isBlind(char16_t character)
+TextCursor::WordBytes wordBytesOf(const CodePage& codePage)
 {
-    return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0xAD;
+    TextCursor::WordBytes words;
+    for (std::size_t byte = 0; byte < words.size(); ++byte) {
+        const char single = static_cast<char>(byte);
+        const QChar character = codePage.toText({&single, 1})[0];
+        words[byte] = character.isLetterOrNumber() || character == u'_';
+    }
+    return words;
+}
+
+struct KeyMove
+{
+    QKeySequence::StandardKey key;
+    TextCursor::Move move;
+    bool selects;
+};
+
+std::optional<KeyMove> moveOf(const QKeyEvent& event)
+{
+    using Move = TextCursor::Move;
+    static constexpr std::array moves{
+        KeyMove{QKeySequence::MoveToPreviousChar, Move::Back, false},
+        KeyMove{QKeySequence::SelectPreviousChar, Move::Back, true},
+        KeyMove{QKeySequence::MoveToNextChar, Move::On, false},
+        KeyMove{QKeySequence::SelectNextChar, Move::On, true},
+        KeyMove{QKeySequence::MoveToPreviousWord, Move::WordBack, false},
+        KeyMove{QKeySequence::SelectPreviousWord, Move::WordBack, true},
+        KeyMove{QKeySequence::MoveToNextWord, Move::WordOn, false},
+        KeyMove{QKeySequence::SelectNextWord, Move::WordOn, true},
+        KeyMove{QKeySequence::MoveToPreviousLine, Move::Up, false},
+        KeyMove{QKeySequence::SelectPreviousLine, Move::Up, true},
+        KeyMove{QKeySequence::MoveToNextLine, Move::Down, false},
+        KeyMove{QKeySequence::SelectNextLine, Move::Down, true},
+        KeyMove{QKeySequence::MoveToPreviousPage, Move::PageUp, false},
+        KeyMove{QKeySequence::SelectPreviousPage, Move::PageUp, true},
+        KeyMove{QKeySequence::MoveToNextPage, Move::PageDown, false},
+        KeyMove{QKeySequence::SelectNextPage, Move::PageDown, true},
+        KeyMove{QKeySequence::MoveToStartOfLine, Move::LineBegin, false},
+        KeyMove{QKeySequence::SelectStartOfLine, Move::LineBegin, true},
+        KeyMove{QKeySequence::MoveToEndOfLine, Move::LineEnd, false},
+        KeyMove{QKeySequence::SelectEndOfLine, Move::LineEnd, true},
+        KeyMove{QKeySequence::MoveToStartOfDocument, Move::TextBegin, false},
+        KeyMove{QKeySequence::SelectStartOfDocument, Move::TextBegin, true},
+        KeyMove{QKeySequence::MoveToEndOfDocument, Move::TextEnd, false},
+        KeyMove{QKeySequence::SelectEndOfDocument, Move::TextEnd, true},
+    };
+    const auto* found =
+        std::find_if(moves.begin(), moves.end(), [&event](const KeyMove& move) { return event.matches(move.key); });
+    return found == moves.end() ? std::nullopt : std::optional(*found);
 }
 
 } // namespace
@@ -31,7 +82,9 @@ bool isBlind(char16_t character)
 TextPane::TextPane(const CodePage& codePage, QWidget* parent)
     : QAbstractScrollArea(parent),
       m_codePage(codePage),
-      m_text(std::make_shared<const LinedText>(std::string()))
+      m_painter(codePage),
+      m_text(std::make_shared<const LinedText>(std::string())),
+      m_cursor(*m_text, m_words)
 {
     installTextPaneAccessible();
     setFrameShape(NoFrame);
@@ -46,14 +99,19 @@ TextPane::~TextPane() = default;
 
 void TextPane::setText(std::shared_ptr<const LinedText> text)
 {
+    m_words = wordBytesOf(m_codePage);
+    m_cursor = TextCursor(*text, m_words);
     m_text = std::move(text);
-    m_anchor = m_cursor = m_column = 0;
     m_message.clear();
     setScrollRanges();
     verticalScrollBar()->setValue(0);
     horizontalScrollBar()->setValue(0);
     viewport()->update();
-    Q_EMIT selectionChanged();
+}
+
+void TextPane::clear()
+{
+    setText(std::make_shared<const LinedText>(std::string()));
 }
 
 void TextPane::setMessage(const QString& message)
@@ -70,17 +128,7 @@ QString TextPane::characters(std::size_t begin, std::size_t end) const
 
 void TextPane::measure()
 {
-    constexpr int sample = 64;
-    const QFontMetricsF metrics(font());
-    m_cell = metrics.horizontalAdvance(QString(sample, u'0')) / sample;
-    m_lineHeight = static_cast<int>(std::ceil(metrics.lineSpacing()));
-    for (std::size_t byte = 0; byte < m_fitsCell.size(); ++byte) {
-        const char single = static_cast<char>(byte);
-        const QString character = m_codePage.toText({&single, 1});
-        m_fitsCell[byte] =
-            !isBlind(character[0].unicode()) &&
-            std::abs(metrics.horizontalAdvance(QString(sample, character[0])) - sample * m_cell) < sample * widthSlack;
-    }
+    m_painter.setFont(font());
     setScrollRanges();
 }
 
@@ -88,18 +136,20 @@ void TextPane::setScrollRanges()
 {
     const QSize room = viewport()->size();
     const int lines = static_cast<int>(m_text->lineCount());
-    verticalScrollBar()->setRange(0, std::max(0, lines - std::max(1, (room.height() - 2 * inset) / m_lineHeight)));
+    verticalScrollBar()->setRange(
+        0, std::max(0, lines - std::max(1, (room.height() - 2 * inset) / m_painter.lineHeight())));
     verticalScrollBar()->setPageStep(visibleLines());
     verticalScrollBar()->setSingleStep(1);
-    const int width = static_cast<int>(std::ceil(static_cast<qreal>(m_text->maxColumns() + 1) * m_cell)) + 2 * inset;
+    const int width =
+        static_cast<int>(std::ceil(static_cast<qreal>(m_text->maxColumns() + 1) * m_painter.cell())) + 2 * inset;
     horizontalScrollBar()->setRange(0, std::max(0, width - room.width()));
     horizontalScrollBar()->setPageStep(room.width());
-    horizontalScrollBar()->setSingleStep(static_cast<int>(wheelColumns * m_cell));
+    horizontalScrollBar()->setSingleStep(static_cast<int>(wheelColumns * m_painter.cell()));
 }
 
 int TextPane::visibleLines() const
 {
-    return std::max(1, (viewport()->height() - 2 * inset) / m_lineHeight);
+    return std::max(1, (viewport()->height() - 2 * inset) / m_painter.lineHeight());
 }
 
 QRect TextPane::characterRect(std::size_t offset) const
@@ -110,23 +160,24 @@ QRect TextPane::characterRect(std::size_t offset) const
     const std::size_t left = columnOf(shown, at);
     const std::size_t width = at < shown.size() ? columnOf(shown, at + 1) - left : 1;
     const auto row = static_cast<int>(static_cast<std::ptrdiff_t>(line) - verticalScrollBar()->value());
-    return {inset + static_cast<int>(static_cast<qreal>(left) * m_cell) - horizontalScrollBar()->value(),
-            inset + row * m_lineHeight, static_cast<int>(static_cast<qreal>(width) * m_cell), m_lineHeight};
+    return {inset + static_cast<int>(static_cast<qreal>(left) * m_painter.cell()) - horizontalScrollBar()->value(),
+            inset + row * m_painter.lineHeight(), static_cast<int>(static_cast<qreal>(width) * m_painter.cell()),
+            m_painter.lineHeight()};
 }
 
 std::size_t TextPane::offsetAt(const QPoint& point) const
 {
-    const int row = static_cast<int>(std::floor(static_cast<double>(point.y() - inset) / m_lineHeight));
+    const int row = static_cast<int>(std::floor(static_cast<double>(point.y() - inset) / m_painter.lineHeight()));
     const std::ptrdiff_t last = static_cast<std::ptrdiff_t>(m_text->lineCount()) - 1;
     const auto line = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(verticalScrollBar()->value() + row, 0, last));
-    const double column = std::round((point.x() - inset + horizontalScrollBar()->value()) / m_cell);
+    const double column = std::round((point.x() - inset + horizontalScrollBar()->value()) / m_painter.cell());
     return m_text->lineStart(line) + byteAtColumn(m_text->line(line), static_cast<std::size_t>(std::max(0.0, column)));
 }
 
 void TextPane::bringIntoSight()
 {
-    const QRect place = characterRect(m_cursor);
-    const int row = (place.top() - inset) / m_lineHeight;
+    const QRect place = characterRect(cursor());
+    const int row = (place.top() - inset) / m_painter.lineHeight();
     QScrollBar& lines = *verticalScrollBar();
     if (row < -visibleLines() || row >= 2 * visibleLines())
         lines.setValue(lines.value() + row - visibleLines() / 2); // from afar: into the middle
@@ -135,7 +186,7 @@ void TextPane::bringIntoSight()
     else if (row >= visibleLines())
         lines.setValue(lines.value() + row - visibleLines() + 1);
     QScrollBar& columns = *horizontalScrollBar();
-    const int ahead = std::min(viewport()->width() / 3, static_cast<int>(8 * m_cell));
+    const int ahead = std::min(viewport()->width() / 3, static_cast<int>(8 * m_painter.cell()));
     if (place.left() < inset)
         columns.setValue(columns.value() + place.left() - inset - ahead);
     else if (place.right() > viewport()->width() - inset)
@@ -151,65 +202,24 @@ void TextPane::paintEvent(QPaintEvent* event)
         return;
     }
     const auto firstLine = static_cast<std::size_t>(verticalScrollBar()->value());
-    const int from = std::max(0, (event->rect().top() - inset) / m_lineHeight);
-    const int to = (event->rect().bottom() - inset) / m_lineHeight;
+    const int from = std::max(0, (event->rect().top() - inset) / m_painter.lineHeight());
+    const int to = (event->rect().bottom() - inset) / m_painter.lineHeight();
     for (int row = from; row <= to && firstLine + static_cast<std::size_t>(row) < m_text->lineCount(); ++row)
-        paintLine(painter, firstLine + static_cast<std::size_t>(row), inset + row * m_lineHeight);
+        paintLine(painter, firstLine + static_cast<std::size_t>(row), inset + row * m_painter.lineHeight());
     if (hasFocus()) {
-        const QRect place = characterRect(m_cursor);
-        painter.fillRect(QRect(place.left(), place.top(), 1, m_lineHeight), palette().color(QPalette::Text));
+        const QRect place = characterRect(cursor());
+        painter.fillRect(QRect(place.left(), place.top(), 1, m_painter.lineHeight()), palette().color(QPalette::Text));
     }
 }
 
 void TextPane::paintLine(QPainter& painter, std::size_t line, int top) const
 {
-    const std::string_view shown = m_text->line(line);
+    // In offsets of the line. Behind the last one nothing is selected.
     const std::size_t start = m_text->lineStart(line);
-    const qreal origin = inset - horizontalScrollBar()->value();
-    const auto leftOf = [&](std::size_t column) { return origin + static_cast<qreal>(column) * m_cell; };
-    const auto isSelected = [&](std::size_t at) {
-        return start + at >= selectionBegin() && start + at < selectionEnd();
-    };
-    const qreal baseline = top + QFontMetricsF(font()).ascent();
-    const QColor pale = palette().color(QPalette::PlaceholderText);
-    const auto columnInSight = [&](qreal x) { return static_cast<std::size_t>(std::max(0.0, (x - origin) / m_cell)); };
-    const std::size_t lastColumn = columnInSight(viewport()->width()) + 1;
-    std::size_t at = byteAtColumn(shown, columnInSight(0));
-    at -= std::min<std::size_t>(at, 1);
-    std::size_t column = columnOf(shown, at);
-    while (at < shown.size() && column <= lastColumn) {
-        // A run of characters that look alike is painted at once; those of other widths have a column each all the
-        // same.
-        const bool selected = isSelected(at);
-        const auto fits = [&](std::size_t which) { return m_fitsCell[static_cast<unsigned char>(shown[which])]; };
-        std::size_t end = at + 1;
-        while (fits(at) && end < shown.size() && column + (end - at) <= lastColumn && fits(end) &&
-               isSelected(end) == selected)
-            ++end;
-        const std::size_t next =
-            shown[at] == '\t' ? (column / LinedText::tabColumns + 1) * LinedText::tabColumns : column + (end - at);
-        const QRectF cell(leftOf(column), top, static_cast<qreal>(next - column) * m_cell, m_lineHeight);
-        if (selected)
-            painter.fillRect(cell, palette().color(QPalette::Highlight));
-        const QString run = m_codePage.toText(shown.substr(at, end - at));
-        const QColor ink = palette().color(selected ? QPalette::HighlightedText : QPalette::Text);
-        if (isBlind(run[0].unicode())) {
-            painter.setPen(selected ? ink : pale);
-            if (shown[at] != '\t')
-                painter.drawText(cell, Qt::AlignCenter, QStringLiteral("·"));
-        } else {
-            painter.setPen(ink);
-            if (fits(at))
-                painter.drawText(QPointF(cell.left(), baseline), run);
-            else
-                painter.drawText(cell, Qt::AlignCenter | Qt::TextDontClip, run);
-        }
-        column = next;
-        at = end;
-    }
-    // A line end has no width; half a column shows that it is selected too.
-    if (at == shown.size() && line + 1 < m_text->lineCount() && isSelected(shown.size()))
-        painter.fillRect(QRectF(leftOf(column), top, m_cell / 2, m_lineHeight), palette().color(QPalette::Highlight));
+    const TextRange selection = m_cursor.selection();
+    const TextRange selected{std::max(selection.begin, start) - start, std::max(selection.end, start) - start};
+    m_painter.paint(painter, m_text->line(line), QPointF(inset - horizontalScrollBar()->value(), top),
+                    viewport()->width(), selected, palette());
 }
 
 void TextPane::resizeEvent(QResizeEvent* event)
@@ -240,4 +250,116 @@ void TextPane::focusOutEvent(QFocusEvent* event)
 {
     QAbstractScrollArea::focusOutEvent(event);
     viewport()->update();
+}
+
+void TextPane::followCursor()
+{
+    bringIntoSight();
+    viewport()->update();
+    if (QAccessible::isActive()) {
+        QAccessibleTextCursorEvent event(this, static_cast<int>(cursor()));
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void TextPane::select(std::size_t anchor, std::size_t cursor)
+{
+    m_cursor.select(anchor, cursor);
+    followCursor();
+}
+
+void TextPane::selectAll()
+{
+    // The text stays where it is: nobody wants to be taken to its end.
+    m_cursor.select(m_text->size(), 0);
+    viewport()->update();
+}
+
+void TextPane::copy() const
+{
+    putSelection(QClipboard::Clipboard);
+}
+
+/// Where what is selected can be pasted with the middle mouse button, it is.
+void TextPane::offerSelection() const
+{
+    if (QGuiApplication::clipboard()->supportsSelection())
+        putSelection(QClipboard::Selection);
+}
+
+void TextPane::putSelection(QClipboard::Mode mode) const
+{
+    if (!m_cursor.selection().isEmpty())
+        QGuiApplication::clipboard()->setMimeData(new TextPart(m_text, m_cursor.selection(), m_codePage), mode);
+}
+
+void TextPane::keyPressEvent(QKeyEvent* event)
+{
+    if (event->matches(QKeySequence::Copy)) {
+        copy();
+    } else if (event->matches(QKeySequence::SelectAll)) {
+        selectAll();
+    } else if (const std::optional<KeyMove> move = moveOf(*event)) {
+        m_cursor.go(move->move, move->selects, visibleLines() - 1);
+        followCursor();
+        if (move->selects)
+            offerSelection();
+    } else {
+        event->ignore();
+    }
+}
+
+void TextPane::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    const std::size_t at = offsetAt(event->position().toPoint());
+    select(event->modifiers().testFlag(Qt::ShiftModifier) ? m_cursor.anchor() : at, at);
+}
+
+void TextPane::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        const std::size_t at = offsetAt(event->position().toPoint());
+        m_cursor.selectWord(at);
+        followCursor();
+        offerSelection();
+    }
+}
+
+void TextPane::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!event->buttons().testFlag(Qt::LeftButton))
+        return;
+    const QPoint point = event->position().toPoint();
+    select(m_cursor.anchor(), offsetAt(point));
+    if (viewport()->rect().contains(point))
+        m_dragScroll.stop();
+    else if (!m_dragScroll.isActive())
+        m_dragScroll.start(dragScrollMilliseconds, this);
+}
+
+void TextPane::mouseReleaseEvent(QMouseEvent* event)
+{
+    m_dragScroll.stop();
+    if (event->button() == Qt::LeftButton)
+        offerSelection();
+}
+
+void TextPane::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() == m_dragScroll.timerId())
+        select(m_cursor.anchor(), offsetAt(viewport()->mapFromGlobal(QCursor::pos())));
+    else
+        QAbstractScrollArea::timerEvent(event);
+}
+
+void TextPane::contextMenuEvent(QContextMenuEvent* event)
+{
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    QAction* copyEntry = menu->addAction(u"&Copy"_s, QKeySequence::Copy, this, &TextPane::copy);
+    copyEntry->setEnabled(!m_cursor.selection().isEmpty());
+    menu->addAction(u"Select &All"_s, QKeySequence::SelectAll, this, &TextPane::selectAll);
+    menu->popup(event->globalPos());
 }

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "profiles/viewer/LinePainter.h"
+#include "profiles/viewer/TextCursor.h"
+
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
+#include <QClipboard>
 
-#include <array>
 #include <memory>
 
 class CodePage;
@@ -24,18 +27,19 @@ public:
     /// Replaces the text, seen from its beginning. @param text  not null
     void setText(std::shared_ptr<const LinedText> text);
     const std::shared_ptr<const LinedText>& text() const { return m_text; }
+    /// Lets the text go; an empty one takes its place.
+    void clear();
     /// A message in place of the text, which stays as it is behind it; an empty one shows the text again.
     void setMessage(const QString& message);
 
     /// Selects from `anchor` to `cursor` (offsets, in any order; beyond the end counts as the end) and brings the
     /// cursor into sight.
     void select(std::size_t anchor, std::size_t cursor);
-    std::size_t cursor() const { return m_cursor; }
-    std::size_t selectionBegin() const { return std::min(m_anchor, m_cursor); }
-    std::size_t selectionEnd() const { return std::max(m_anchor, m_cursor); }
+    std::size_t cursor() const { return m_cursor.position(); }
+    TextRange selection() const { return m_cursor.selection(); }
     /// The characters from `begin` to `end`, with the line ends that they came with.
     QString characters(std::size_t begin, std::size_t end) const;
-    QString selectedText() const { return characters(selectionBegin(), selectionEnd()); }
+    QString selectedText() const { return characters(selection().begin, selection().end); }
 
     /// Puts the selection on the clipboard. A large one is turned into characters when it is pasted.
     void copy() const;
@@ -45,9 +49,6 @@ public:
     QRect characterRect(std::size_t offset) const;
     /// The offset nearest to a point of the viewport.
     std::size_t offsetAt(const QPoint& point) const;
-
-Q_SIGNALS:
-    void selectionChanged();
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -65,31 +66,20 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    enum class Move { Back, On, WordBack, WordOn, Up, Down, PageUp, PageDown, LineBegin, LineEnd, TextBegin, TextEnd };
-
     void measure();
     void setScrollRanges();
+    void followCursor();
     void bringIntoSight();
     void paintLine(QPainter& painter, std::size_t line, int top) const;
     int visibleLines() const;
-    std::size_t target(Move move);
-    std::size_t lineBelow(std::ptrdiff_t lines);
-    std::size_t before(std::size_t offset) const;
-    std::size_t after(std::size_t offset) const;
-    bool isInWord(std::size_t offset) const;
-    std::size_t wordBegin(std::size_t offset) const;
-    std::size_t wordEnd(std::size_t offset) const;
-    void moveCursor(std::size_t to, bool keepsAnchor);
     void offerSelection() const;
+    void putSelection(QClipboard::Mode mode) const;
 
     const CodePage& m_codePage;
+    LinePainter m_painter;
+    TextCursor::WordBytes m_words{};
     std::shared_ptr<const LinedText> m_text;
+    TextCursor m_cursor; ///< of that text
     QString m_message;
-    std::size_t m_anchor = 0;
-    std::size_t m_cursor = 0;
-    std::size_t m_column = 0; ///< the one that moves up and down keep to
-    qreal m_cell = 1;         ///< pixels of a column
-    int m_lineHeight = 1;
-    std::array<bool, 256> m_fitsCell{}; ///< whether the byte's character is as wide as a column
     QBasicTimer m_dragScroll;
 };

@@ -32,10 +32,10 @@ public:
     void selection(int index, int* start, int* end) const override
     {
         const bool isThere = index < selectionCount();
-        *start = isThere ? static_cast<int>(pane().selectionBegin()) : 0;
-        *end = isThere ? static_cast<int>(pane().selectionEnd()) : 0;
+        *start = isThere ? static_cast<int>(pane().selection().begin) : 0;
+        *end = isThere ? static_cast<int>(pane().selection().end) : 0;
     }
-    int selectionCount() const override { return pane().selectionBegin() == pane().selectionEnd() ? 0 : 1; }
+    int selectionCount() const override { return pane().selection().isEmpty() ? 0 : 1; }
     void addSelection(int start, int end) override { setSelection(0, start, end); }
     void removeSelection(int) override { setCursorPosition(cursorPosition()); }
     void setSelection(int, int start, int end) override { pane().select(offset(start), offset(end)); }

@@ -6,20 +6,17 @@
 #include "platform/system/CodePage.h"
 #include "platform/system/FileBytes.h"
 #include "platform/system/PathText.h"
+#include "profiles/viewer/FindBar.h"
 #include "profiles/viewer/LinedText.h"
 #include "profiles/viewer/TextExpander.h"
-#include "profiles/viewer/TextFinder.h"
 #include "profiles/viewer/TextPane.h"
 #include "store/AppFolder.h"
 #include "ui/GridDelegate.h"
 
 #include <QFileDialog>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenuBar>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -27,19 +24,17 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize usualSize(720, 480);
-constexpr int maxWanted = 256; // characters that can be looked for
-const QString notFound = u"Not found."_s;
+const QString usualTitle = u"Text Viewer"_s;
 
 } // namespace
 
 qrvrcNotePad::qrvrcNotePad(Client& client, QWidget* parent)
     : QWidget(parent, Qt::Window),
       m_client(client),
-      m_finder(new TextFinder(client.codePage, this)),
       m_expander(new TextExpander(this))
 {
     setObjectName(u"qrvrcNotePad"_s);
-    setWindowTitle(u"Text Viewer"_s);
+    setWindowTitle(usualTitle);
     setAttribute(Qt::WA_QuitOnClose, false);
     resize(usualSize);
     buildControls();
@@ -58,37 +53,10 @@ void qrvrcNotePad::buildControls()
                      colours.color(QPalette::Active, QPalette::HighlightedText));
     Text1->setPalette(colours);
 
-    fmeFind = new QFrame;
-    fmeFind->setObjectName(u"fmeFind"_s);
-    auto* bar = new QHBoxLayout(fmeFind);
-    bar->setContentsMargins(8, 4, 8, 4);
-    txtFind = new QLineEdit;
-    txtFind->setObjectName(u"txtFind"_s);
-    txtFind->setAccessibleName(u"Find"_s);
-    txtFind->setMaximumWidth(280);
-    txtFind->setMaxLength(maxWanted);
-    lblFound = new QLabel;
-    lblFound->setObjectName(u"lblFound"_s);
-    bar->addWidget(new QLabel(u"Find:"_s));
-    bar->addWidget(txtFind);
-    const auto addButton = [&](const QString& name, const QString& caption, auto clicked) {
-        auto* button = new QToolButton;
-        button->setObjectName(name);
-        button->setText(caption);
-        connect(button, &QToolButton::clicked, this, clicked);
-        bar->addWidget(button);
-    };
-    addButton(u"cmdFindNext"_s, u"Next"_s, [this] { find(false); });
-    addButton(u"cmdFindPrevious"_s, u"Previous"_s, [this] { find(true); });
-    bar->addWidget(lblFound, 1);
-    connect(txtFind, &QLineEdit::returnPressed, this, [this] { find(false); });
-    connect(txtFind, &QLineEdit::textEdited, this, [this] {
-        m_finder->stop();
-        lblFound->clear();
-    });
+    fmeFind = new FindBar(*Text1, m_client.codePage);
     connect(m_expander, &TextExpander::started, this, &qrvrcNotePad::announce);
     connect(m_expander, &TextExpander::ready, this, [this](std::shared_ptr<const LinedText> text) {
-        setWindowTitle(u"Text Viewer"_s);
+        setWindowTitle(usualTitle);
         nameFile(m_awaited);
         present(std::move(text));
     });
@@ -96,12 +64,6 @@ void qrvrcNotePad::buildControls()
         Text1->setMessage({});
         m_client.reporter.ReportMsg(MessageKind::Trapped, u"HandleData"_s, &error, error.line());
     });
-    connect(m_finder, &TextFinder::found, this, &qrvrcNotePad::showFound);
-    connect(m_finder, &TextFinder::notFound, this, [this] {
-        fmeFind->show();
-        lblFound->setText(notFound);
-    });
-    fmeFind->hide();
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -139,9 +101,10 @@ void qrvrcNotePad::buildMenus()
     add(edit, u"mnuCopy"_s, u"&Copy"_s, {}, [this] { Text1->copy(); });
     add(edit, u"mnuSelectAll"_s, u"Select &All"_s, {}, [this] { Text1->selectAll(); });
     edit->addSeparator();
-    add(edit, u"mnuFind"_s, u"&Find..."_s, QKeySequence::Find, [this] { openFindBar(); });
-    add(edit, u"mnuFindNext"_s, u"Find &Next"_s, Qt::Key_F3, [this] { find(false); });
-    add(edit, u"mnuFindPrevious"_s, u"Find &Previous"_s, Qt::SHIFT | Qt::Key_F3, [this] { find(true); });
+    add(edit, u"mnuFind"_s, u"&Find..."_s, QKeySequence::Find, [this] { fmeFind->open(); });
+    add(edit, u"mnuFindNext"_s, u"Find &Next"_s, Qt::Key_F3, [this] { fmeFind->find(TextFinder::Way::Forward); });
+    add(edit, u"mnuFindPrevious"_s, u"Find &Previous"_s, Qt::SHIFT | Qt::Key_F3,
+        [this] { fmeFind->find(TextFinder::Way::Backward); });
 }
 
 void qrvrcNotePad::showText(const QString& caption, const QString& text)
@@ -168,22 +131,23 @@ void qrvrcNotePad::dropAwaited()
 void qrvrcNotePad::closeEvent(QCloseEvent* event)
 {
     dropAwaited();
-    m_finder->stop();
+    fmeFind->reset();
+    setWindowTitle(usualTitle);
+    nameFile({});
+    Text1->clear();
     QWidget::closeEvent(event);
 }
 
 void qrvrcNotePad::announce()
 {
-    m_finder->stop();
-    lblFound->clear();
+    fmeFind->reset();
     Text1->setMessage(u"Expanding %1..."_s.arg(m_awaited));
     bringToFront();
 }
 
 void qrvrcNotePad::present(std::shared_ptr<const LinedText> text)
 {
-    m_finder->stop();
-    lblFound->clear();
+    fmeFind->reset();
     Text1->setText(std::move(text));
     bringToFront();
 }
@@ -211,60 +175,9 @@ void qrvrcNotePad::keyPressEvent(QKeyEvent* event)
     if (event->key() != Qt::Key_Escape)
         QWidget::keyPressEvent(event);
     else if (fmeFind->isVisible())
-        closeFindBar();
+        fmeFind->leave();
     else
         close();
-}
-
-void qrvrcNotePad::openFindBar()
-{
-    const std::size_t length = Text1->selectionEnd() - Text1->selectionBegin();
-    const QString selected = length <= maxWanted ? Text1->selectedText() : QString();
-    if (!selected.isEmpty() && !selected.contains(u'\n') && !selected.contains(u'\r'))
-        txtFind->setText(selected);
-    fmeFind->show();
-    txtFind->selectAll();
-    txtFind->setFocus();
-}
-
-void qrvrcNotePad::closeFindBar()
-{
-    m_finder->stop();
-    fmeFind->hide();
-    lblFound->clear();
-    Text1->setFocus();
-}
-
-void qrvrcNotePad::find(bool backward)
-{
-    const QString wanted = txtFind->text();
-    if (wanted.isEmpty()) {
-        openFindBar();
-        return;
-    }
-    m_searchesBackward = backward;
-    lblFound->clear();
-    if (!m_client.codePage.firstForeign(wanted).isEmpty()) {
-        fmeFind->show();
-        lblFound->setText(notFound);
-        return;
-    }
-    m_finder->start(Text1->text(), m_client.codePage.toBytes(wanted),
-                    backward ? Text1->selectionBegin() : Text1->selectionEnd(),
-                    backward ? TextFinder::Way::Backward : TextFinder::Way::Forward);
-    if (m_finder->isSearching()) {
-        fmeFind->show();
-        lblFound->setText(u"Searching..."_s);
-    }
-}
-
-void qrvrcNotePad::showFound(std::size_t at, std::size_t size, bool wrapped)
-{
-    Text1->select(at, at + size);
-    if (wrapped)
-        lblFound->setText(m_searchesBackward ? u"Continued from the end."_s : u"Continued from the beginning."_s);
-    else
-        lblFound->clear();
 }
 
 void qrvrcNotePad::chooseFile()
@@ -276,12 +189,14 @@ void qrvrcNotePad::chooseFile()
     dialog->setDefaultSuffix(u"txt"_s);
     if (isPlainFileName(m_client.codePage.toBytes(m_file)))
         dialog->selectFile(m_file);
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) { save(pathOf(file)); });
+    // The text of the click: another one may be shown by then, or none.
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this, text = Text1->text()](const QString& file) { save(pathOf(file), text); });
     dialog->open();
 }
 
-void qrvrcNotePad::save(const std::filesystem::path& file)
+void qrvrcNotePad::save(const std::filesystem::path& file, std::shared_ptr<const LinedText> text)
 {
     mnuSaveAs->setEnabled(false); // one at a time
-    m_saving.setFuture(inBackground([file, text = Text1->text()] { writeBytes(file, text->bytes()); }));
+    m_saving.setFuture(inBackground([file, text = std::move(text)] { writeBytes(file, text->bytes()); }));
 }

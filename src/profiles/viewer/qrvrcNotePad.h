@@ -8,14 +8,12 @@
 #include <filesystem>
 #include <memory>
 
+class FindBar;
 class LinedText;
 class QAction;
-class QFrame;
 class QLabel;
-class QLineEdit;
 class QMenuBar;
 class TextExpander;
-class TextFinder;
 class TextPane;
 struct Client;
 struct PackedReply;
@@ -40,7 +38,7 @@ public:
     void showFile(const QString& file, const PackedReply& packed, const ReplyOwner& owner);
 
 protected:
-    /// A text that is still being expanded is no longer wanted.
+    /// A text that is still being expanded is no longer wanted, and the one that is shown is let go.
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -52,26 +50,18 @@ private:
     void present(std::shared_ptr<const LinedText> text);
     void bringToFront();
     void nameFile(const QString& file);
-    void openFindBar();
-    void closeFindBar();
-    void find(bool backward);
-    void showFound(std::size_t at, std::size_t size, bool wrapped);
     void chooseFile();
-    void save(const std::filesystem::path& file);
+    void save(const std::filesystem::path& file, std::shared_ptr<const LinedText> text);
 
     Client& m_client;
-    TextFinder* m_finder;
     TextExpander* m_expander;
     QString m_awaited; ///< name of the file whose text is being expanded
     QFutureWatcher<void> m_saving;
     QString m_file; ///< name of the file that is shown; empty for another text
-    bool m_searchesBackward = false;
 
     QMenuBar* mnuBar = nullptr;
     QAction* mnuSaveAs = nullptr;
     TextPane* Text1 = nullptr;
-    QFrame* fmeFind = nullptr; ///< hidden until something is looked for
-    QLineEdit* txtFind = nullptr;
-    QLabel* lblFound = nullptr;
+    FindBar* fmeFind = nullptr;
     QLabel* lblFile = nullptr;
 };

@@ -6,6 +6,7 @@
 #include "support/ClientRig.h"
 
 #include <QAction>
+#include <QClipboard>
 #include <QDir>
 #include <QFileDialog>
 #include <QLabel>
@@ -31,6 +32,7 @@ struct PadRig : ClientRig
     {
         pad.findChild<QAction*>(u"mnuSaveAs"_s)->trigger();
         auto* dialog = pad.findChild<QFileDialog*>();
+        pad.showText(u"Another file"_s, u"not what was meant"_s);
         dialog->selectFile(file);
         static_cast<QDialog*>(dialog)->accept();
     }
@@ -82,7 +84,7 @@ private Q_SLOTS:
         QTest::keyClicks(&rig.wanted, u"alpha"_s);
         const auto step = [&](Qt::KeyboardModifier modifier) {
             QTest::keyClick(&rig.wanted, Qt::Key_F3, modifier);
-            return static_cast<int>(rig.text.text()->lineOf(rig.text.selectionBegin()));
+            return static_cast<int>(rig.text.text()->lineOf(rig.text.selection().begin));
         };
         QCOMPARE(step(Qt::NoModifier), 0);
         QCOMPARE(rig.text.selectedText(), u"alpha"_s);
@@ -96,8 +98,12 @@ private Q_SLOTS:
         QTest::keyClick(&rig.wanted, Qt::Key_Escape);
         QVERIFY(rig.pad.isVisible());
         QVERIFY(rig.text.hasFocus());
+        rig.text.copy();
+        const std::weak_ptr<const LinedText> shown = rig.text.text();
         QTest::keyClick(&rig.text, Qt::Key_Escape);
         QVERIFY(!rig.pad.isVisible());
+        QVERIFY(shown.expired()); // nobody keeps a large text that is not seen
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"ALPHA"_s);
     }
 };
 
