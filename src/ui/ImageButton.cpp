@@ -41,11 +41,6 @@ QWidget* ImageButton::face() const
     return m_face;
 }
 
-void ImageButton::place(const QRect& faceRect)
-{
-    m_face->setGeometry(faceRect);
-}
-
 void ImageButton::setFontSize(int points)
 {
     QFont sized = font();

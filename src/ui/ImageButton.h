@@ -21,8 +21,6 @@ public:
     ImageButton(const QString& name, const QString& caption, PictureStore& pictures, QWidget* container);
     ~ImageButton() override;
 
-    /// Puts the face at `faceRect`, in pixels of the container, where no layout does.
-    void place(const QRect& faceRect);
     /// Sets the caption's font size in points.
     void setFontSize(int points);
 

@@ -25,7 +25,7 @@ struct Desk
         pictureFolder.paint(u"imgs/butdown.gif"_s, down);
         window.resize(300, 200);
         button = new ImageButton(u"cmdTry"_s, u"&Try it"_s, pictures, &window);
-        button->place(faceRect);
+        button->face()->setGeometry(faceRect);
         window.show();
     }
 
