@@ -253,7 +253,8 @@ void ServerForm::note(const QString& text, const QString& address)
 {
     const QString cut = lblCheck->fontMetrics().elidedText(address, Qt::ElideMiddle, lblCheck->width());
     lblCheck->setText(cut.isEmpty() ? text : text + u'\n' + cut);
-    lblCheck->setToolTip(cut == address ? QString() : address.toHtmlEscaped());
+    // Escaped text without a tag would be shown as it is, "&amp;" and all.
+    lblCheck->setToolTip(cut == address ? QString() : u"<span>%1</span>"_s.arg(address.toHtmlEscaped()));
 }
 
 void ServerForm::showWaiting(Waiting waiting)

@@ -120,7 +120,7 @@ bool ProfileActions::attach(const ProfileRecord& profile)
         return send(attachRequest(m_client.link.user(), profile.id), profile);
     }();
     while (end == WaitEnd::Done && !m_isAttachOutcome) {
-        const auto process = chooseProcess();
+        const auto process = chooseProcess(profile);
         if (!process)
             return false;
         end = send(attachToProcessRequest(m_client.link.user(), profile.id, process->id), profile);
@@ -128,7 +128,7 @@ bool ProfileActions::attach(const ProfileRecord& profile)
     return end == WaitEnd::Done;
 }
 
-std::optional<ProcessRecord> ProfileActions::chooseProcess()
+std::optional<ProcessRecord> ProfileActions::chooseProcess(const ProfileRecord& profile)
 {
     if (m_processes.empty()) {
         m_client.reporter.ReportMsg(MessageKind::ActionRequired,
@@ -137,7 +137,7 @@ std::optional<ProcessRecord> ProfileActions::chooseProcess()
     }
     std::optional<ProcessRecord> chosen;
     m_client.reporter.trap("qrvrcProcesses_Attach_Click", [&] {
-        qrvrcProcesses picker(m_client, std::exchange(m_processes, {}), m_list.window());
+        qrvrcProcesses picker(m_client, profile, std::exchange(m_processes, {}), m_list.window());
         picker.exec();
         chosen = picker.chosen();
     });

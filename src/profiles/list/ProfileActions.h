@@ -85,7 +85,7 @@ private:
 
     void takeAttachReply(std::string_view body);
     bool attach(const ProfileRecord& profile);
-    std::optional<ProcessRecord> chooseProcess();
+    std::optional<ProcessRecord> chooseProcess(const ProfileRecord& profile);
     void letRawRequestsOut();
     WaitEnd send(const Request& request, const ProfileRecord& profile);
     void open(const QString& window, const ProfileAim& aim);

@@ -5,6 +5,7 @@
 #include "link/clsWinSock.h"
 #include "platform/system/CodePage.h"
 #include "ui/CopyActions.h"
+#include "ui/ElidedLabel.h"
 #include "ui/ImageButton.h"
 
 #include <QGridLayout>
@@ -33,7 +34,8 @@ int selectedRow(const QListWidget& list)
 
 } // namespace
 
-qrvrcProcesses::qrvrcProcesses(Client& client, const std::vector<ProcessRecord>& processes, QWidget* parent)
+qrvrcProcesses::qrvrcProcesses(Client& client, const ProfileRecord& profile,
+                               const std::vector<ProcessRecord>& processes, QWidget* parent)
     : QDialog(parent),
       m_client(client),
       m_processes(processes)
@@ -45,6 +47,7 @@ qrvrcProcesses::qrvrcProcesses(Client& client, const std::vector<ProcessRecord>&
     buildControls();
     layOut();
     wireSignals();
+    lblProfile->setText(u"Attach '%1' to:"_s.arg(m_client.codePage.toText(profile.name)));
     for (const ProcessRecord& process : m_processes) {
         lstID->addItem(m_client.codePage.toText(process.id));
         lstProcess->addItem(m_client.codePage.toText(process.name));
@@ -62,6 +65,7 @@ void qrvrcProcesses::buildControls()
         addCopyActions(made);
         return made;
     };
+    lblProfile = new ElidedLabel(u"lblProfile"_s, this);
     lstID = list(u"lstID"_s, u"Process ID"_s);
     lstProcess = list(u"lstProcess"_s, u"Process"_s);
     cmdAttach = new ImageButton(u"cmdAttach"_s, u"Attach"_s, m_client.pictures, this);
@@ -91,6 +95,7 @@ void qrvrcProcesses::layOut()
     auto* window = new QVBoxLayout(this);
     window->setContentsMargins(margin, margin, margin, margin);
     window->setSpacing(margin);
+    window->addWidget(lblProfile);
     window->addLayout(lists);
     window->addLayout(buttons);
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "profiles/list/ActionRequests.h"
+#include "profiles/list/ProfileRecord.h"
 
 #include <QDialog>
 
 #include <optional>
 #include <vector>
 
+class ElidedLabel;
 class ImageButton;
 class QListWidget;
 struct Client;
@@ -17,8 +19,10 @@ class qrvrcProcesses : public QDialog
     Q_OBJECT
 
 public:
-    /// @param client  outlives the window
-    qrvrcProcesses(Client& client, const std::vector<ProcessRecord>& processes, QWidget* parent);
+    /// @param client   outlives the window
+    /// @param profile  the one that is to be attached; the window says so
+    qrvrcProcesses(Client& client, const ProfileRecord& profile, const std::vector<ProcessRecord>& processes,
+                   QWidget* parent);
 
     /// The process that was chosen with Attach; nothing when the window was closed otherwise.
     const std::optional<ProcessRecord>& chosen() const { return m_chosen; }
@@ -35,6 +39,7 @@ private:
     Client& m_client;
     std::vector<ProcessRecord> m_processes;
     std::optional<ProcessRecord> m_chosen;
+    ElidedLabel* lblProfile = nullptr;
     QListWidget* lstID = nullptr;
     QListWidget* lstProcess = nullptr;
     ImageButton* cmdAttach = nullptr;

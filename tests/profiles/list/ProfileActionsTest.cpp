@@ -2,6 +2,8 @@
 
 #include "profiles/list/ActionUser.h"
 
+#include <QLabel>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using practice::Fault;
@@ -40,6 +42,7 @@ private Q_SLOTS:
         int idBesideName = -1;
         int nameBesideId = -1;
         PickerUser user([&](const Pane& picker) {
+            QCOMPARE(picker.control<QLabel>(u"lblProfile"_s).text(), u"Attach 'Bravo' to:"_s);
             wasLocked = !desk.control(u"qrvrcProfilesList"_s).isEnabled() && !QApplication::overrideCursor();
             picker.click(u"cmdAttach"_s); // nothing is chosen yet
             stayedOpen = picker.window().isVisible();
