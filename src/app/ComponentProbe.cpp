@@ -43,13 +43,14 @@ Components::Probe childProcessProbe(const QString& program, const std::filesyste
         if (child.state() != QProcess::NotRunning) {
             child.kill();
             if (end != WaitEnd::TimedOut)
-                throw RuntimeError(ErrorNumber::CannotCreateObject, bytesOf(file) + ": its try was broken off");
+                throw RuntimeError(ErrorNumber::CannotCreateObject,
+                                   PrivateName(bytesOf(file), ": its try was broken off"));
             static_cast<void>(EventWait(limit).endsOn(&child, &QProcess::finished, WaitEnd::Done).run());
             why = "creating it takes too long";
             return false;
         }
         if (child.error() == QProcess::FailedToStart)
-            throw RuntimeError(ErrorNumber::CannotCreateObject, bytesOf(file) + ": it could not be tried");
+            throw RuntimeError(ErrorNumber::CannotCreateObject, PrivateName(bytesOf(file), ": it could not be tried"));
         if (child.exitStatus() == QProcess::NormalExit && child.exitCode() == cameToItsEnd)
             return true;
         why = "creating it ends the program";

@@ -1,5 +1,7 @@
 #include "base/RuntimeError.h"
 
+#include "base/Bounds.h"
+
 std::string_view errorSentence(ErrorNumber number)
 {
     switch (number) {
@@ -45,12 +47,43 @@ RuntimeError::RuntimeError(ErrorNumber number, std::string_view detail, std::sou
       m_description(errorSentence(number))
 {
     if (!detail.empty())
-        m_description.append(": ").append(detail);
+        append(": ");
+    append(detail);
+}
+
+RuntimeError::RuntimeError(ErrorNumber number, const PrivateName& detail, std::source_location where)
+    : RuntimeError(number, detail.before, where)
+{
+    if (detail.before.empty())
+        append(": ");
+    m_privateAt = m_description.size();
+    append(detail.name);
+    m_privateSize = m_description.size() - m_privateAt;
+    append(detail.after);
 }
 
 RuntimeError RuntimeError::followedBy(std::string_view text) const
 {
     RuntimeError error = *this;
-    error.m_description.append(text);
+    error.append(text);
     return error;
+}
+
+std::string_view RuntimeError::privateName() const noexcept
+{
+    return std::string_view(m_description).substr(m_privateAt, m_privateSize);
+}
+
+std::string RuntimeError::descriptionWith(std::string_view standIn) const
+{
+    std::string text = m_description;
+    if (m_privateSize > 0)
+        text.replace(m_privateAt, m_privateSize, standIn);
+    return text;
+}
+
+void RuntimeError::append(std::string_view text)
+{
+    constexpr std::size_t most = Bounds{}.descriptionBytes;
+    m_description.append(text.substr(0, most - m_description.size()));
 }

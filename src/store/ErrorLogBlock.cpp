@@ -1,6 +1,7 @@
 #include "store/ErrorLogBlock.h"
 
 #include "base/Base64.h"
+#include "base/Text.h"
 
 #include <algorithm>
 
@@ -94,7 +95,7 @@ std::string joinReport(const ErrorReportFields& fields)
     for (const std::string& field : fields) {
         if (&field != fields.data())
             report += fieldSeparator;
-        report += field;
+        report += replaced(replaced(field, "|*", "| *"), "&", "%26");
     }
     return report;
 }

@@ -45,5 +45,6 @@ using ErrorReportFields = std::array<std::string, reportFieldCount>;
 /// @param sentAt        "yyyy-mm-dd hh:mm:ss"
 ErrorReportFields reportFields(const ErrorLogBlock& block, std::string_view thisIdentity, std::string_view sentAt);
 
-/// The fields in their order, "|*|*|" between them.
+/// The fields in their order, "|*|*|" between them. No field's text can be taken for a separator or end the posted
+/// value: "|*" in it goes as "| *", and "&" as "%26".
 std::string joinReport(const ErrorReportFields& fields);

@@ -133,7 +133,7 @@ void checkBytes(std::string_view bytes, std::string_view name)
 {
     const bool isUtf16 = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
     if (isUtf16 || bytes.size() > IniText::maxBytes)
-        throw RuntimeError(ErrorNumber::InvalidFileFormat, name);
+        throw RuntimeError(ErrorNumber::InvalidFileFormat, PrivateName(name));
 }
 
 void checkNames(std::string_view section, std::string_view key, std::string_view value)
@@ -142,7 +142,7 @@ void checkNames(std::string_view section, std::string_view key, std::string_view
     // A key that begins like a section or a comment would be read as one.
     if (section.empty() || hasAnyOf(section, "\r\n\0"sv) || key.empty() || hasAnyOf(key.substr(0, 1), "[;#"sv) ||
         hasAnyOf(key, "=\r\n\0"sv) || hasAnyOf(value, "\r\n\0"sv))
-        throw RuntimeError(ErrorNumber::InvalidProcedureCall, section);
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall, PrivateName(section));
 }
 
 enum class Missing { Nothing, Key, Section };
@@ -238,7 +238,7 @@ void IniText::setValue(std::string_view section, std::string_view key, std::stri
 
     const Place place = placeFor(m_bytes, section, key);
     if (place.what == Missing::Section && hasAnyOf(section, "[]")) // not every reader takes them for a part of the name
-        throw RuntimeError(ErrorNumber::InvalidProcedureCall, section);
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall, PrivateName(section));
     const std::string_view lineEnd = lineEndOf(m_bytes);
     std::string text;
     if (place.what != Missing::Nothing && runsOn(m_bytes, place.start))
@@ -252,7 +252,7 @@ void IniText::setValue(std::string_view section, std::string_view key, std::stri
         text.append(lineEnd);
 
     if (m_bytes.size() - place.length + text.size() > maxBytes)
-        throw RuntimeError(ErrorNumber::InvalidFileFormat, section);
+        throw RuntimeError(ErrorNumber::InvalidFileFormat, PrivateName(section));
     m_bytes.replace(place.start, place.length, text);
 }
 

@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "platform/system/DiskFile.h"
 #include "platform/system/FileBytes.h"
 #include "platform/system/KernelName.h"
 #include "platform/system/PathBytes.h"
@@ -18,6 +19,7 @@
 namespace {
 
 constexpr std::string_view errorLogName = "\\ErrorLog.txt";
+constexpr std::string_view olderErrorLogName = "\\ErrorLog.old.txt";
 constexpr std::string_view settingsFolderName = "\\settings";
 constexpr std::string_view identityName = "\\settings\\installation.id";
 constexpr std::size_t identityDigits = 32;
@@ -77,7 +79,11 @@ std::optional<std::string> identityIfAny(const clsMFD& store)
 
 } // namespace
 
-clsMFD::clsMFD(const AppFolder& folder, HelperServices services) : m_folder(folder), m_services(std::move(services)) {}
+clsMFD::clsMFD(const AppFolder& folder, HelperServices services, const Bounds& bounds)
+    : m_folder(folder),
+      m_services(std::move(services)),
+      m_bounds(bounds)
+{}
 
 struct clsMFD::IniFile
 {
@@ -107,7 +113,9 @@ void clsMFD::changeIni(const Path& file, const std::function<void(IniText&)>& ch
         return;
     if (!before.isWhole)
         throw RuntimeError(ErrorNumber::InvalidFileFormat,
-                           bytesOf(file) + " is kept as it is, because it holds characters that the code page lacks");
+                           PrivateName(bytesOf(file),
+                                       " is kept as it is, because it holds characters that the code page "
+                                       "lacks"));
     writeBytes(file, after.bytes(), Access::OwnerOnly);
 }
 
@@ -206,15 +214,34 @@ ErrorLogBlock clsMFD::blockOf(const ErrorReportRecord& record) const
     };
 }
 
+std::string clsMFD::reportable(const RuntimeError& error) const
+{
+    const std::string name(error.privateName());
+    const std::string layoutName = m_folder.withLayoutNames(name);
+    return m_folder.withLayoutNames(error.descriptionWith(layoutName == name ? "(a name)" : layoutName));
+}
+
+/// A log that cannot be moved away goes on growing: what it holds next is worth more.
+void clsMFD::makeRoomInLog(const Path& log, std::size_t bytes) const
+{
+    std::error_code fault;
+    const std::uintmax_t size = std::filesystem::file_size(log, fault);
+    if (!fault && size + bytes > m_bounds.errorLogBytes)
+        static_cast<void>(renameOver(log, m_folder.path(olderErrorLogName)));
+}
+
 void clsMFD::LogError(std::string_view program, std::string_view procedure, const RuntimeError& error,
                       std::int32_t line) const
 {
     const ErrorLogBlock block = blockOf({.number = static_cast<std::int32_t>(error.number()),
-                                         .description = error.description(),
+                                         .description = reportable(error),
                                          .program = std::string(program),
                                          .procedure = std::string(procedure),
                                          .line = line});
-    appendBytes(m_folder.path(errorLogName), formatErrorLogBlock(block));
+    const Path log = m_folder.path(errorLogName);
+    const std::string text = formatErrorLogBlock(block);
+    makeRoomInLog(log, text.size());
+    appendBytes(log, text);
 }
 
 void clsMFD::SendErrorReport(const ErrorReportRecord& record, std::function<void(bool delivered)> done) const

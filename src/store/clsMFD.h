@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Bounds.h"
 #include "store/IniText.h"
 
 #include <array>
@@ -55,7 +56,7 @@ public:
     using Path = std::filesystem::path;
 
     /// @param folder  where the error log and this installation's identity are kept; outlives the helper
-    clsMFD(const AppFolder& folder, HelperServices services);
+    clsMFD(const AppFolder& folder, HelperServices services, const Bounds& bounds = {});
 
     /// INI files are read in the code page, and as Unicode when they begin with a byte order mark.
     std::string GetIniKey(std::string_view section, std::string_view key, const Path& file) const;
@@ -90,7 +91,11 @@ public:
 
     /// 32 hexadecimal digits that name this installation; made at random on first use and kept in the settings folder.
     std::string GetUIDStr() const;
-    /// Appends one block to "\ErrorLog.txt".
+    /// What a log or a report may tell of an error: its description with layout names in the place of paths, and
+    /// without its private name.
+    std::string reportable(const RuntimeError& error) const;
+    /// Appends one block to "\ErrorLog.txt". A log that would grow beyond its bound takes the place of
+    /// "\ErrorLog.old.txt" first.
     void LogError(std::string_view program, std::string_view procedure, const RuntimeError& error,
                   std::int32_t line) const;
     /// Delivers a report without holding anybody up; `done` is called once with whether it was delivered.
@@ -106,6 +111,9 @@ private:
     IniFile readIni(const Path& file) const;
     void changeIni(const Path& file, const std::function<void(IniText&)>& change) const;
 
+    void makeRoomInLog(const Path& log, std::size_t bytes) const;
+
     const AppFolder& m_folder;
     HelperServices m_services;
+    Bounds m_bounds;
 };

@@ -194,6 +194,55 @@ private Q_SLOTS:
                 lines.end());
     }
 
+    void whatALogTellsOfAnError_data()
+    {
+        QTest::addColumn<RuntimeError>("error");
+        QTest::addColumn<QString>("told"); // the folder is %1 in the error
+        const auto number = ErrorNumber::FileNotFound;
+        const auto row = [number](const char* title, const auto& detail, const QString& told) {
+            QTest::newRow(title) << RuntimeError(number, detail) << QStringLiteral("File not found: ") + told;
+        };
+        const std::string root = AppFolder(m_shared.path().toStdString()).root().string();
+        row("a file of the layout", PrivateName(root + "/settings/config.ini"),
+            QStringLiteral("\\settings\\config.ini"));
+        row("a file elsewhere", PrivateName("/home/joe/notes.txt", " is gone"), QStringLiteral("(a name) is gone"));
+        row("a player", PrivateName("Joe", {}, "nothing about "), QStringLiteral("nothing about (a name)"));
+        row("a path in a text", root + "/Plugins/a.dll: bad; " + root + "x/b", //
+            QStringLiteral("\\Plugins\\a.dll: bad; ") + QString::fromStdString(root) + QStringLiteral("x/b"));
+        row("a private name behind the cut", PrivateName("Joe", {}, std::string(5000, 'x')),
+            QString(4096 - 16, QLatin1Char('x')));
+    }
+    void whatALogTellsOfAnError()
+    {
+        QFETCH(const RuntimeError, error);
+        QFETCH(const QString, told);
+        const AppFolder folder(m_shared.path().toStdString());
+        QCOMPARE(QString::fromStdString(clsMFD(folder, {}).reportable(error)), told);
+        QVERIFY(error.description().size() <= Bounds{}.descriptionBytes);
+    }
+
+    void aFullLogTakesThePlaceOfTheOlderOne()
+    {
+        Store store;
+        const auto size = [&store](const char* name) {
+            return readBytesIfPresent(store.file(name)).value_or("").size();
+        };
+        const auto log = [&store](std::size_t bound) {
+            clsMFD(store.folder, {}, {.errorLogBytes = bound})
+                .LogError("f", "p", RuntimeError(ErrorNumber::Overflow), 1);
+        };
+        log(1);
+        const std::size_t block = size("\\ErrorLog.txt");
+        log(2 * block);
+        QCOMPARE(size("\\ErrorLog.txt"), 2 * block);
+        QVERIFY(!store.folder.fileExists("\\ErrorLog.old.txt"));
+        log(3 * block - 1);
+        QCOMPARE(size("\\ErrorLog.txt"), block);
+        QCOMPARE(size("\\ErrorLog.old.txt"), 2 * block);
+        log(2 * block - 1);
+        QCOMPARE(size("\\ErrorLog.old.txt"), block);
+    }
+
     void anErrorIsLoggedWithoutAnIdentityToo()
     {
         const Store store;
@@ -208,7 +257,7 @@ private Q_SLOTS:
     {
         Store store;
         store.pageTakesReports = false;
-        const ErrorReportRecord record = {91, "not\r\nset", "QRVV3RC.exe 3.0.1", "HandleData", 410};
+        const ErrorReportRecord record = {91, "not\r\nset |*|*|& x", "QRVV3RC.exe 3.0.1", "HandleData", 410};
         int answers = 0;
         const auto count = [&answers](bool delivered) { answers += delivered ? 100 : 1; };
         store.mfd.SendErrorReport(record, count);
@@ -221,7 +270,8 @@ private Q_SLOTS:
         const QStringList fields = QString::fromStdString(store.posted.front()).split(QStringLiteral("|*|*|"));
         QCOMPARE(fields.size(), 15);
         QVERIFY(matches(fields[0].toStdString() + ' ' + fields[1].toStdString(), R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)"));
-        QCOMPARE(fields.mid(2, 5).join(u'|'), QStringLiteral("QRVV3RC.exe 3.0.1|HandleData|410|91|not set"));
+        QCOMPARE(fields.mid(2, 5).join(u'|'),
+                 QStringLiteral("QRVV3RC.exe 3.0.1|HandleData|410|91|not set | *| *|%26 x"));
         QCOMPARE(fields[7].toStdString(), store.mfd.GetUIDStr());
         QCOMPARE(fields[8] + fields[9] + fields[11] + fields[12], QStringLiteral("1000"));
         QCOMPARE(fields[13], fields[0] + u' ' + fields[1]);
@@ -255,6 +305,9 @@ private Q_SLOTS:
         QCOMPARE(clsMFD::validateUrl(typed), address);
         QCOMPARE(clsMFD::validateUrl(address), address);
     }
+
+private:
+    QTemporaryDir m_shared;
 };
 
 QTEST_APPLESS_MAIN(clsMFDTest)

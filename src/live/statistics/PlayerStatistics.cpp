@@ -78,7 +78,7 @@ std::string_view PlayerStatistics::statisticsOf(std::string_view key, std::size_
     }
     const auto found = m_places.find(key);
     if (found == m_places.end())
-        throw RuntimeError(ErrorNumber::InvalidProcedureCall, "there are no statistics for " + std::string(key));
+        throw RuntimeError(ErrorNumber::InvalidProcedureCall, PrivateName(key, {}, "there are no statistics for "));
     return m_statistics[found->second].record;
 }
 

@@ -73,7 +73,7 @@ ErrorNumber numberOf(std::error_code fault, const fs::path& path)
 
 void throwFileError(std::error_code fault, const fs::path& path, std::source_location where)
 {
-    throw RuntimeError(numberOf(fault, path), bytesOf(path), where);
+    throw RuntimeError(numberOf(fault, path), PrivateName(bytesOf(path)), where);
 }
 
 std::optional<std::string> readBytesIfPresent(const fs::path& file, std::size_t maxBytes, std::source_location where)
@@ -99,7 +99,7 @@ std::optional<std::string> readBytesIfPresent(const fs::path& file, std::size_t 
             throwFileError(fault, file, where);
         filled += received;
         if (filled > maxBytes)
-            throw RuntimeError(ErrorNumber::InvalidFileFormat, bytesOf(file), where);
+            throw RuntimeError(ErrorNumber::InvalidFileFormat, PrivateName(bytesOf(file)), where);
         if (received == 0)
             break;
         if (filled == bytes.size())
@@ -123,7 +123,7 @@ void writeBytes(const fs::path& file, std::string_view bytes, Access access, std
     const fs::file_status old = fs::status(target, fault);
     const bool replaces = fs::exists(old);
     if (replaces && !fs::is_regular_file(old))
-        throw RuntimeError(ErrorNumber::PermissionDenied, bytesOf(file), where);
+        throw RuntimeError(ErrorNumber::PermissionDenied, PrivateName(bytesOf(file)), where);
 
     TemporaryFile temporary{temporaryNameFor(target)};
     DiskFile opened(temporary.path, DiskFile::Mode::CreateNew, replaces ? Access::OwnerOnly : access);
@@ -184,7 +184,7 @@ void moveFile(const fs::path& from, const fs::path& to, std::source_location whe
     const fs::file_status old = fs::status(target, fault);
     const bool replaces = fs::exists(old);
     if (replaces && !fs::is_regular_file(old))
-        throw RuntimeError(ErrorNumber::PermissionDenied, bytesOf(to), where);
+        throw RuntimeError(ErrorNumber::PermissionDenied, PrivateName(bytesOf(to)), where);
     {
         DiskFile whole(from, DiskFile::Mode::Settle);
         fault = whole.fault();
