@@ -17,19 +17,20 @@ QUrl reportUrl(QUrl makerHost)
 
 } // namespace
 
-ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterface& interface, HelpOpener showHelp)
+ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxWindows, LockableInterface& interface, HelpOpener showHelp)
     : folder(setup.folder),
       updateTargets(folder, setup.program, platformSystemFolder()),
       reportPage{.url = reportUrl(setup.makerHost)},
-      store(folder, services(std::move(showHelp))),
-      reporter(store, boxes, codePage, setup.version),
+      store(folder, services(std::move(showHelp)), setup.bounds),
+      boxes(boxWindows, setup.bounds),
+      reporter(store, boxes, codePage, setup.version, setup.bounds),
       pictures(folder,
                [this](const std::string& name) {
                    reporter.ReportMsg(MessageKind::Error,
                                       u"The picture '%1' is missing or damaged."_s.arg(codePage.toText(name)));
                }),
       replies(reporter, interface),
-      link(wsMain, wSupport, replies),
+      link(wsMain, wSupport, replies, setup.bounds),
       components(folder),
       client{link, replies, store, folder, inet, reporter, boxes, codePage, pictures, windows, quitting},
       pluginHost(client, plugins, components, problems, pluginAccess(), setup.version),

@@ -4,6 +4,7 @@
 #include "client/PermissionRecords.h"
 #include "client/SelectedProfile.h"
 #include "diagnostics/errorlog/ErrorLogSender.h"
+#include "diagnostics/report/BoxQueue.h"
 #include "diagnostics/report/Reporter.h"
 #include "link/ReplyDispatcher.h"
 #include "link/clsWinSock.h"
@@ -46,6 +47,8 @@ struct Setup
     std::vector<std::string> arguments = {};
     /// The boxes to speak through; null for real windows.
     MessageBoxes* boxes = nullptr;
+    /// How much and how often the program takes from others.
+    Bounds bounds = {};
 };
 
 /// Everything of the program that is no window, in the order in which one part needs the other. Owned by the frame.
@@ -53,7 +56,7 @@ struct ClientCore
 {
     using HelpOpener = std::function<void(const std::filesystem::path& file, const QString& topic)>;
 
-    ClientCore(const Setup& setup, MessageBoxes& boxes, LockableInterface& interface, HelpOpener showHelp);
+    ClientCore(const Setup& setup, MessageBoxes& boxWindows, LockableInterface& interface, HelpOpener showHelp);
 
     AppFolder folder;
     UpdateTargets updateTargets;
@@ -61,6 +64,7 @@ struct ClientCore
     Inet inet;
     ErrorReportPage reportPage;
     clsMFD store;
+    BoxQueue boxes;
     Reporter reporter;
     PictureStore pictures;
     ReplyDispatcher replies;

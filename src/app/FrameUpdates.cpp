@@ -16,7 +16,7 @@ FrameUpdates::FrameUpdates(ClientCore& core, RestartOrder restart, QObject* fram
       m_restart(std::move(restart)),
       m_agent(std::make_unique<UpdateAgent>(core.updates, core.client, core.updatesAvailable, frame)),
       m_options(std::make_unique<UpdateOptions>(
-          UpdateOptions::Subjects{core.folder, core.updates, *m_agent, core.link, core.codePage}))
+          UpdateOptions::Subjects{core.folder, core.updates, *m_agent, core.link, core.codePage, core.reporter}))
 {}
 
 FrameUpdates::~FrameUpdates() = default;

@@ -31,7 +31,7 @@ Notices::Notices(ClientCore& core, const SupportDesk& support, Housekeeping& sta
 void Notices::tellOfLink()
 {
     const clsWinSock& link = m_core.link;
-    // Boxes come behind the socket's own doings: they are modal, and the link is to be settled before they open.
+    // Behind the socket's own doings: the link is closed only when the box has told why.
     connect(
         &link, &clsWinSock::socketFailed, this,
         [this](int number, const QString& description) {

@@ -67,6 +67,7 @@ qrvrcMain::qrvrcMain(const Setup& setup)
 qrvrcMain::~qrvrcMain()
 {
     m_core->reporter.silence();
+    m_core->boxes.silence();
     m_core->link.disconnect();
     delete m_core->windows.existing<qrvrcSupport>();
     delete m_pages; // the windows go before what they refer to
@@ -342,6 +343,7 @@ void qrvrcMain::unload()
 {
     m_helpKey.reset();
     m_core->reporter.silence();
+    m_core->boxes.silence();
     m_helpViewer.reset();
     m_core->windows.unload(u"qrvrcRecovery"_s);
     m_core->link.closeSupportLink();

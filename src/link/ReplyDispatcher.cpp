@@ -6,6 +6,18 @@
 
 #include <utility>
 
+namespace {
+
+/// Whether the number is one that decoders raise, and not the disk, a component or the program itself.
+bool isFaultOfText(ErrorNumber number)
+{
+    return number == ErrorNumber::Overflow || number == ErrorNumber::OutOfMemory ||
+           number == ErrorNumber::SubscriptOutOfRange || number == ErrorNumber::TypeMismatch ||
+           number == ErrorNumber::InvalidFileFormat;
+}
+
+} // namespace
+
 ReplyDispatcher::ReplyDispatcher(Reporter& reporter, LockableInterface& interface)
     : m_reporter(reporter),
       m_interface(interface)
@@ -36,20 +48,35 @@ void ReplyDispatcher::onPluginMessage(QObject* owner, PluginHandler handler)
     m_pluginHandler = std::move(handler);
 }
 
-void ReplyDispatcher::HandleData(std::string_view body, const ReplyOwner& owner, Ticket handler)
+bool ReplyDispatcher::HandleData(std::string_view body, const ReplyOwner& owner, Ticket handler)
 {
     const InterfaceLock lock(m_interface);
     if (isPluginMessage(body)) {
+        std::optional<PluginMessage> message;
         m_reporter.trap("HandleData", [&] {
-            const PluginMessage message = decodePluginMessage(body);
+            message = decodePluginMessage(body);
             if (m_pluginOwner)
-                m_pluginHandler(message.component, message.payload);
+                m_pluginHandler(message->component, message->payload);
         });
-        return;
+        return message.has_value(); // what a plugin makes of it is its own affair
     }
     const auto found = m_handlers.find(handler);
     if (found == m_handlers.end() || !found->second.owner)
-        return;
+        return true;
     const KeepingHandler handle = found->second.handler; // a handler may open the window that registers the next one
-    m_reporter.trap("HandleData", [&] { handle(body, owner); });
+    bool isWellFormed = true;
+    m_reporter.trap("HandleData", [&] {
+        try {
+            handle(body, owner);
+        } catch (const RuntimeError& error) {
+            isWellFormed = !isFaultOfText(error.number());
+            throw;
+        }
+    });
+    return isWellFormed;
+}
+
+BoxHold ReplyDispatcher::holdBoxes()
+{
+    return BoxHold(m_reporter.boxes());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "diagnostics/report/MessageBoxes.h"
 #include "link/ReplyAssembler.h"
 
 #include <QObject>
@@ -45,7 +46,11 @@ public:
     /// Handles one message body: a plugin's message goes to the plugins, anything else to `handler`. Whatever happens
     /// there, the interface is unlocked afterwards; a RuntimeError is reported under "HandleData".
     /// @param owner  holds `body`; not null
-    void HandleData(std::string_view body, const ReplyOwner& owner, Ticket handler);
+    /// @return false when the message is not what the protocol says
+    bool HandleData(std::string_view body, const ReplyOwner& owner, Ticket handler);
+
+    /// Holds boxes back while the result lives.
+    BoxHold holdBoxes();
 
 private:
     struct Entry

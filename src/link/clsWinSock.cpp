@@ -18,10 +18,11 @@ constexpr qint32 progressBytes = 512;
 
 } // namespace
 
-clsWinSock::clsWinSock(Winsock& wsMain, Winsock& wSupport, ReplyDispatcher& replies)
+clsWinSock::clsWinSock(Winsock& wsMain, Winsock& wSupport, ReplyDispatcher& replies, const Bounds& bounds)
     : m_main(wsMain),
       m_support(wSupport),
-      m_replies(replies)
+      m_replies(replies),
+      m_bounds(bounds)
 {
     connect(&m_main, &Winsock::connected, this, &clsWinSock::connected);
     connect(&m_main, &Winsock::dataArrival, this, &clsWinSock::receive);
@@ -145,6 +146,7 @@ void clsWinSock::followSocket(SocketState state)
     const bool wasConnected = isConnected();
     if (state == SocketState::Connected) {
         m_assembler.reset();
+        m_faults.reset();
         m_progressOpen = false;
         setPhase(LinkPhase::LoggingIn);
     } else if (state == SocketState::Closed || state == SocketState::PeerClosing || state == SocketState::Error) {
@@ -159,6 +161,7 @@ void clsWinSock::followSocket(SocketState state)
 
 void clsWinSock::receive(std::string_view chunk)
 {
+    const BoxHold held = m_replies.holdBoxes(); // the socket does not wait for whoever reads them
     try {
         m_assembler.add(chunk);
     } catch (const RuntimeError&) {
@@ -219,9 +222,12 @@ void clsWinSock::handleMessages(const ReplyOwner& text)
         // A plugin's message comes at any moment. Only what another program asked for may be answered by one.
         const bool isAnswer = m_pending && (!isPluginMessage(body) || m_pending->name == rawRequestName);
         const std::optional<PendingRequest> request = isAnswer ? takePending() : std::nullopt;
-        m_replies.HandleData(body, text, request ? request->handler : ReplyDispatcher::nobody);
+        if (!m_replies.HandleData(body, text, request ? request->handler : ReplyDispatcher::nobody))
+            noteFault();
         if (request)
             Q_EMIT answered();
+        if (!isLoggedIn())
+            return;
     }
 }
 
@@ -231,6 +237,15 @@ std::optional<PendingRequest> clsWinSock::takePending()
     if (request)
         Q_EMIT answering();
     return request;
+}
+
+void clsWinSock::noteFault()
+{
+    const auto now = RateLimit::Clock::now();
+    m_faults.add(now);
+    if (m_faults.count(now) >= static_cast<std::size_t>(m_bounds.protocolFaultsPerMinute))
+        breakOff(u"The tracker has sent %1 messages within a minute that cannot be understood. "
+                 "The connection was closed."_s.arg(m_bounds.protocolFaultsPerMinute));
 }
 
 void clsWinSock::acceptLogin(const std::string& reply)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Bounds.h"
+#include "base/RateLimit.h"
 #include "link/Connection.h"
 #include "link/ReplyAssembler.h"
 #include "link/ReplyDispatcher.h"
@@ -49,7 +51,7 @@ class clsWinSock : public QObject
 
 public:
     /// All three outlive the link.
-    clsWinSock(Winsock& wsMain, Winsock& wSupport, ReplyDispatcher& replies);
+    clsWinSock(Winsock& wsMain, Winsock& wSupport, ReplyDispatcher& replies, const Bounds& bounds = {});
     ~clsWinSock() override;
 
     LinkPhase phase() const { return m_phase; }
@@ -138,6 +140,7 @@ private:
     void tellProgress();
     void handleReply(Reply reply);
     void handleMessages(const ReplyOwner& text);
+    void noteFault();
     void acceptLogin(const std::string& reply);
     void followSocket(SocketState state);
     std::optional<PendingRequest> takePending();
@@ -145,6 +148,8 @@ private:
     Winsock& m_main;
     Winsock& m_support;
     ReplyDispatcher& m_replies;
+    Bounds m_bounds;
+    RateLimit m_faults{std::chrono::minutes(1)}; ///< of this connection
     LinkPhase m_phase = LinkPhase::Down;
     Connection m_connection;
     std::unique_ptr<HostLookup> m_lookup; ///< while resolving

@@ -1,7 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
+#include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,14 +21,27 @@ public:
     ErrorLog& operator=(const ErrorLog&) = delete;
     ~ErrorLog() = default;
 
-    /// Reads the file. @return false when there is none, and nothing has changed then
+    /// A log as it is in its file, cut into pieces that are views of the text.
+    struct Contents
+    {
+        explicit Contents(std::string whole);
+
+        const std::string text; ///< CR LF between lines
+        std::vector<std::string_view> pieces;
+    };
+    /// Reads a file, in any thread. @return null when there is none
     /// @throws RuntimeError from the disk
-    bool load();
-    /// Empties the file and forgets what was read. @throws RuntimeError from the disk
+    static std::shared_ptr<Contents> read(const std::filesystem::path& file);
+    /// Where the log is.
+    std::filesystem::path file() const;
+
+    /// From now on this is the log. @param contents  not null; changed by this alone
+    void adopt(std::shared_ptr<Contents> contents);
+    /// Empties the file, removes the older log and forgets what was read. @throws RuntimeError from the disk
     void clear();
 
     /// What is left, piece by piece from top to bottom; together they are the text to show, with CR LF between lines.
-    const std::vector<std::string_view>& pieces() const { return m_pieces; }
+    const std::vector<std::string_view>& pieces() const { return m_contents->pieces; }
     /// Whether nothing but blanks and line breaks is left.
     bool isBlank() const;
     /// The piece has been delivered.
@@ -44,12 +58,8 @@ public:
     FileFate settleFile();
 
 private:
-    std::optional<std::string> fileText() const;
-    void adopt(std::string text);
-
     const clsMFD& m_store;
     const AppFolder& m_folder;
-    std::string m_text; ///< all that was read, delivered or not
-    std::vector<std::string_view> m_pieces;
+    std::shared_ptr<Contents> m_contents; ///< all that was read; its pieces are what is left
     std::vector<std::string_view> m_delivered;
 };

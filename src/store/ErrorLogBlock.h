@@ -6,6 +6,10 @@
 #include <string>
 #include <string_view>
 
+/// Where errors are logged, and where the log before this one is kept.
+inline constexpr std::string_view errorLogName = "\\ErrorLog.txt";
+inline constexpr std::string_view olderErrorLogName = "\\ErrorLog.old.txt";
+
 /// One entry of the error log: the values behind its labels, and its dumps as plain text.
 struct ErrorLogBlock
 {

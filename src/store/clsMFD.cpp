@@ -18,8 +18,6 @@
 
 namespace {
 
-constexpr std::string_view errorLogName = "\\ErrorLog.txt";
-constexpr std::string_view olderErrorLogName = "\\ErrorLog.old.txt";
 constexpr std::string_view settingsFolderName = "\\settings";
 constexpr std::string_view identityName = "\\settings\\installation.id";
 constexpr std::size_t identityDigits = 32;

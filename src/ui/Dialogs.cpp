@@ -1,12 +1,15 @@
 #include "ui/Dialogs.h"
 
+#include "diagnostics/report/TrappedError.h"
+
 #include <QApplication>
 #include <QEvent>
-#include <QGridLayout>
+#include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
-
-#include <memory>
+#include <QtMath>
 
 using namespace Qt::StringLiterals;
 
@@ -15,24 +18,8 @@ namespace {
 // Texts from the host must not push the buttons off the screen.
 constexpr qsizetype maxBoxCharacters = 3000;
 constexpr qsizetype maxBoxLines = 40;
-constexpr int minTextWidth = 260;           // pixels
-constexpr qsizetype maxWordCharacters = 70; // a box wraps its text between words only
-
-/// `text` with places to break in words that would be wider than the box.
-QString withBreaks(const QString& text)
-{
-    QString result;
-    qsizetype word = 0;
-    for (const QChar character : text) {
-        word = character.isSpace() ? 0 : word + 1;
-        if (word > maxWordCharacters && !character.isLowSurrogate()) {
-            result += QChar(u'\u200B'); // zero width space
-            word = 1;
-        }
-        result += character;
-    }
-    return result;
-}
+constexpr int minTextWidth = 260; // pixels
+constexpr int maxTextWidth = 560;
 
 /// The lines of `text`, which CR LF, CR or LF separate, as the box wants them.
 QString boxText(QString text)
@@ -48,8 +35,44 @@ QString boxText(QString text)
         text.truncate(end);
         text += u'…';
     }
-    return withBreaks(text);
+    return text;
 }
+
+/// The text of a box. Words that are wider than the box are broken where they are shown, and copied as they are.
+class BoxText : public QPlainTextEdit
+{
+public:
+    explicit BoxText(QWidget* parent) : QPlainTextEdit(parent)
+    {
+        setObjectName(u"txtMessage"_s);
+        setAccessibleName(u"Message"_s);
+        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        setFocusPolicy(Qt::ClickFocus); // the keyboard is for the buttons
+        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        setFrameShape(NoFrame);
+        setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        viewport()->setAutoFillBackground(false);
+        document()->setDocumentMargin(0);
+    }
+
+    /// Shows `text` whole, as wide as it needs to be.
+    void fit(const QString& text)
+    {
+        if (text == toPlainText())
+            return;
+        setPlainText(text);
+        const QFontMetrics metrics(font());
+        int width = minTextWidth;
+        for (const QStringView line : QStringView(text).split(u'\n'))
+            width = qMax(width, metrics.horizontalAdvance(line.toString()) + metrics.averageCharWidth());
+        width = qMin(width, maxTextWidth);
+        setFixedWidth(width);
+        resize(width, height());
+        // The document counts its height in lines.
+        setFixedHeight(qCeil(document()->size().height() * metrics.lineSpacing()) + 2);
+    }
+};
 
 class MessageBox : public QMessageBox
 {
@@ -60,14 +83,22 @@ public:
         setObjectName(u"msgBox"_s);
         setWindowModality(Qt::ApplicationModal);
         setTextFormat(Qt::PlainText);
-        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-        setText(boxText(text));
-        // Wide enough for the title to be read, and plain buttons whatever the desktop's theme draws on them.
-        auto* const grid = static_cast<QGridLayout*>(layout());
-        grid->addItem(new QSpacerItem(minTextWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
+        // The box's own label cannot break a long word. It holds the text for screen readers and stays out of sight.
+        auto* const label = findChild<QLabel*>(u"qt_msgbox_label"_s);
+        m_text = new BoxText(this);
+        layout()->replaceWidget(label, m_text);
+        label->hide();
+        showText(boxText(text));
+        // Plain buttons whatever the desktop's theme draws on them.
         for (QAbstractButton* button : this->buttons())
             button->setIcon({});
         setEnabled(true);
+    }
+
+    void showText(const QString& text)
+    {
+        m_text->fit(text);
+        setText(text); // fits the box too
     }
 
 protected:
@@ -78,6 +109,9 @@ protected:
         if (event->type() == QEvent::EnabledChange && !isEnabled())
             setEnabled(true);
     }
+
+private:
+    BoxText* m_text = nullptr;
 };
 
 /// Deletes a box that its parent may have deleted already.
@@ -93,10 +127,19 @@ private:
     QPointer<MessageBox> m_box;
 };
 
-QString withReportLine(const QString& errorText, const QString& line)
+QString textOf(const TrappedError& error)
 {
     // Cut on its own, so that a long description cannot take the outcome away.
-    return boxText(errorText) + u"\n\n"_s + line;
+    return boxText(error.text()) + u"\n\n"_s + boxText(error.outcome());
+}
+
+/// A button that does not close its box.
+QPushButton* addSendButton(MessageBox* box)
+{
+    QPushButton* const button = box->addButton(u"&Send Report"_s, QMessageBox::ActionRole);
+    button->setObjectName(u"cmdSendReport"_s);
+    button->disconnect();
+    return button;
 }
 
 } // namespace
@@ -119,21 +162,20 @@ bool Dialogs::confirm(const QString& title, const QString& question)
     return box->exec() == QMessageBox::Yes;
 }
 
-void Dialogs::showTrapped(const QString& title, const QString& errorText, const ReportDelivery& deliver)
+void Dialogs::showTrapped(const QString& title, const std::shared_ptr<TrappedError>& error)
 {
-    auto* const box = new MessageBox(title, {}, QMessageBox::Ok, boxParent());
+    auto* const box = new MessageBox(title, textOf(*error), QMessageBox::Ok, boxParent());
     const BoxGuard guard(box);
-    const QPointer<MessageBox> shown(box);
-    box->setText(withReportLine(errorText, u"Sending the error report..."_s));
-    box->show();
-    deliver([shown, errorText](bool delivered) {
-        if (shown)
-            shown->setText(
-                withReportLine(errorText, delivered ? u"Error Report Sent: Yes"_s : u"Error Report Sent: Failed!"_s));
-    });
-    // The start of the delivery may have let events run, and the user may have closed the box in them.
-    if (shown && shown->isVisible())
-        shown->exec();
+    box->setDefaultButton(QMessageBox::Ok);
+    QObject::connect(error.get(), &TrappedError::changed, box, [box, error] { box->showText(textOf(*error)); });
+    if (error->report() == TrappedError::Report::Offered) {
+        QPushButton* const send = addSendButton(box);
+        QObject::connect(send, &QPushButton::clicked, box, [send, error] {
+            send->setEnabled(false);
+            error->sendOffered();
+        });
+    }
+    box->exec();
 }
 
 QWidget* Dialogs::boxParent() const

@@ -15,8 +15,7 @@ public:
 
     void show(const QString& title, const QString& text) override;
     bool confirm(const QString& title, const QString& question) override;
-    /// A box that was closed before the outcome is known is left alone when it comes.
-    void showTrapped(const QString& title, const QString& errorText, const ReportDelivery& deliver) override;
+    void showTrapped(const QString& title, const std::shared_ptr<TrappedError>& error) override;
 
 private:
     QWidget* boxParent() const;

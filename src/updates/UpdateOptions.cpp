@@ -36,6 +36,33 @@ std::string forFile(const QString& text)
     return text.toUtf8().toStdString();
 }
 
+struct ReportWord
+{
+    ReportMode mode;
+    std::string_view word;
+};
+
+/// As they are stored; the first stands for what is missing or unknown.
+constexpr std::array reportWords{
+    ReportWord{ReportMode::ByThemselves, "Sent"},
+    ReportWord{ReportMode::AskedFor, "Ask"},
+    ReportWord{ReportMode::Never, "Never"},
+};
+
+ReportMode reportModeOf(std::string_view word)
+{
+    const auto found = std::find_if(reportWords.begin(), reportWords.end(),
+                                    [word](const ReportWord& known) { return known.word == word; });
+    return found == reportWords.end() ? reportWords.front().mode : found->mode;
+}
+
+std::string_view wordOf(ReportMode mode)
+{
+    return std::find_if(reportWords.begin(), reportWords.end(),
+                        [mode](const ReportWord& known) { return known.mode == mode; })
+        ->word;
+}
+
 /// @throws RuntimeError InvalidFileFormat for a damaged file
 IniText storedSettings(const AppFolder& folder)
 {
@@ -67,6 +94,7 @@ void UpdateOptions::load()
         m_values.codePage = own("CodePage");
         m_values.makerHost = fromFile(own(makerHostKey));
         m_values.updateKey = fromFile(own("UpdateKey"));
+        m_values.reports = reportModeOf(own("ErrorReports"));
         if (!m_values.updateKey.isEmpty() && !UpdateKey::fromText(forFile(m_values.updateKey)))
             throw RuntimeError(ErrorNumber::InvalidFileFormat, "UpdateKey"); // rather no updates than unproven ones
     }
@@ -84,6 +112,7 @@ void UpdateOptions::save(const OptionValues& values)
     text.setValue(ownSection, "CodePage", values.codePage);
     text.setValue(ownSection, makerHostKey, forFile(values.makerHost));
     text.setValue(ownSection, "UpdateKey", forFile(values.updateKey));
+    text.setValue(ownSection, "ErrorReports", wordOf(values.reports));
     writeBytes(m_subjects.folder.path(settingsFile), text.bytes(), Access::OwnerOnly);
     m_values = values;
     putInForce();
@@ -100,6 +129,7 @@ void UpdateOptions::putInForce()
     m_subjects.services.key = UpdateKey::fromText(forFile(m_values.updateKey));
     m_subjects.agent.setAutomatic(m_values.automatic);
     m_subjects.link.replyLimit = m_values.replyLimit;
+    m_subjects.reporter.reports = m_values.reports;
     if (!m_subjects.codePage.use(m_values.codePage)) {
         m_values.codePage = CodePage::usual;
         m_subjects.codePage.use(m_values.codePage);

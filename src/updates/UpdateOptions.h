@@ -1,5 +1,7 @@
 #pragma once
 
+#include "diagnostics/report/Reporter.h"
+
 #include <QString>
 
 #include <chrono>
@@ -21,6 +23,7 @@ struct OptionValues
     std::string codePage;                ///< of the host, one of `codePageTables`
     QString makerHost;                   ///< empty for the one that is built in; counts from the next start on
     QString updateKey;                   ///< public key of the update location; empty for none
+    ReportMode reports = ReportMode::ByThemselves;
 
     bool operator==(const OptionValues&) const = default;
 };
@@ -40,6 +43,7 @@ public:
         UpdateAgent& agent;
         clsWinSock& link;
         CodePage& codePage;
+        Reporter& reporter;
     };
 
     explicit UpdateOptions(Subjects subjects) : m_subjects(subjects) {}

@@ -105,6 +105,13 @@ QGroupBox* qrvrcOptions::buildProgram()
     for (const CodePageTable& table : codePageTables)
         cboCodePage->addItem(titleOf(table), QByteArray(table.name.data(), static_cast<qsizetype>(table.name.size())));
     addRow(form, u"&Code Page of the Host:"_s, cboCodePage, u"cboCodePage"_s);
+    cboErrorReports = new QComboBox;
+    for (const auto& [mode, text] :
+         {std::pair(ReportMode::ByThemselves, u"Sent by themselves"_s), std::pair(ReportMode::AskedFor, u"Asked for"_s),
+          std::pair(ReportMode::Never, u"Never"_s)})
+        cboErrorReports->addItem(text, static_cast<int>(mode));
+    cboErrorReports->setToolTip(u"Whether reports of errors go to the maker; neither paths nor names are in them"_s);
+    addRow(form, u"&Error Reports:"_s, cboErrorReports, u"cboErrorReports"_s);
     txtMakerHost = new QLineEdit;
     txtMakerHost->setPlaceholderText(u"The one that is built in"_s);
     txtMakerHost->setToolTip(u"Web host for the built-in update locations, the news and error reports"_s);
@@ -138,6 +145,7 @@ void qrvrcOptions::show(const OptionValues& values)
     chkCheckForUpdates->setChecked(values.automatic);
     txtReplyTimeout->setValue(static_cast<int>(values.replyLimit.count()));
     cboCodePage->setCurrentIndex(cboCodePage->findData(QByteArray::fromStdString(values.codePage)));
+    cboErrorReports->setCurrentIndex(cboErrorReports->findData(static_cast<int>(values.reports)));
     txtMakerHost->setText(values.makerHost);
     txtUpdateKey->setText(values.updateKey);
 }
@@ -157,7 +165,8 @@ OptionValues qrvrcOptions::typed() const
             .replyLimit = std::chrono::seconds(txtReplyTimeout->value()),
             .codePage = cboCodePage->currentData().toByteArray().toStdString(),
             .makerHost = txtMakerHost->text().trimmed(),
-            .updateKey = txtUpdateKey->text().trimmed()};
+            .updateKey = txtUpdateKey->text().trimmed(),
+            .reports = static_cast<ReportMode>(cboErrorReports->currentData().toInt())};
 }
 
 void qrvrcOptions::complainOf(QLineEdit* field, const QString& fault)

@@ -43,6 +43,7 @@ private:
     QCheckBox* chkCheckForUpdates = nullptr;
     QSpinBox* txtReplyTimeout = nullptr;
     QComboBox* cboCodePage = nullptr;
+    QComboBox* cboErrorReports = nullptr;
     QLineEdit* txtMakerHost = nullptr;
     QLineEdit* txtUpdateKey = nullptr;
     ImageButton* cmdSave = nullptr;

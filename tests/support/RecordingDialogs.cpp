@@ -1,5 +1,7 @@
 #include "support/RecordingDialogs.h"
 
+#include "diagnostics/report/TrappedError.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -24,12 +26,14 @@ bool RecordingDialogs::confirm(const QString& title, const QString& question)
     return answer;
 }
 
-void RecordingDialogs::showTrapped(const QString& title, const QString& errorText, const ReportDelivery& deliver)
+void RecordingDialogs::showTrapped(const QString& title, const std::shared_ptr<TrappedError>& error)
 {
-    boxes.append({title, errorText});
-    deliver([this](bool delivered) { deliveries.append(delivered); });
-    if (whileOpen)
-        whileOpen();
+    trapped.append(error);
+    QObject::connect(error.get(), &TrappedError::changed, error.get(), [this, shown = error.get()] {
+        if (shown->report() == TrappedError::Report::Delivered || shown->report() == TrappedError::Report::Failed)
+            deliveries.append(shown->report() == TrappedError::Report::Delivered);
+    });
+    open(title, error->text());
 }
 
 qsizetype RecordingDialogs::count(const QString& title) const

@@ -1,15 +1,17 @@
 #include "ui/Dialogs.h"
 
+#include "diagnostics/report/TrappedError.h"
+
 #include <QApplication>
-#include <QLabel>
+#include <QClipboard>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
 #include <memory>
 #include <optional>
-#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
@@ -33,8 +35,6 @@ void whenOpen(Act act)
     });
 }
 
-using Answer = std::function<void(bool)>;
-
 } // namespace
 
 class DialogsTest : public QObject
@@ -54,7 +54,9 @@ private Q_SLOTS:
             QCOMPARE(box.textFormat(), Qt::PlainText);
             QCOMPARE(box.icon(), QMessageBox::NoIcon);
             QCOMPARE(box.standardButtons(), QMessageBox::StandardButtons(QMessageBox::Ok));
-            QVERIFY(box.textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
+            auto* text = box.findChild<QPlainTextEdit*>();
+            QVERIFY(text->isVisible() && text->isReadOnly());
+            QVERIFY(!text->hasFocus());
         });
         dialogs.show(u"Failed!"_s, u"<b>one</b>\r\n\r\ntwo"_s);
         QCOMPARE(seen, 1);
@@ -72,10 +74,16 @@ private Q_SLOTS:
         QFETCH(const QString, text);
         Dialogs dialogs;
         QSize size;
-        whenOpen([&size](QMessageBox& box) {
+        whenOpen([&](QMessageBox& box) {
             size = box.size();
-            for (const QLabel* const label : box.findChildren<QLabel*>())
-                QVERIFY(label->minimumSizeHint().width() <= label->width()); // nothing is cut off at its side
+            auto* shown = box.findChild<QPlainTextEdit*>();
+            QVERIFY(shown->document()->idealWidth() <= shown->width()); // nothing is cut off at its side
+            shown->selectAll();
+            shown->copy();
+            QString copied = QApplication::clipboard()->text();
+            const bool isCut = copied.endsWith(u'…');
+            copied.chop(isCut ? 1 : 0);
+            QVERIFY(isCut && QString(text).remove(u'\r').startsWith(copied)); // as it was
         });
         dialogs.show(u"Error!"_s, text);
         QVERIFY(!size.isEmpty());
@@ -147,34 +155,51 @@ private Q_SLOTS:
         const QString error = u"Error Line: 410\r\nError 91: x\r\nFunction/Sub: HandleData"_s;
         const QString shownError = u"Error Line: 410\nError 91: x\nFunction/Sub: HandleData\n\n"_s;
         Dialogs dialogs;
-        Answer answer;
-        QString textAtStart;
-        QString textAtEnd;
+        const auto trapped = std::make_shared<TrappedError>(error);
+        QStringList texts;
+        const auto finish = [&] {
+            trapped->setReport(delivered ? TrappedError::Report::Delivered : TrappedError::Report::Failed);
+        };
+        if (atOnce)
+            finish();
         whenOpen([&](QMessageBox& box) {
+            texts += box.text();
             if (!atOnce)
-                answer(delivered);
-            textAtEnd = box.text();
+                finish();
+            trapped->happenAgain();
+            texts += box.findChild<QPlainTextEdit*>()->toPlainText();
         });
-        dialogs.showTrapped(u"QRVRC Error!"_s, error, [&](Answer callback) {
-            textAtStart = openBox() ? openBox()->text() : QString();
-            if (atOnce)
-                callback(delivered);
-            answer = callback;
-        });
-        QCOMPARE(textAtStart, shownError + u"Sending the error report..."_s); // the box is up before the sending starts
-        QCOMPARE(textAtEnd, shownError + line);
-        answer(!delivered); // long after the box: nothing left to write to
+        dialogs.showTrapped(u"QRVRC Error!"_s, trapped);
+        QCOMPARE(texts, QStringList({shownError + (atOnce ? line : u"Sending the error report..."_s),
+                                     shownError + u"2 times\n"_s + line}));
+        finish(); // long after the box: nothing left to write to
     }
 
-    void aBoxGoesWithItsFailureOrItsWindow()
+    void anOfferedReportIsSentFromItsBoxOnce()
+    {
+        Dialogs dialogs;
+        const auto trapped = std::make_shared<TrappedError>(u"x"_s);
+        int sent = 0;
+        trapped->offerReport([&sent] { ++sent; });
+        whenOpen([&](QMessageBox& box) {
+            auto* send = box.findChild<QPushButton*>(u"cmdSendReport"_s);
+            QVERIFY(send && box.text().endsWith(u"Error Report Sent: Not yet"_s));
+            for (int click = 0; click < 2; ++click)
+                QTest::mouseClick(send, Qt::LeftButton);
+            QVERIFY(box.isVisible());
+            QVERIFY(box.text().endsWith(u"Sending the error report..."_s));
+            QTest::keyClick(&box, Qt::Key_Return);
+            QVERIFY(!box.isVisible());
+        });
+        dialogs.showTrapped(u"QRVRC Error!"_s, trapped);
+        QCOMPARE(sent, 1);
+    }
+
+    void aBoxGoesWithItsWindow()
     {
         auto mainWindow = std::make_unique<QWidget>();
         mainWindow->show();
         Dialogs dialogs(mainWindow.get());
-        QVERIFY_THROWS_EXCEPTION(std::runtime_error, dialogs.showTrapped(u"t"_s, u"x"_s, [](Answer) {
-            throw std::runtime_error("no report");
-        }));
-        QVERIFY(!openBox());
         bool gone = false;
         whenOpen([&](QMessageBox&) {
             mainWindow.reset();

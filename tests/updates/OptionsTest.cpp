@@ -81,14 +81,17 @@ private Q_SLOTS:
         options.desk.control<QSpinBox>(u"txtReplyTimeout"_s).setValue(90);
         auto& page = options.desk.control<QComboBox>(u"cboCodePage"_s);
         page.setCurrentIndex(page.findData("windows-1251"_ba));
+        options.desk.control<QComboBox>(u"cboErrorReports"_s).setCurrentText(u"Never"_s);
+        QCOMPARE(options.desk.core().reporter.reports, ReportMode::ByThemselves);
         options.desk.click(u"cmdSave"_s);
         QVERIFY(options.desk.boxes.boxes == QList{saved});
         const QByteArray file = options.desk.bytesOf(settings);
         for (const char* line : {"NewsUpdate=Day\r\n", "UpdateUrl=http://host/x\r\n", "CheckForUpdates=1\r\n",
-                                 "ReplyTimeout=90\r\n", "CodePage=windows-1251\r\n"})
+                                 "ReplyTimeout=90\r\n", "CodePage=windows-1251\r\n", "ErrorReports=Never\r\n"})
             QVERIFY2(file.contains(line), file);
         QCOMPARE(options.desk.core().updates.location, u"http://host/x"_s);
         QVERIFY(options.desk.link().replyLimit == 90s);
+        QCOMPARE(options.desk.core().reporter.reports, ReportMode::Never);
         QCOMPARE(options.desk.core().codePage.toText("\xCF"), u"\u041F"_s);
         QCOMPARE(options.desk.core().codePage.toBytes(u"\u041F"), std::string("\xCF"));
         QCOMPARE(options.desk.core().codePage.firstForeign(u"a\u00CF"), u"\u00CF"_s);

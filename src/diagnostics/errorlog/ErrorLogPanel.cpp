@@ -3,19 +3,19 @@
 #include "client/Client.h"
 #include "diagnostics/errorlog/ErrorReportPreview.h"
 #include "diagnostics/report/Reporter.h"
-#include "platform/system/CodePage.h"
+#include "platform/system/Background.h"
+#include "profiles/viewer/LinedText.h"
+#include "profiles/viewer/TextPane.h"
 #include "store/ErrorLogText.h"
 #include "store/clsMFD.h"
 #include "ui/ImageButton.h"
 
-#include <QDeadlineTimer>
-#include <QFontDatabase>
 #include <QLabel>
-#include <QPlainTextEdit>
-#include <QTextCursor>
+#include <QScopeGuard>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -29,14 +29,10 @@ constexpr int noteHeight = 20;
 constexpr int buttonGap = 8;
 constexpr int buttonWidth = 150;
 
-constexpr auto sliceTime = 8ms; // of an event-loop turn that fills the text box
-constexpr std::size_t sliceBytes = 16 * 1024;
+constexpr std::uintmax_t maxDirectBytes = 1 << 20; // of a log that is read at once
+constexpr auto refreshTime = 100ms;
 
-/// Characters that a piece takes up in the text box, where a line break is one.
-int shownLength(std::string_view piece)
-{
-    return static_cast<int>(piece.size() - static_cast<std::size_t>(std::count(piece.begin(), piece.end(), '\n')));
-}
+const QString emptyLog = u"The error log is empty."_s;
 
 QString reportCount(std::size_t count)
 {
@@ -53,7 +49,8 @@ ErrorLogPanel::ErrorLogPanel(Client& client, const ErrorReportPage& page, QWidge
       m_pageAddress(page.url.toString())
 {
     setObjectName(u"fmeErrors"_s);
-    m_filling.setInterval(0);
+    m_refresh.setInterval(refreshTime);
+    m_refresh.setSingleShot(true);
     buildControls();
     layOut();
     wireSignals();
@@ -62,16 +59,10 @@ ErrorLogPanel::ErrorLogPanel(Client& client, const ErrorReportPage& page, QWidge
 
 void ErrorLogPanel::buildControls()
 {
-    txtErrLog = new QPlainTextEdit(this);
+    txtErrLog = new TextPane(m_client.codePage, this);
     txtErrLog->setObjectName(u"txtErrLog"_s);
     txtErrLog->setAccessibleName(u"Error Log"_s);
-    txtErrLog->setReadOnly(true);
-    txtErrLog->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    txtErrLog->setUndoRedoEnabled(false);
-    txtErrLog->setLineWrapMode(QPlainTextEdit::NoWrap);
-    txtErrLog->setTabChangesFocus(true);
-    txtErrLog->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    txtErrLog->setPlaceholderText(u"The error log is empty."_s);
+    txtErrLog->setMessage(emptyLog);
     lblErrLog = new QLabel(this);
     lblErrLog->setObjectName(u"lblErrLog"_s);
     lblErrLog->setTextFormat(Qt::PlainText);
@@ -120,58 +111,80 @@ void ErrorLogPanel::wireSignals()
     connect(cmdClearErrors, &ImageButton::activated, this, trapped("cmdClearErrors", &ErrorLogPanel::clear));
     connect(cmdStopErrors, &ImageButton::activated, m_sender, &ErrorLogSender::stop);
     connect(cmdCloseErrors, &ImageButton::activated, this, &ErrorLogPanel::closePanel);
-    connect(&m_filling, &QTimer::timeout, this, &ErrorLogPanel::fillOn);
+    connect(&m_reading, &QFutureWatcherBase::finished, this, trapped("cmdViewErrors", &ErrorLogPanel::takeLarge));
+    connect(&m_refresh, &QTimer::timeout, this, &ErrorLogPanel::showLog);
     connect(m_sender, &ErrorLogSender::sending, this, [this](std::size_t number, std::size_t count) {
         lblErrLog->setText(u"Sending report %1 of %2..."_s.arg(number).arg(count));
     });
-    connect(m_sender, &ErrorLogSender::delivered, this, &ErrorLogPanel::removePiece);
+    connect(m_sender, &ErrorLogSender::delivered, this, [this] {
+        if (!m_refresh.isActive())
+            m_refresh.start();
+    });
     connect(m_sender, &ErrorLogSender::finished, this, &ErrorLogPanel::concludeSending);
 }
 
 void ErrorLogPanel::view()
 {
-    if (!m_sender->isSending())
+    if (!m_sender->isSending() && !m_isReading)
         m_client.reporter.trap("cmdViewErrors", [this] {
             m_note.clear();
-            if (m_log.load())
-                showLog();
+            std::error_code none;
+            if (std::filesystem::file_size(m_log.file(), none) > maxDirectBytes && !none) {
+                readLarge();
+            } else if (Loaded loaded = load(m_log.file()); loaded.contents) {
+                m_log.adopt(std::move(loaded.contents));
+                showText(std::move(loaded.text));
+            }
         });
     show();
     applyState();
 }
 
-void ErrorLogPanel::showLog()
+ErrorLogPanel::Loaded ErrorLogPanel::load(const std::filesystem::path& file)
 {
-    txtErrLog->clear();
-    m_filled = 0;
-    m_filledPart = 0;
-    fillOn();
+    std::shared_ptr<ErrorLog::Contents> contents = ErrorLog::read(file);
+    auto text = std::make_shared<const LinedText>(contents ? contents->text : std::string());
+    return {std::move(contents), std::move(text)};
 }
 
-/// Puts more of the log into the text box; a short log is there at once.
-void ErrorLogPanel::fillOn()
+void ErrorLogPanel::readLarge()
 {
-    const QDeadlineTimer over(sliceTime);
-    QTextCursor end(txtErrLog->document());
-    end.movePosition(QTextCursor::End);
-    const std::vector<std::string_view>& pieces = m_log.pieces();
-    while (m_filled < pieces.size() && !over.hasExpired()) {
-        // A log without order may be one huge piece. A line break is not torn apart.
-        std::string_view slice = pieces[m_filled].substr(m_filledPart, sliceBytes);
-        if (slice.ends_with('\r'))
-            slice = pieces[m_filled].substr(m_filledPart, slice.size() + 1);
-        end.insertText(m_client.codePage.toText(slice));
-        m_filledPart += slice.size();
-        if (m_filledPart == pieces[m_filled].size()) {
-            m_filledPart = 0;
-            ++m_filled;
-        }
-    }
-    if (m_filled < pieces.size())
-        m_filling.start();
-    else
-        m_filling.stop();
+    m_isReading = true;
+    txtErrLog->setMessage(u"Reading the log..."_s);
+    m_reading.setFuture(inBackground([file = m_log.file()] { return load(file); }));
+}
+
+void ErrorLogPanel::takeLarge()
+{
+    if (!std::exchange(m_isReading, false))
+        return; // the end of no log
+    const auto isOver = qScopeGuard([this] {
+        m_reading.setFuture({}); // it keeps a share of the log otherwise
+        applyState();
+    });
+    txtErrLog->setMessage({});
+    const Loaded loaded = m_reading.result();
+    if (!loaded.contents)
+        return;
+    m_log.adopt(loaded.contents);
+    showText(loaded.text);
+}
+
+/// Shows what is left of the log.
+void ErrorLogPanel::showLog()
+{
+    m_refresh.stop();
+    std::string left;
+    for (const std::string_view piece : m_log.pieces())
+        left += piece;
+    showText(std::make_shared<const LinedText>(std::move(left)));
     applyState();
+}
+
+void ErrorLogPanel::showText(std::shared_ptr<const LinedText> text)
+{
+    txtErrLog->setMessage(text->size() == 0 ? emptyLog : QString());
+    txtErrLog->setText(std::move(text));
 }
 
 void ErrorLogPanel::send()
@@ -184,28 +197,15 @@ void ErrorLogPanel::send()
         cmdStopErrors->setFocus();
 }
 
-void ErrorLogPanel::removePiece(std::size_t piece, std::string_view text)
-{
-    int before = 0;
-    for (std::size_t index = 0; index < piece; ++index)
-        before += shownLength(m_log.pieces()[index]);
-    QTextCursor cursor(txtErrLog->document());
-    cursor.setPosition(before);
-    cursor.setPosition(before + shownLength(text), QTextCursor::KeepAnchor);
-    cursor.removeSelectedText();
-    --m_filled;
-}
-
 void ErrorLogPanel::concludeSending(ErrorLogSender::End end)
 {
     const bool hadKeyboard = cmdStopErrors->hasFocus();
     ErrorLog::FileFate fate = ErrorLog::FileFate::Stays;
     m_client.reporter.trap("cmdSendErrors", [&] {
-        const bool hadTwins = m_log.takeTwins();
+        m_log.takeTwins();
         fate = m_log.settleFile();
-        if (hadTwins || fate == ErrorLog::FileFate::HoldsNewOnly)
-            showLog();
     });
+    showLog();
     const auto delivered = static_cast<std::size_t>(m_sender->deliveredCount());
     QString text = delivered == 0 ? u"No report was delivered."_s : reportCount(delivered) + u" delivered."_s;
     if (end == ErrorLogSender::End::NoAnswer)
@@ -262,13 +262,12 @@ void ErrorLogPanel::closePanel()
 void ErrorLogPanel::applyState()
 {
     const bool isSending = m_sender->isSending();
-    const bool isFilling = m_filling.isActive();
-    const bool hasText = !isFilling && !m_log.isBlank();
+    const bool hasText = !m_isReading && !m_log.isBlank();
     cmdSendErrors->setEnabled(hasText && !isSending);
     cmdShowReport->setEnabled(hasText && !isSending);
-    cmdClearErrors->setEnabled(!isFilling);
+    cmdClearErrors->setEnabled(!m_isReading);
     cmdClearErrors->setVisible(!isSending);
     cmdStopErrors->setVisible(isSending);
     if (!isSending)
-        lblErrLog->setText(isFilling ? u"Reading the log..."_s : m_note);
+        lblErrLog->setText(m_isReading ? u"Reading the log..."_s : m_note);
 }

@@ -3,16 +3,20 @@
 #include "diagnostics/errorlog/ErrorLogSender.h"
 #include "store/ErrorLog.h"
 
+#include <QFutureWatcher>
 #include <QGroupBox>
 #include <QTimer>
 
+#include <memory>
+
 class ImageButton;
+class LinedText;
 class QLabel;
-class QPlainTextEdit;
+class TextPane;
 struct Client;
 
 /// The frame "Error Log": shows the log, clears it, lets the administrator see what a report would tell, and sends the
-/// reports. A log of any size is filled in slices, so that the program stays usable meanwhile.
+/// reports. A large log is read in another thread, so that the program stays usable meanwhile.
 class ErrorLogPanel : public QGroupBox
 {
     Q_OBJECT
@@ -32,10 +36,11 @@ private:
     void buildControls();
     void layOut();
     void wireSignals();
+    void readLarge();
+    void takeLarge();
     void showLog();
-    void fillOn();
+    void showText(std::shared_ptr<const LinedText> text);
     void send();
-    void removePiece(std::size_t piece, std::string_view text);
     void concludeSending(ErrorLogSender::End end);
     void previewReports();
     void clear();
@@ -46,12 +51,20 @@ private:
     ErrorLog m_log;
     ErrorLogSender* m_sender;
     QString m_pageAddress;
-    QTimer m_filling;
-    std::size_t m_filled = 0;     ///< pieces that are in the text box
-    std::size_t m_filledPart = 0; ///< bytes of the next piece that are
-    QString m_note;               ///< what the last action has to say
+    /// A log as it was read, and as it is shown.
+    struct Loaded
+    {
+        std::shared_ptr<ErrorLog::Contents> contents; ///< null when there is no log
+        std::shared_ptr<const LinedText> text;
+    };
+    static Loaded load(const std::filesystem::path& file);
 
-    QPlainTextEdit* txtErrLog = nullptr;
+    QFutureWatcher<Loaded> m_reading;
+    bool m_isReading = false;
+    QTimer m_refresh; ///< shows what is left, at times, while reports are going out
+    QString m_note;   ///< what the last action has to say
+
+    TextPane* txtErrLog = nullptr;
     QLabel* lblErrLog = nullptr;
     ImageButton* cmdSendErrors = nullptr;
     ImageButton* cmdShowReport = nullptr;

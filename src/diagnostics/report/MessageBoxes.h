@@ -2,11 +2,9 @@
 
 #include <QString>
 
-#include <functional>
+#include <memory>
 
-/// Starts the delivery of an error report; calls back once, at most ten seconds later, with whether it was delivered.
-/// The callback may come at once, later, or never when the program ends first.
-using ReportDelivery = std::function<void(std::function<void(bool delivered)>)>;
+class TrappedError;
 
 /// The modal boxes through which the program talks to its user. The real ones are windows; whoever needs to know what
 /// would have been shown hands in its own.
@@ -19,7 +17,24 @@ public:
     virtual void show(const QString& title, const QString& text) = 0;
     /// Asks a question with the buttons Yes and No. @return whether the answer was Yes; closing the box means No
     virtual bool confirm(const QString& title, const QString& question) = 0;
-    /// Shows a trapped error at once, starts `deliver` and completes the box's last line with its outcome, so that an
-    /// error page that does not answer holds nobody up; returns when the user closes it.
-    virtual void showTrapped(const QString& title, const QString& errorText, const ReportDelivery& deliver) = 0;
+    /// Shows a trapped error and follows its changes, with a button for a report that is offered; returns when the user
+    /// closes it.
+    virtual void showTrapped(const QString& title, const std::shared_ptr<TrappedError>& error) = 0;
+
+    /// Until as many calls of `release`, boxes are shown later, from the event loop, where these can do that.
+    virtual void hold() {}
+    virtual void release() {}
+};
+
+/// Holds boxes back while it lives: what runs is not to be held up by its user.
+class BoxHold
+{
+public:
+    explicit BoxHold(MessageBoxes& boxes) : m_boxes(boxes) { m_boxes.hold(); }
+    ~BoxHold() { m_boxes.release(); }
+    BoxHold(const BoxHold&) = delete;
+    BoxHold& operator=(const BoxHold&) = delete;
+
+private:
+    MessageBoxes& m_boxes;
 };

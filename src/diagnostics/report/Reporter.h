@@ -1,17 +1,21 @@
 #pragma once
 
 #include "base/RuntimeError.h"
+#include "diagnostics/report/ErrorBrake.h"
 
 #include <QString>
 
-#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 class clsMFD;
 class CodePage;
 class MessageBoxes;
+class TrappedError;
+struct ErrorReportRecord;
 
 enum class MessageKind : quint8 {
     Error = 0,          ///< "Error!"
@@ -21,14 +25,29 @@ enum class MessageKind : quint8 {
     Trapped = 4,        ///< the end of an error trap: logged, reported and shown
 };
 
+/// What sends the reports of trapped errors.
+enum class ReportMode {
+    ByThemselves,
+    AskedFor, ///< the user, from the error's box
+    Never,
+};
+
 /// The one way in which the program speaks to its user about outcomes and errors.
 class Reporter
 {
 public:
     /// All outlive the reporter.
     /// @param version  the program's four-part version
-    Reporter(const clsMFD& store, MessageBoxes& boxes, const CodePage& codePage, std::string version);
+    Reporter(const clsMFD& store, MessageBoxes& boxes, const CodePage& codePage, std::string version,
+             const Bounds& bounds = {});
 
+    /// How reports go out from now on. A setting.
+    ReportMode reports = ReportMode::ByThemselves;
+    /// What the reporter shows its boxes with.
+    MessageBoxes& boxes() { return m_boxes; }
+
+    /// Errors with equal procedure, number and description are counted in the box of the first of them while that is
+    /// open, and are logged and reported once within `Bounds::equalErrorsPeriod`.
     /// @param text   the message; for `Trapped` the fixed name of the procedure that trapped `error`
     /// @param error  logged whatever the kind; none for the kinds 0 to 3
     /// @param line   the line that noticed the error; 0 without one
@@ -67,11 +86,25 @@ public:
 private:
     static RuntimeError asRuntimeError(const std::exception& fault);
     QString errorText(const QString& procedure, const RuntimeError* error, qint32 line) const;
-    void showTrapped(const QString& procedure, const QString& text, const RuntimeError* error, qint32 line);
+    void handleTrapped(const QString& procedure, const RuntimeError* error, qint32 line);
+    std::optional<std::size_t> log(const ErrorKey& key, const QString& procedure, const RuntimeError* error,
+                                   qint32 line);
+    void report(const std::shared_ptr<TrappedError>& trapped, ErrorReportRecord record);
+    void send(const std::shared_ptr<TrappedError>& trapped, const ErrorReportRecord& record);
+    std::shared_ptr<TrappedError> shownOf(const ErrorKey& key);
+
+    /// An error whose box waits or is open.
+    struct Shown
+    {
+        ErrorKey key;
+        std::weak_ptr<TrappedError> error;
+    };
 
     const clsMFD& m_store;
     MessageBoxes& m_boxes;
     const CodePage& m_codePage;
     std::string m_version;
+    ErrorBrake m_brake;
+    std::vector<Shown> m_shown;
     bool m_shuttingDown = false;
 };

@@ -2,6 +2,8 @@
 
 #include "platform/system/FileBytes.h"
 #include "practice/web/WebSide.h"
+#include "profiles/viewer/LinedText.h"
+#include "profiles/viewer/TextPane.h"
 #include "store/ErrorLogText.h"
 #include "support/ClientRig.h"
 #include "support/Pane.h"
@@ -41,7 +43,11 @@ struct Rig : ClientRig
     Pane pane() { return Pane(*help); }
     QWidget& control(const QString& name) { return pane().control(name); }
     void click(const QString& name) { pane().click(name); }
-    QString shown() { return pane().text(u"txtErrLog"_s); }
+    QString shown()
+    {
+        const TextPane& log = pane().control<TextPane>(u"txtErrLog"_s);
+        return log.characters(0, log.text()->size()).replace(u"\r\n"_s, u"\n"_s);
+    }
     void logError(const char* detail)
     {
         store.LogError("QRVV3RC.exe", "HandleData", RuntimeError(ErrorNumber::TypeMismatch, detail), 410);

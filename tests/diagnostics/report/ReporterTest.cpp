@@ -1,4 +1,5 @@
 #include "app/ClientCore.h"
+#include "diagnostics/report/TrappedError.h"
 #include "link/InterfaceLock.h"
 #include "platform/system/FileBytes.h"
 #include "practice/web/WebSide.h"
@@ -9,6 +10,7 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -21,13 +23,15 @@ struct Rig : LockableInterface
     std::unique_ptr<ClientCore> core;
     RuntimeError error{ErrorNumber::ObjectNotSet};
 
-    Rig()
+    explicit Rig(const Bounds& bounds = {})
     {
         if (!web.listen())
             qFatal("the web host has no port");
-        core = std::make_unique<ClientCore>(
-            Setup{.folder = directory.path().toStdU16String(), .makerHost = web.base(), .version = "3.0.1.17"}, boxes,
-            *this, ClientCore::HelpOpener());
+        core = std::make_unique<ClientCore>(Setup{.folder = directory.path().toStdU16String(),
+                                                  .makerHost = web.base(),
+                                                  .version = "3.0.1.17",
+                                                  .bounds = bounds},
+                                            boxes, *this, ClientCore::HelpOpener());
     }
     void lockInterface() override {}
     void unlockInterface() override {}
@@ -108,6 +112,91 @@ private Q_SLOTS:
         QVERIFY(rig.boxes.deliveries.isEmpty());
         rig.core.reset(); // a program that ends first is not called back
         QVERIFY(rig.boxes.deliveries.isEmpty());
+    }
+
+    void howManyAndHowOften_data()
+    {
+        QTest::addColumn<int>("different"); // errors, while a box is open
+        QTest::addColumn<int>("times");     // of each
+        QTest::addColumn<int>("boxes");
+        QTest::addColumn<int>("reports");
+        QTest::newRow("equal ones") << 1 << 100 << 1 << 1;
+        QTest::newRow("all reports of a minute") << 5 << 3 << 5 << 5;
+        QTest::newRow("one report more") << 6 << 1 << 6 << 5;
+        QTest::newRow("a full line") << 9 << 2 << 9 << 5;
+        QTest::newRow("one box more, and the sum") << 10 << 1 << 10 << 5;
+        QTest::newRow("far too many") << 500 << 2 << 10 << 5;
+    }
+    void howManyAndHowOften()
+    {
+        QFETCH(const int, different);
+        QFETCH(const int, times);
+        Rig rig;
+        int depth = 0;
+        rig.boxes.whileOpen = [&] {
+            QCOMPARE(++depth, 1);
+            if (rig.boxes.boxes.size() == 1) {
+                for (int count = 1; count < times * different; ++count)
+                    rig.reporter().ReportMsg(MessageKind::Trapped, u"P%1"_s.arg(count % different), &rig.error, 1);
+                if (different <= 9)
+                    QCOMPARE(rig.boxes.trapped.constFirst()->outcome().startsWith(u"%1 times\r\n"_s.arg(times)),
+                             times > 1);
+            }
+            --depth;
+        };
+        rig.reporter().ReportMsg(MessageKind::Trapped, u"P0"_s, &rig.error, 1);
+        QTEST(static_cast<int>(rig.boxes.boxes.size()), "boxes");
+        QCOMPARE(rig.log().count("Function: "), different);
+        QFETCH(const int, reports);
+        QTRY_COMPARE(rig.boxes.deliveries.size(), reports);
+        QCOMPARE(rig.web.reports().size(), reports);
+    }
+
+    void equalErrorsAreLoggedAgainWithTheirNumberWhenTheTimeIsOver()
+    {
+        const Bounds bounds;
+        ErrorBrake brake(bounds);
+        const ErrorKey error{"HandleData", 13, "x"};
+        const ErrorBrake::Time start;
+        const auto at = [&](std::chrono::seconds later) { return brake.admitError(error, start + later); };
+        using Count = std::optional<std::size_t>;
+        QCOMPARE(at(0s), Count(0));
+        QCOMPARE(at(1s), Count());
+        QCOMPARE(at(599s), Count());
+        QCOMPARE(at(600s), Count(2));
+        QCOMPARE(at(601s), Count());
+        QCOMPARE(brake.admitError({"HandleData", 13, "y"}, start), Count(0));
+        for (int report = 0; report < 5; ++report)
+            QCOMPARE(brake.admitReport(start), Count(0));
+        QCOMPARE(brake.admitReport(start + 59s), Count());
+        QCOMPARE(brake.admitReport(start + 60s), Count(1));
+    }
+
+    void reportsGoOutAsTheUserWants()
+    {
+        Rig rig;
+        rig.reporter().reports = ReportMode::Never;
+        rig.reporter().ReportMsg(MessageKind::Trapped, u"never"_s, &rig.error, 1);
+        rig.reporter().reports = ReportMode::AskedFor;
+        rig.reporter().ReportMsg(MessageKind::Trapped, u"asked"_s, &rig.error, 1);
+        QCOMPARE(rig.log().count("Function: "), 2);
+        rig.boxes.trapped.last()->sendOffered();
+        QTRY_COMPARE(rig.boxes.deliveries, QList{true});
+        QCOMPARE(rig.web.reports().size(), 1);
+        QVERIFY(rig.web.reports().constFirst().contains("|*|*|asked|*|*|"));
+    }
+
+    void messagesThatAreHeldComeBehind()
+    {
+        Rig rig;
+        {
+            const BoxHold held(rig.core->boxes);
+            rig.reporter().ReportMsg(MessageKind::Failed, u"one"_s);
+            rig.reporter().ReportMsg(MessageKind::Failed, u"two"_s);
+            QVERIFY(rig.boxes.boxes.isEmpty());
+        }
+        QTRY_COMPARE(rig.boxes.boxes.size(), 2);
+        QCOMPARE(rig.boxes.boxes.constLast().text, u"two"_s);
     }
 
     void aLogThatCannotBeWrittenStillShowsTheError()
