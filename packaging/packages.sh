@@ -9,7 +9,7 @@ declare -A packages=(
         g++                 # C++20
         libdeflate-dev      # expands compressed replies
         libmspack-dev       # reads help.chm
-        libssl-dev          # checksums and signatures of updates
+        libsodium-dev       # checksums and signatures of updates
         ninja-build         # builds, as the presets ask for
         pkgconf             # finds the libraries
         qt6-base-dev        # the client's windows and sockets, and the test library
@@ -58,7 +58,6 @@ declare -A packages=(
         cmake
         dpkg-dev            # unpacks source packages
         g++-mingw-w64-x86-64-posix  # compiles and links for Windows
-        make                # builds libcrypto, as it asks for
         ninja-build
         pkgconf
         qt6-base-dev        # Qt's CMake packages for the tools

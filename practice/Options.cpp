@@ -131,6 +131,7 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
          u"The web pages offer FILE as an update of the client's file NAME, such as qrvv3rc.exe. May be repeated."_s,
          u"NAME=VERSION=FILE"_s},
         {u"offer-plugin"_s, u"The same for a file of a plugin."_s, u"NAME=VERSION=FILE"_s},
+        {u"sign"_s, u"Signs what is offered, as release N, and tells the key on standard output."_s, u"N"_s},
         {u"news"_s, u"The news are the text of FILE."_s, u"FILE"_s},
         {u"misbehave-page"_s,
          u"Answers every request of the web page PAGE (* for all) with FAULT: %1. May be repeated."_s.arg(
@@ -173,6 +174,8 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
             options.updates += updateOf(text, true);
         for (const QString& text : parser.values(u"misbehave-page"_s))
             options.pageMisbehaviours += pageMisbehaviourOf(text);
+        if (parser.isSet(u"sign"_s))
+            options.serial = numberOf(parser, u"sign"_s, 0xFFFFFFFF);
         options.newsFile = parser.value(u"news"_s);
         return options;
     } catch (const BadUsage& bad) {

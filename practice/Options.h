@@ -62,7 +62,8 @@ struct Options
     RecoveryTool::Manner recoveryManner = RecoveryTool::Manner::Proper;
     QList<UpdateChoice> updates;
     QList<PageMisbehaviour> pageMisbehaviours;
-    QString newsFile; ///< empty for the usual news
+    QString newsFile;                   ///< empty for the usual news
+    std::optional<quint32> serial = {}; ///< of the signed manifest; none for no manifest
 };
 
 /// A text for standard output after which the program ends well.

@@ -125,6 +125,9 @@ int serve(QCoreApplication& app, const Options& options)
             tracker.answerAlways(misbehaviour.request, misbehaviour.fault);
         support.answerAlways(misbehaviour.request, misbehaviour.fault);
     }
+    const UpdateSigner signer;
+    if (options.serial)
+        web.updates().sign(signer, *options.serial);
     if (const QString fault = offerUpdates(web.updates(), options); !fault.isEmpty())
         return complain(fault);
     if (options.verbose) {
@@ -161,6 +164,8 @@ int serve(QCoreApplication& app, const Options& options)
     std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\nsupport link 127.0.0.1:%d\n", tracker.port(),
                 webBase.constData(), webBase.constData(), support.port());
     std::printf("recovery tool 127.0.0.1:%d\n", recovery.port());
+    if (options.serial)
+        std::printf("update key %s\n", signer.publicKey().constData());
     std::fflush(stdout);
     return QCoreApplication::exec();
 }

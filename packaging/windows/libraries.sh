@@ -61,31 +61,27 @@ make_libmspack() { # prefix, folder for the work
     describe_library "$1" libmspack "$(sed -nE 's/^AC_INIT.*\[([0-9.]+)(alpha)?\].*/\1/p' "$source/configure.ac")" mspack
 }
 
-# What checks sums and signatures of updates, without most of the rest.
-make_libcrypto() { # prefix, folder for the work
-    local source=$2/openssl without=(asm aria async autoload-config bf camellia cast cms comp ct dh dsa ec2m engine
-        gost idea legacy md4 mdc2 module ocb psk rc2 rc4 rc5 rmd160 scrypt seed shared siv sm2 sm3 sm4 sock srp ssl3
-        tests ts ui-console whirlpool)
-    unpack_source openssl "$source"
-    (
-        cd "$source" || exit
-        # shellcheck disable=SC2046 # one word an option
-        ./Configure mingw64 --cross-compile-prefix="$target-" CC=gcc-posix -Os $(printf 'no-%s ' "${without[@]}")
-        make -j"$(nproc)" build_generated
-        make -j"$(nproc)" libcrypto.a
-    ) >"$2/openssl.log" 2>&1
-    mkdir -p "$1/lib/pkgconfig" "$1/include"
-    cp "$source/libcrypto.a" "$1/lib/"
-    cp -r "$source/include/openssl" "$1/include/"
-    describe_library "$1" libcrypto "$(sed -nE 's/^# define OPENSSL_VERSION_STR "(.*)"/\1/p' \
-        "$source/include/openssl/opensslv.h")" "crypto -lws2_32 -lgdi32 -lcrypt32"
+# What checks sums and signatures of updates; in portable C, which is fast enough for it.
+make_libsodium() { # prefix, folder for the work
+    local source=$2/libsodium headers files
+    unpack_source libsodium "$source"
+    headers=$source/src/libsodium/include
+    cp "$source/builds/msvc/version.h" "$headers/sodium/" # elsewhere its configure script writes it
+    mapfile -t files < <(find "$source/src/libsodium" -name '*.c')
+    static_library "$1" libsodium -DCONFIGURED=1 -DSODIUM_STATIC -DNATIVE_LITTLE_ENDIAN=1 -DHAVE_TI_MODE=1 \
+        -I"$headers/sodium" -I"$headers" "${files[@]}"
+    cp -r "$headers/sodium" "$headers/sodium.h" "$1/include/"
+    describe_library "$1" libsodium \
+        "$(sed -nE 's/^#define SODIUM_VERSION_STRING "(.*)"/\1/p' "$headers/sodium/version.h")" sodium
+    # Its header takes it for a shared library otherwise.
+    sed -i 's/^Cflags:.*/& -DSODIUM_STATIC/' "$1/lib/pkgconfig/libsodium.pc"
 }
 
 # All of them, but what the prefix has already.
 make_libraries() { # prefix, folder for the work
     [[ -e $1/lib/pkgconfig/libdeflate.pc ]] || make_libdeflate "$1" "$2"
     [[ -e $1/lib/pkgconfig/libmspack.pc ]] || make_libmspack "$1" "$2"
-    [[ -e $1/lib/pkgconfig/libcrypto.pc ]] || make_libcrypto "$1" "$2"
+    [[ -e $1/lib/pkgconfig/libsodium.pc ]] || make_libsodium "$1" "$2"
 }
 
 # Qt as the client needs it: static, with the system's own TLS. Takes the better part of an hour on two cores.

@@ -1,5 +1,6 @@
 #include "practice/web/UpdatePages.h"
 
+#include <QCryptographicHash>
 #include <QHttpServer>
 #include <QHttpServerRequest>
 #include <QHttpServerResponder>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr qsizetype maxRequestsKept = 1000;
 const QByteArray pluginsBelow = "plugins/";
+const QByteArray manifestName = "qrvv3rc_manifest.txt";
 const QByteArray errorPage = "<html><body><h1>Page not found</h1></body></html>\n";
 
 /// The list's line by which clients know that it is one; the program that it offers is old.
@@ -176,6 +178,23 @@ QByteArray UpdatePages::listOf(const QList<OfferedFile>& files)
     return text;
 }
 
+void UpdatePages::sign(const UpdateSigner& signer, quint64 serial)
+{
+    m_signer = signer;
+    m_serial = serial;
+}
+
+QByteArray UpdatePages::manifest() const
+{
+    QByteArray text = "serial " + QByteArray::number(m_serial) + "\ndate 2026-01-31\n";
+    for (const OfferedFile& file : m_clientFiles + m_pluginFiles) {
+        text += QCryptographicHash::hash(file.body, QCryptographicHash::Sha256).toHex() + ' ' +
+                QByteArray::number(file.body.size()) + ' ' + (file.version.isEmpty() ? "-" : file.version) + ' ' +
+                file.folder + ' ' + file.name + '\n';
+    }
+    return text;
+}
+
 std::optional<QByteArray> UpdatePages::pageNamed(const QByteArray& name) const
 {
     if (const auto set = m_pages.constFind(name); set != m_pages.constEnd())
@@ -188,6 +207,10 @@ std::optional<QByteArray> UpdatePages::pageNamed(const QByteArray& name) const
     }
     if (name == pluginsBelow + "qrvv3rc_pluginlist.txt" || name == pluginsBelow + "qrvv3_pluginlist.txt")
         return "|\\Plugins\\|Plugin|\r\n" + listOf(m_pluginFiles);
+    if (m_signer && name == manifestName)
+        return manifest();
+    if (m_signer && name == manifestName + ".minisig")
+        return m_signer->signatureOf(pageNamed(manifestName).value_or(QByteArray()));
     const bool isPlugin = name.startsWith(pluginsBelow);
     const OfferedFile* file =
         isPlugin ? served(m_pluginFiles, name.mid(pluginsBelow.size())) : served(m_clientFiles, name);

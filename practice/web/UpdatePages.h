@@ -1,6 +1,7 @@
 #pragma once
 
 #include "practice/web/PageFault.h"
+#include "practice/web/UpdateSigner.h"
 
 #include <QHash>
 #include <QList>
@@ -42,6 +43,8 @@ public:
     void offerClientFile(const OfferedFile& file);
     /// Offers a file of a plugin. Its folder is "\Plugins\" unless it has one.
     void offerPluginFile(const OfferedFile& file);
+    /// Offers a manifest of all files, with its signature. Without this there is none.
+    void sign(const UpdateSigner& signer, quint64 serial);
     /// Serves a page with these bytes, whatever it would hold otherwise; found below the update locations by its name
     /// ("qrvv3rc_filelist.txt", "plugins/a.dll").
     void setPage(const QByteArray& name, const QByteArray& body) { m_pages.insert(name, body); }
@@ -62,6 +65,7 @@ Q_SIGNALS:
 private:
     void answer(const QByteArray& name, QHttpServerResponder&& responder);
     void misbehaveNow(const PageFault& fault, const QByteArray& body, QHttpServerResponder&& responder);
+    QByteArray manifest() const;
     std::optional<QByteArray> pageNamed(const QByteArray& name) const;
     PageFault faultOf(const QByteArray& name) const;
 
@@ -72,6 +76,8 @@ private:
     QHash<QByteArray, QByteArray> m_pages;
     QHash<QByteArray, PageFault> m_faults;
     QByteArray m_news;
+    std::optional<UpdateSigner> m_signer;
+    quint64 m_serial = 0;
     QList<QByteArray> m_requested;
     std::unique_ptr<Unfinished> m_unfinished;
 };

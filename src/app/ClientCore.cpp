@@ -38,6 +38,7 @@ ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxWindows, LockableInt
               .targets = updateTargets,
               .clientVersion = setup.version,
               .makerHost = setup.makerHost,
+              .builtInKey = setup.updateKey,
               .isInUse = [this](const std::filesystem::path& file) { return isLoadedPlugin(file); }}
 {}
 

@@ -45,6 +45,8 @@ struct Setup
     bool probesComponents = true;
     /// What it was started with, to be started with again after an update.
     std::vector<std::string> arguments = {};
+    /// Public key of the update locations, as minisign writes it; empty for none.
+    std::string updateKey = {};
     /// The boxes to speak through; null for real windows.
     MessageBoxes* boxes = nullptr;
     /// How much and how often the program takes from others.

@@ -5,19 +5,26 @@
 #include "link/LoginExchange.h"
 #include "updates/UpdateAgent.h"
 #include "updates/UpdateOptions.h"
+#include "updates/UpdateState.h"
 #include "updates/qrvrcOptions.h"
 #include "updates/qrvrcPlugins.h"
 #include "updates/qrvrcUpdate.h"
 
+#include <QWidget>
+
 using namespace Qt::StringLiterals;
 
-FrameUpdates::FrameUpdates(ClientCore& core, RestartOrder restart, QObject* frame)
+FrameUpdates::FrameUpdates(ClientCore& core, RestartOrder restart, QWidget* frame)
     : m_core(core),
       m_restart(std::move(restart)),
       m_agent(std::make_unique<UpdateAgent>(core.updates, core.client, core.updatesAvailable, frame)),
       m_options(std::make_unique<UpdateOptions>(
           UpdateOptions::Subjects{core.folder, core.updates, *m_agent, core.link, core.codePage, core.reporter}))
-{}
+{
+    core.updates.undoUpdate = [this, frame] {
+        return startUpdater(m_core.updateTargets, m_restart, {u"--restore"_s}) && frame->close();
+    };
+}
 
 FrameUpdates::~FrameUpdates() = default;
 
@@ -42,7 +49,7 @@ void FrameUpdates::load()
 
 void FrameUpdates::askAtStart()
 {
-    forgetReplaced(m_core.folder);
+    m_core.reporter.trap("MDIFormLoad", [this] { UpdateState(m_core.folder).noteTrial(false); });
     m_agent->askAtStart([this](bool core, bool plugins) {
         if (!core && !plugins)
             return;
@@ -70,6 +77,14 @@ bool FrameUpdates::updaterTakesOver()
         return false;
     case HandOver::UpdaterStarted:
         return true;
+    case HandOver::SetAside:
+        return false;
+    case HandOver::UpdaterSilent:
+        m_core.reporter.ReportMsg(
+            MessageKind::Failed,
+            u"Updates wait to be installed, but the program 'QRVV3Updater.exe', which was started for it, has not "
+            "done so. They stay in the folder 'Updates' and are tried again when another update has been downloaded."_s);
+        return false;
     case HandOver::UpdaterMissing:
         m_core.reporter.ReportMsg(
             MessageKind::Failed,

@@ -5,7 +5,6 @@
 #include <memory>
 
 class LoginExchange;
-class QObject;
 class QWidget;
 class UpdateAgent;
 class UpdateOptions;
@@ -18,7 +17,7 @@ public:
     /// @param core     outlives this
     /// @param restart  how the program is started again after an update
     /// @param frame    outlives this; timers and checks are found below it
-    FrameUpdates(ClientCore& core, RestartOrder restart, QObject* frame);
+    FrameUpdates(ClientCore& core, RestartOrder restart, QWidget* frame);
     ~FrameUpdates();
 
     /// Registers options, update and plugin windows.

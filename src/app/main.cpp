@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 #include "app/ComponentProbe.h"
+#include "app/Leftovers.h"
 #include "app/Look.h"
 #include "app/ShippedFiles.h"
 #include "app/qrvrcMain.h"
@@ -93,6 +94,7 @@ int run(Application& application, const CommandLine& line)
             return 0; // another instance uses the folder
         return complain("the folder '" + bytesOf(folder) + "' cannot be written to");
     }
+    sweepLeftovers(folder);
     try {
         fillAppFolder(AppFolder(folder), installationFolder(executable));
     } catch (const RuntimeError& error) {
@@ -104,7 +106,8 @@ int run(Application& application, const CommandLine& line)
                      .makerHost = makerHostFor(line, folder),
                      .version = QRVRC_VERSION,
                      .program = pathOf(QCoreApplication::applicationFilePath()),
-                     .arguments = restartArguments(line, folder)});
+                     .arguments = restartArguments(line, folder),
+                     .updateKey = QRVRC_UPDATE_KEY});
     application.reporter = &frame.core().reporter;
     if (!frame.MDIFormLoad())
         return 0;

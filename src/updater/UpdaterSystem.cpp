@@ -15,6 +15,8 @@ constexpr auto pollPause = std::chrono::milliseconds(50);
 FolderHold::FolderHold(std::filesystem::path file, int descriptor) : m_file(std::move(file)), m_descriptor(descriptor)
 {}
 
+StartedProgram::StartedProgram(std::intptr_t process) : m_process(process) {}
+
 bool waitForClient(const std::filesystem::path& folder, std::chrono::milliseconds limit)
 {
     const auto deadline = std::chrono::steady_clock::now() + limit;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,9 +43,28 @@ bool isHeld(const std::filesystem::path& file);
 /// @return whether it has become free within `limit`
 bool waitForClient(const std::filesystem::path& folder, std::chrono::milliseconds limit);
 
-/// Starts a program that outlives this one.
-/// @return whether there is such a program
-bool startProgram(const std::filesystem::path& program, const std::vector<std::string>& arguments);
+/// A program that was started and outlives this one.
+class StartedProgram
+{
+public:
+    /// @return nothing when there is no such program
+    static std::unique_ptr<StartedProgram> start(const std::filesystem::path& program,
+                                                 const std::vector<std::string>& arguments);
+    ~StartedProgram();
+    StartedProgram(const StartedProgram&) = delete;
+    StartedProgram& operator=(const StartedProgram&) = delete;
+
+    /// Its exit status once it has ended, not 0 when a fault ended it; nothing as long as it runs.
+    std::optional<int> exitStatus();
+
+private:
+    explicit StartedProgram(std::intptr_t process);
+
+    std::intptr_t m_process; ///< a process id, or a handle where the system has such
+};
+
+/// Whether a folder or file is this user's own, or nobody else could have put it there.
+bool isOwn(const std::filesystem::path& path);
 
 /// The folder that this executable lies in.
 std::filesystem::path ownFolder(const char* calledAs);

@@ -5,6 +5,8 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -41,7 +43,8 @@ FolderHold::~FolderHold()
     ::close(m_descriptor);
 }
 
-bool startProgram(const fs::path& program, const std::vector<std::string>& arguments)
+std::unique_ptr<StartedProgram> StartedProgram::start(const fs::path& program,
+                                                      const std::vector<std::string>& arguments)
 {
     std::vector<std::string> words{program.string()};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -57,7 +60,24 @@ bool startProgram(const fs::path& program, const std::vector<std::string>& argum
     pid_t process = 0;
     const int fault = ::posix_spawn(&process, program.c_str(), nullptr, &attributes, pointers.data(), environ);
     ::posix_spawnattr_destroy(&attributes);
-    return fault == 0;
+    return fault == 0 ? std::unique_ptr<StartedProgram>(new StartedProgram(process)) : nullptr;
+}
+
+StartedProgram::~StartedProgram() = default;
+
+std::optional<int> StartedProgram::exitStatus()
+{
+    int status = 0;
+    if (::waitpid(static_cast<pid_t>(m_process), &status, WNOHANG) <= 0)
+        return {};
+    constexpr int byFault = 128; // as shells count it
+    return WIFEXITED(status) ? WEXITSTATUS(status) : byFault + WTERMSIG(status);
+}
+
+bool isOwn(const fs::path& path)
+{
+    struct stat facts = {};
+    return ::stat(path.c_str(), &facts) == 0 && (facts.st_uid == ::geteuid() || facts.st_uid == 0);
 }
 
 fs::path ownFolder(const char* calledAs)

@@ -61,7 +61,8 @@ FolderHold::~FolderHold()
     fs::remove(m_file, ignored);
 }
 
-bool startProgram(const fs::path& program, const std::vector<std::string>& arguments)
+std::unique_ptr<StartedProgram> StartedProgram::start(const fs::path& program,
+                                                      const std::vector<std::string>& arguments)
 {
     std::wstring line = quoted(program.native());
     for (const std::string& argument : arguments)
@@ -70,9 +71,27 @@ bool startProgram(const fs::path& program, const std::vector<std::string>& argum
     start.cb = sizeof start;
     PROCESS_INFORMATION process{};
     if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process))
-        return false;
+        return nullptr;
     CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    return std::unique_ptr<StartedProgram>(new StartedProgram(reinterpret_cast<std::intptr_t>(process.hProcess)));
+}
+
+StartedProgram::~StartedProgram()
+{
+    CloseHandle(reinterpret_cast<HANDLE>(m_process));
+}
+
+std::optional<int> StartedProgram::exitStatus()
+{
+    DWORD status = 0;
+    if (!GetExitCodeProcess(reinterpret_cast<HANDLE>(m_process), &status) || status == STILL_ACTIVE)
+        return {};
+    return static_cast<int>(status);
+}
+
+/// Folders of other users cannot be written to here.
+bool isOwn(const fs::path&)
+{
     return true;
 }
 

@@ -7,11 +7,15 @@
 #include "store/AppFolder.h"
 #include "updater/UpdaterSystem.h"
 #include "updates/InstallUpdates.h"
+#include "updates/UpdateState.h"
 #include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"
 
+#include <chrono>
 #include <iostream>
+#include <optional>
 #include <string_view>
+#include <thread>
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
@@ -20,6 +24,8 @@ namespace {
 
 constexpr int badUsage = 2;
 constexpr auto clientLimit = 20s; // what the client may take to end
+constexpr auto trialLimit = 10s;  // what a new client may take to start
+constexpr auto trialPause = 50ms;
 
 // The client's checks for updates look for this in the file.
 [[gnu::used]] constexpr char fileVersionMark[] = "QRVRC-FILE-VERSION:" QRVRC_VERSION;
@@ -29,7 +35,7 @@ constexpr std::string_view help =
     "Installs the updates of the client that wait in the folder 'Updates' of the current\n"
     "folder, or of its own, and starts the client again.\n"
     "\n"
-    "  --restore   put back what the last updates replaced, until the client has started\n"
+    "  --restore   put back what the last update replaced\n"
     "  --version   print the version and end\n"
     "  --help      print this text and end\n";
 
@@ -39,13 +45,25 @@ int complain(std::string_view text, int status = 1)
     return status;
 }
 
-/// The current folder when the client has left something there for the updater, otherwise the updater's own.
-AppFolder programFolder(const char* calledAs)
+/// Whether a client keeps its state in the folder: it left an order to be started again there, or lies there itself.
+bool belongsToClient(const AppFolder& folder)
 {
-    AppFolder current(fs::current_path());
-    if (current.folderExists(updatesFolder) || current.folderExists(replacedFolder))
-        return current;
-    return AppFolder(updater::ownFolder(calledAs));
+    if (!updater::isOwn(folder.root()))
+        return false;
+    std::error_code fault;
+    if (fs::is_regular_file(folder.root() / updater::clientName, fault))
+        return true;
+    const fs::path program = readRestartOrder(folder).program;
+    return !program.empty() && fs::is_regular_file(program, fault) && updater::isOwn(program);
+}
+
+/// The current folder when a client has left something there for the updater, otherwise the updater's own.
+std::optional<AppFolder> programFolder(const char* calledAs)
+{
+    const AppFolder current(fs::current_path());
+    const bool isMeant = current.folderExists(updatesFolder) || current.folderExists(replacedFolder);
+    const AppFolder folder = isMeant ? current : AppFolder(updater::ownFolder(calledAs));
+    return belongsToClient(folder) ? std::optional(folder) : std::nullopt;
 }
 
 /// The client that asked to be started again; without such an order, the one beside this program.
@@ -63,22 +81,53 @@ RestartOrder restartOrder(const AppFolder& folder, const char* calledAs)
     return order;
 }
 
+/// Starts the client, and watches its first seconds when it has never started before.
+/// @return whether it runs, or has ended in order
+bool startsWell(const RestartOrder& order, const UpdateState& state)
+{
+    const std::unique_ptr<updater::StartedProgram> client =
+        updater::StartedProgram::start(order.program, order.arguments);
+    if (!client)
+        return false;
+    const auto deadline = std::chrono::steady_clock::now() + trialLimit;
+    while (state.isOnTrial() && std::chrono::steady_clock::now() < deadline) {
+        if (const std::optional<int> status = client->exitStatus())
+            return *status == 0;
+        std::this_thread::sleep_for(trialPause);
+    }
+    return true;
+}
+
 int run(bool restores, const char* calledAs)
 {
-    const AppFolder folder = programFolder(calledAs);
+    const std::optional<AppFolder> found = programFolder(calledAs);
+    if (!found)
+        return complain("neither the current folder nor the updater's own is a client's");
+    const AppFolder& folder = *found;
     const std::unique_ptr<updater::FolderHold> hold = updater::FolderHold::take(folder.root());
     if (!hold)
         return complain("another updater is at work in '" + folder.root().string() +
                         "', or nothing can be written there");
-    if (!updater::waitForClient(folder.root(), clientLimit))
+    const UpdateState state(folder);
+    if (!updater::waitForClient(folder.root(), clientLimit)) {
+        state.noteHandOver(UpdateState::HandOver::None);
         return complain("the client is still running; the updates wait for its next start");
+    }
 
     const RestartOrder order = restartOrder(folder, calledAs);
     const UpdateTargets targets(folder, order.program, platformSystemFolder());
-    const std::vector<std::string> problems = restores ? restoreReplaced(targets) : installWaiting(targets);
+    std::vector<std::string> problems = restores ? restoreReplaced(targets) : installWaiting(targets);
+    bool isStarted = startsWell(order, state);
+    if (!isStarted && state.isOnTrial()) {
+        problems = restoreReplaced(targets);
+        problems.insert(problems.begin(),
+                        "The new program did not start. What the update replaced is back in its place.");
+        writeProblems(folder, problems);
+        isStarted = startsWell(order, state);
+    }
     for (const std::string& problem : problems)
         complain(problem);
-    if (!updater::startProgram(order.program, order.arguments))
+    if (!isStarted)
         return complain("the client '" + order.program.string() + "' cannot be started");
     return problems.empty() ? 0 : 1;
 }

@@ -6,6 +6,8 @@
 #include "store/IniText.h"
 #include "updates/UpdateTargets.h"
 
+#include <map>
+#include <memory>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -31,14 +33,21 @@ std::optional<LocalFile> fileAt(const fs::path& path)
 LocalFacts diskFacts(const UpdateTargets& targets, ListKind kind, std::string version, std::string_view helpVersionIn)
 {
     const AppFolder& folder = targets.folder();
+    // A list may speak of one file many times, and looking at it means reading it.
+    const auto seen = std::make_shared<std::map<fs::path, std::optional<LocalFile>>>();
     return {
-        .file = [&targets, kind, version = std::move(version)](const UpdateRecord& record) -> std::optional<LocalFile> {
+        .file = [&targets, kind, version = std::move(version),
+                 seen](const UpdateRecord& record) -> std::optional<LocalFile> {
             const std::optional<fs::path> path = targets.existingPathOf(record.name, record.folder, kind);
             if (!path)
                 return {};
-            std::optional<LocalFile> file = fileAt(*path);
-            if (file && targets.isProgram(*path))
-                file->version = version;
+            const auto [place, isNew] = seen->try_emplace(*path);
+            std::optional<LocalFile>& file = place->second;
+            if (isNew) {
+                file = fileAt(*path);
+                if (file && targets.isProgram(*path))
+                    file->version = version;
+            }
             return file;
         },
         .isForThisPlatform =

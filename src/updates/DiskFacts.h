@@ -7,7 +7,7 @@
 
 class UpdateTargets;
 
-/// The facts of the disk that a check goes by.
+/// The facts of the disk that a check goes by; each file is looked at once.
 /// @param targets       outlives the facts
 /// @param version       the running program's own, which its executable need not carry
 /// @param helpVersionIn layout name of the file that notes the version of the help file

@@ -2,15 +2,19 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "platform/system/ExecutableFile.h"
 #include "platform/system/FileBytes.h"
 #include "platform/system/PathBytes.h"
 #include "store/AppFolder.h"
 #include "store/IniText.h"
+#include "updates/Sha256.h"
+#include "updates/UpdateState.h"
 #include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"
 
 #include <algorithm>
 #include <exception>
+#include <map>
 #include <optional>
 
 namespace fs = std::filesystem;
@@ -27,41 +31,64 @@ std::string keptName(const WaitingFile& file)
     return std::string(replacedFolder).append(below).append(file.name);
 }
 
-/// Keeps `target` under another name without taking it away. An older one that is kept already stays: the program
-/// has not started with what replaced it.
-void keep(const AppFolder& folder, const fs::path& target, const WaitingFile& file)
+std::string waitingName(const WaitingFile& file)
 {
-    const std::string name = keptName(file);
-    folder.makeFolder(name.substr(0, name.rfind('\\')));
-    const fs::path kept = folder.path(name);
-    std::error_code fault;
-    if (fs::exists(kept, fault))
-        return;
-    fs::create_hard_link(target, kept, fault);
-    if (fault)
-        copyFile(target, kept); // another disk, or one without links
+    return std::string(updatesFolder).append("\\").append(file.name);
 }
+
+bool isFile(const fs::path& path)
+{
+    std::error_code fault;
+    return fs::is_regular_file(path, fault);
+}
+
+/// Whether the update brought it where there was nothing before.
+bool isAdded(const UpdateState& state, const WaitingFile& file)
+{
+    const std::vector<WaitingFile> added = state.added();
+    return std::find(added.begin(), added.end(), file) != added.end();
+}
+
+/// One file that waits, as it was judged.
+struct Step
+{
+    WaitingFile file;
+    fs::path waiting;
+    fs::path target;
+    fs::path kept;
+    bool isMoved = false; ///< by this installation, or by one that was ended before it was done
+};
 
 class Installation
 {
 public:
-    Installation(const UpdateTargets& targets, const StepHook& beforeStep) : m_targets(targets), m_hook(beforeStep) {}
+    Installation(const UpdateTargets& targets, const StepHook& beforeStep)
+        : m_targets(targets),
+          m_state(targets.folder()),
+          m_hook(beforeStep)
+    {}
 
     std::vector<std::string> run()
     {
         const AppFolder& folder = m_targets.folder();
         if (!folder.folderExists(updatesFolder))
             return {};
-        std::vector<WaitingFile> files;
-        attempt("updates.ini", [&] { files = waitingFiles(folder); });
-        for (const WaitingFile& file : files)
-            attempt(file.name, [&] { install(file); });
+        judgeAll();
+        if (!m_problems.empty())
+            return giveUp(UpdateState::HandOver::Told); // the same would come of it the next time
+        for (const Step& file : m_steps)
+            attempt(file.file.name, [&] { keep(file); });
+        for (Step& file : m_steps) {
+            if (m_problems.empty())
+                attempt(file.file.name, [&] { move(file); });
+        }
         if (!m_problems.empty()) {
-            step("problems");
-            attempt("UpdateProblems.txt", [&] { writeProblems(); });
+            for (Step& file : m_steps)
+                attempt(file.file.name, [&] { takeBack(file); });
+            return giveUp(UpdateState::HandOver::None);
         }
         step("remove");
-        attempt("Updates", [&] { fs::remove_all(folder.path(updatesFolder)); });
+        attempt("updates.ini", [&] { conclude(); });
         return m_problems;
     }
 
@@ -73,45 +100,112 @@ private:
     }
 
     template <typename Body>
-    void attempt(std::string_view what, Body&& body)
+    bool attempt(std::string_view what, Body&& body)
     {
         try {
             std::forward<Body>(body)();
+            return true;
         } catch (const RuntimeError& error) {
             m_problems.push_back(std::string(what) + ": " + error.description());
         } catch (const fs::filesystem_error& error) {
             m_problems.push_back(std::string(what) + ": " + error.code().message());
         }
+        return false;
     }
 
-    void install(const WaitingFile& file)
+    void judgeAll()
+    {
+        std::vector<WaitingFile> files;
+        if (!attempt("updates.ini", [&] { files = waitingFiles(m_targets.folder()); })) {
+            // Nobody knows any more where these files belong, and nothing could be added to such a list.
+            attempt("Updates", [&] { fs::remove_all(m_targets.folder().path(updatesFolder)); });
+            return;
+        }
+        const std::map<std::string, std::string> digests = m_state.digests();
+        std::vector<WaitingFile> hopeless;
+        for (const WaitingFile& file : files) {
+            const auto digest = digests.find(file.name);
+            if (!attempt(file.name, [&] { judge(file, digest == digests.end() ? std::string() : digest->second); }))
+                hopeless.push_back(file);
+        }
+        if (!hopeless.empty())
+            attempt("updates.ini", [&] { dropWaiting(m_targets.folder(), hopeless); });
+    }
+
+    /// @param digest  what the file was when it arrived; empty when nobody knows
+    void judge(const WaitingFile& file, const std::string& digest)
     {
         const AppFolder& folder = m_targets.folder();
         const std::optional<fs::path> target = m_targets.pathOf(file.name, file.folder, ListKind::Client);
         if (!target)
             throw RuntimeError(ErrorNumber::PathNotFound, file.folder);
-        const std::string name = std::string(updatesFolder).append("\\").append(file.name);
-        if (!folder.fileExists(name))
-            return; // moved by an installation that was ended before it was done
-        step("keep");
-        std::error_code fault;
-        if (fs::is_regular_file(*target, fault))
-            keep(folder, *target, file);
-        step("move");
-        fs::create_directories(target->parent_path(), fault); // where it fails, so does the move, which says why
-        moveFile(folder.path(name), *target);
+        Step found{.file = file,
+                   .waiting = folder.path(waitingName(file)),
+                   .target = *target,
+                   .kept = folder.path(keptName(file))};
+        found.isMoved = !isFile(found.waiting);
+        const fs::path& arrived = found.isMoved ? found.target : found.waiting;
+        if (found.isMoved && !isFile(found.target) && !digest.empty())
+            throw RuntimeError(ErrorNumber::FileNotFound, waitingName(file));
+        if (!digest.empty() && sha256Of(arrived) != digest)
+            throw RuntimeError(ErrorNumber::InvalidFileFormat, "it is not what was downloaded");
+        if (!found.isMoved && !mayReplace(found.waiting, found.target))
+            throw RuntimeError(ErrorNumber::InvalidFileFormat, "it is no program for this system");
+        m_steps.push_back(std::move(found));
     }
 
-    void writeProblems() const
+    void keep(const Step& file) const
     {
-        std::string text;
-        for (const std::string& problem : m_problems)
-            text.append(problem).append("\r\n");
-        writeBytes(m_targets.folder().path(problemsFile), text);
+        step("keep");
+        if (!file.isMoved)
+            keepReplaced(m_targets.folder(), file.target, file.file);
+    }
+
+    void move(Step& file) const
+    {
+        step("move");
+        if (file.isMoved)
+            return;
+        std::error_code fault;
+        fs::create_directories(file.target.parent_path(), fault); // where it fails, so does the move, which says why
+        moveFile(file.waiting, file.target);
+        file.isMoved = true;
+    }
+
+    void takeBack(Step& file) const
+    {
+        const bool hasOld = isFile(file.kept);
+        if (!file.isMoved || !isFile(file.target) || (!hasOld && !isAdded(m_state, file.file)))
+            return;
+        moveFile(file.target, file.waiting);
+        file.isMoved = false;
+        if (hasOld)
+            moveFile(file.kept, file.target);
+    }
+
+    void conclude() const
+    {
+        m_state.noteTrial(true);
+        fs::remove_all(m_targets.folder().path(updatesFolder));
+        m_state.forgetDigests();
+        m_state.noteHandOver(UpdateState::HandOver::None);
+    }
+
+    std::vector<std::string> giveUp(UpdateState::HandOver state)
+    {
+        step("problems");
+        const std::vector<std::string> problems = m_problems;
+        attempt("UpdateProblems.txt", [&] {
+            writeProblems(m_targets.folder(), problems);
+            m_state.noteHandOver(state);
+        });
+        return m_problems;
     }
 
     const UpdateTargets& m_targets;
+    UpdateState m_state;
     const StepHook& m_hook;
+    std::vector<Step> m_steps;
     std::vector<std::string> m_problems;
 };
 
@@ -124,7 +218,45 @@ std::string layoutName(const fs::path& relative)
     return name;
 }
 
+/// The files that are kept, by where they belong.
+std::vector<WaitingFile> keptFiles(const AppFolder& folder)
+{
+    const fs::path kept = folder.path(replacedFolder);
+    std::vector<WaitingFile> files;
+    std::error_code fault;
+    for (fs::recursive_directory_iterator entry(kept, fault); !fault && entry != fs::recursive_directory_iterator();
+         entry.increment(fault)) {
+        if (!entry->is_regular_file(fault))
+            continue;
+        const std::string name = layoutName(entry->path().lexically_relative(kept));
+        const std::size_t cut = name.rfind('\\') + 1;
+        WaitingFile file{.name = name.substr(cut), .folder = name.substr(0, cut)};
+        if (file.folder == std::string("\\").append(systemFolderMark).append("\\"))
+            file.folder = systemFolderMark;
+        files.push_back(std::move(file));
+    }
+    return files;
+}
+
 } // namespace
+
+void keepReplaced(const AppFolder& folder, const fs::path& target, const WaitingFile& file)
+{
+    const std::string name = keptName(file);
+    const fs::path kept = folder.path(name);
+    std::error_code fault;
+    if (fs::exists(kept, fault))
+        return;
+    const UpdateState state(folder);
+    if (isAdded(state, file))
+        return; // what is there now came with the same update
+    if (!isFile(target))
+        return state.noteAdded(file);
+    folder.makeFolder(name.substr(0, name.rfind('\\')));
+    fs::create_hard_link(target, kept, fault);
+    if (fault)
+        copyFile(target, kept); // another disk, or one without links
+}
 
 std::vector<std::string> installWaiting(const UpdateTargets& targets, const StepHook& beforeStep)
 {
@@ -133,41 +265,63 @@ std::vector<std::string> installWaiting(const UpdateTargets& targets, const Step
 
 std::vector<std::string> restoreReplaced(const UpdateTargets& targets)
 {
-    const fs::path kept = targets.folder().path(replacedFolder);
+    const AppFolder& folder = targets.folder();
+    const UpdateState state(folder);
     std::vector<std::string> problems;
-    std::error_code fault;
-    std::vector<fs::path> files;
-    for (fs::recursive_directory_iterator entry(kept, fault); !fault && entry != fs::recursive_directory_iterator();
-         entry.increment(fault)) {
-        if (entry->is_regular_file(fault))
-            files.push_back(entry->path());
-    }
-    for (const fs::path& file : files) {
-        std::string name = layoutName(file.lexically_relative(kept));
-        const std::size_t cut = name.rfind('\\') + 1;
-        std::string folder = name.substr(0, cut);
-        if (folder == std::string("\\").append(systemFolderMark).append("\\"))
-            folder = systemFolderMark;
-        try {
-            const std::optional<fs::path> target = targets.pathOf(name.substr(cut), folder, ListKind::Client);
-            if (target)
-                moveFile(file, *target);
-        } catch (const RuntimeError& error) {
-            problems.push_back(name + ": " + error.description());
+    const auto each = [&](const std::vector<WaitingFile>& files, const auto& act) {
+        for (const WaitingFile& file : files) {
+            try {
+                if (const auto target = targets.pathOf(file.name, file.folder, ListKind::Client))
+                    act(file, *target);
+            } catch (const RuntimeError& error) {
+                problems.push_back(file.folder + file.name + ": " + error.description());
+            }
         }
-    }
+    };
+    each(keptFiles(folder),
+         [&](const WaitingFile& file, const fs::path& target) { moveFile(folder.path(keptName(file)), target); });
+    each(state.added(), [](const WaitingFile&, const fs::path& target) {
+        std::error_code fault;
+        fs::remove(target, fault);
+        if (fault)
+            throwFileError(fault, target);
+    });
     if (problems.empty())
-        forgetReplaced(targets.folder());
+        forgetReplaced(folder);
+    state.noteTrial(false);
     return problems;
+}
+
+bool isReplacedKept(const AppFolder& folder)
+{
+    return !keptFiles(folder).empty();
+}
+
+void writeProblems(const AppFolder& folder, const std::vector<std::string>& problems)
+{
+    std::string text;
+    for (const std::string& problem : problems)
+        text.append(problem).append("\r\n");
+    writeBytes(folder.path(problemsFile), text);
 }
 
 void forgetReplaced(const AppFolder& folder) noexcept
 {
-    std::error_code ignored;
     try {
-        fs::remove_all(folder.path(replacedFolder), ignored);
+        fs::remove_all(folder.path(replacedFolder));
+        UpdateState(folder).forgetAdded();
     } catch (const std::exception&) {
         return; // a name that is taken by something else is nobody's replaced file
+    }
+}
+
+void beginUpdate(const AppFolder& folder) noexcept
+{
+    try {
+        if (!folder.folderExists(updatesFolder) && !UpdateState(folder).isOnTrial())
+            forgetReplaced(folder);
+    } catch (const std::exception&) {
+        return; // then more is kept than is needed
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "updates/UpdatesIni.h"
+
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -9,7 +11,7 @@
 class AppFolder;
 class UpdateTargets;
 
-/// Where the files that an installation replaced are kept until the new program has started once.
+/// Where the files that the last update replaced are kept until the next one.
 inline constexpr std::string_view replacedFolder = "\\Replaced";
 /// What could not be installed, a line each; shown by the program at its next start.
 inline constexpr std::string_view problemsFile = "\\UpdateProblems.txt";
@@ -17,17 +19,33 @@ inline constexpr std::string_view problemsFile = "\\UpdateProblems.txt";
 /// Called before each step with its name, so that a test can end the program there.
 using StepHook = std::function<void(std::string_view step)>;
 
-/// Moves everything that waits to its place, keeps what was there before, writes down what could not be done, and
-/// removes the folder of what waits. May be ended at any moment and run again: every file is the old or the new one as
-/// a whole, and what has been moved no longer waits.
+/// Begins an update: what an earlier one replaced is let go, unless a part of that still waits or the program has not
+/// started with it. Nothing is thrown.
+void beginUpdate(const AppFolder& folder) noexcept;
+
+/// Keeps what an update is about to replace, or notes that there was nothing. An older file that is kept already stays.
+/// @throws RuntimeError from the disk
+void keepReplaced(const AppFolder& folder, const std::filesystem::path& target, const WaitingFile& file);
+
+/// Installs everything that waits, or nothing: what waits is looked at again first, what was there before is kept, and
+/// when one file cannot be put in its place, those before it are taken back. Nothing that could be installed later is
+/// lost; what never could (damaged, refused, gone) is taken off the list. What went wrong is written down. May be ended
+/// at any moment and run again: every file is the old or the new one as a whole.
 /// @return what could not be done, a line each; empty when all is in its place
 std::vector<std::string> installWaiting(const UpdateTargets& targets, const StepHook& beforeStep = {});
 
-/// Puts the files back that the last installation replaced.
+/// Puts the files back that the last update replaced, and takes away those that it added.
 /// @return what could not be put back, a line each
 std::vector<std::string> restoreReplaced(const UpdateTargets& targets);
 
-/// Lets go of what was replaced: the new program has started. Nothing is thrown; what cannot be removed stays.
+/// Whether there is an update that can be undone.
+bool isReplacedKept(const AppFolder& folder);
+
+/// Leaves lines for the program to show at its next start.
+/// @throws RuntimeError from the disk
+void writeProblems(const AppFolder& folder, const std::vector<std::string>& problems);
+
+/// Lets go of what was replaced. Nothing is thrown; what cannot be removed stays.
 void forgetReplaced(const AppFolder& folder) noexcept;
 
 /// How the client is to be started again after an installation.

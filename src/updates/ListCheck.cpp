@@ -3,6 +3,8 @@
 #include "base/RuntimeError.h"
 #include "platform/net/Inet.h"
 #include "updates/DiskFacts.h"
+#include "updates/ManifestFetch.h"
+#include "updates/UpdateBounds.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -60,32 +62,59 @@ ListCheck::ListCheck(const UpdateServices& services, const CheckOrder& order, st
         return;
     }
     m_page = services.inet.get(url, limit);
-    connect(m_page.get(), &PageFetch::finished, this, [this] {
-        const PageAnswer& answer = m_page->answer();
-        take(answer.isGood() && answer.isWhole ? answer.body.toStdString() : std::string());
-    });
+    connect(m_page.get(), &PageFetch::finished, this, &ListCheck::take);
+    if (services.key) {
+        m_manifest = std::make_unique<ManifestFetch>(services, m_location, limit);
+        connect(m_manifest.get(), &ManifestFetch::finished, this, &ListCheck::take);
+    }
 }
 
 ListCheck::~ListCheck() = default;
 
 void ListCheck::cancel()
 {
+    if (m_isOver)
+        return;
+    m_isCancelled = true;
+    m_manifest.reset();
     if (m_page && m_page->isExecuting())
         m_page->cancel(); // goes on in take()
     else
         end();
 }
 
-void ListCheck::take(const std::string& text)
+void ListCheck::take()
 {
-    m_hasList = isUpdateList(text, m_order.kind);
+    if (m_page->isExecuting() || (m_manifest && !m_manifest->isOver()))
+        return;
+    if (!m_isCancelled)
+        m_fault = judgeList();
+    m_hasList = m_hasList && m_fault.isEmpty();
     if (m_hasList)
-        m_records = parseUpdateList(text);
-    judgeSome();
+        judgeSome();
+    else
+        end();
+}
+
+/// @return what speaks against a list that is there
+QString ListCheck::judgeList()
+{
+    const PageAnswer& answer = m_page->answer();
+    if (answer.isGood() && static_cast<std::size_t>(answer.body.size()) >= maxUpdateListBytes)
+        return u"The update list is longer than %1 KiB"_s.arg(maxUpdateListBytes / 1024);
+    const std::string text = answer.isGood() && answer.isWhole ? answer.body.toStdString() : std::string();
+    m_hasList = isUpdateList(text, m_order.kind);
+    if (!m_hasList)
+        return {};
+    m_records = parseUpdateList(text);
+    if (m_records.size() > maxUpdateRecords)
+        return u"The update list names more than %1 files"_s.arg(maxUpdateRecords);
+    return m_manifest ? m_manifest->fault() : QString();
 }
 
 void ListCheck::judgeSome()
 {
+    const UpdateManifest* manifest = m_manifest ? &*m_manifest->manifest() : nullptr;
     QElapsedTimer turn;
     turn.start();
     while (!m_isOver && m_next < m_records.size()) {
@@ -94,7 +123,7 @@ void ListCheck::judgeSome()
             return;
         }
         try {
-            m_candidates.take(m_records[m_next++], m_facts, m_order.rule);
+            m_candidates.take(m_records[m_next++], m_facts, m_order.rule, manifest);
         } catch (const RuntimeError&) {
             continue; // a file that cannot be looked at is none that could be replaced
         }

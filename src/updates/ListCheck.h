@@ -8,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+class ManifestFetch;
 class PageFetch;
 
 /// A list of files that is being fetched and compared with the disk, a little in each turn of the event loop. Deleting
@@ -26,9 +27,12 @@ public:
 
     /// Ends the check as one without a list, or with what has been found so far.
     void cancel();
+    bool isCancelled() const { return m_isCancelled; }
     bool isOver() const { return m_isOver; }
-    /// Whether the location had a whole list.
+    /// Whether the location had a whole list and, where a key is set, a manifest to prove it by.
     bool hasList() const { return m_hasList; }
+    /// Why a list that the location has does not count; a sentence without its full stop. Empty when there is none.
+    const QString& fault() const { return m_fault; }
     const Candidates& candidates() const { return m_candidates; }
     const QString& location() const { return m_location; }
 
@@ -37,7 +41,8 @@ Q_SIGNALS:
     void finished();
 
 private:
-    void take(const std::string& text);
+    void take();
+    QString judgeList();
     void judgeSome();
     void end();
 
@@ -45,9 +50,12 @@ private:
     QString m_location;
     LocalFacts m_facts;
     std::unique_ptr<PageFetch> m_page;
+    std::unique_ptr<ManifestFetch> m_manifest; ///< none where nothing is proven
     std::vector<UpdateRecord> m_records;
     std::size_t m_next = 0; ///< the record to be judged next
     Candidates m_candidates;
+    QString m_fault;
     bool m_hasList = false;
+    bool m_isCancelled = false;
     bool m_isOver = false;
 };

@@ -48,7 +48,22 @@ bool UpdateAgent::isAvailable(const CheckOrder& order)
 {
     ListCheck check(m_services, order, m_services.startLimit);
     const WaitEnd end = EventWait().endsOn(&check, &ListCheck::finished, WaitEnd::Done).run();
-    return end == WaitEnd::Done && check.hasList() && !check.candidates().isEmpty();
+    return note(check, order.kind) && end == WaitEnd::Done;
+}
+
+/// @return whether the list offers something
+bool UpdateAgent::note(const ListCheck& check, ListKind kind)
+{
+    const bool offers = check.hasList() && !check.candidates().isEmpty();
+    m_offers.at(static_cast<std::size_t>(kind)) = offers;
+    return offers;
+}
+
+void UpdateAgent::forgetAvailable(ListKind kind)
+{
+    m_offers.at(static_cast<std::size_t>(kind)) = false;
+    if (m_offers == decltype(m_offers){})
+        m_updatesAvailable = false;
 }
 
 bool UpdateAgent::QRVUpdateAvailable()
@@ -69,10 +84,11 @@ void UpdateAgent::askAtStart(std::function<void(bool core, bool plugins)> done)
         // Behind the check's own doings: what follows opens a box.
         connect(
             plugins, &ListCheck::finished, this,
-            [core, plugins, done] {
+            [this, core, plugins, done] {
                 core->deleteLater();
                 plugins->deleteLater();
-                done(!core->candidates().isEmpty(), !plugins->candidates().isEmpty());
+                const bool offersCore = note(*core, ListKind::Client);
+                done(offersCore, note(*plugins, ListKind::Plugins));
             },
             Qt::QueuedConnection);
     });
@@ -94,10 +110,10 @@ void UpdateAgent::checkByClock()
         return;
     m_clientCheck = std::make_unique<ListCheck>(m_services, clientCheckByClock, m_services.listLimit);
     connect(m_clientCheck.get(), &ListCheck::finished, this, [this] {
-        if (!m_clientCheck->hasList())
-            m_updatesAvailable = false;
-        else if (!m_clientCheck->candidates().isEmpty())
+        if (note(*m_clientCheck, ListKind::Client))
             m_updatesAvailable = true;
+        else if (!m_clientCheck->hasList())
+            m_updatesAvailable = false;
         else if (!m_updatesAvailable)
             CheckForPlugins();
     });
@@ -109,9 +125,9 @@ void UpdateAgent::CheckForPlugins()
         return;
     m_pluginCheck = std::make_unique<ListCheck>(m_services, pluginCheckByClock, m_services.listLimit);
     connect(m_pluginCheck.get(), &ListCheck::finished, this, [this] {
-        if (!m_pluginCheck->hasList())
-            m_updatesAvailable = false;
-        else if (!m_pluginCheck->candidates().isEmpty())
+        if (note(*m_pluginCheck, ListKind::Plugins))
             m_updatesAvailable = true;
+        else if (!m_pluginCheck->hasList())
+            m_updatesAvailable = false;
     });
 }

@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+#include <array>
 #include <functional>
 #include <memory>
 
@@ -38,16 +39,18 @@ public:
     void CheckForPlugins();
     /// Turns the check by the clock on or off.
     void setAutomatic(bool automatic);
-    /// Everything that was offered has been installed.
-    void forgetAvailable() { m_updatesAvailable = false; }
+    /// Everything that a list offered has been downloaded. The flag stays as long as the other list has something.
+    void forgetAvailable(ListKind kind);
 
 private:
     bool isAvailable(const CheckOrder& order);
+    bool note(const ListCheck& check, ListKind kind);
     void tick();
     void checkByClock();
 
     const UpdateServices& m_services;
     bool& m_updatesAvailable;
+    std::array<bool, 2> m_offers{}; ///< by kind of list, whether the last check found something
     std::unique_ptr<NewsDesk> m_news;
     std::unique_ptr<ListCheck> m_clientCheck; ///< the last one by the clock
     std::unique_ptr<ListCheck> m_pluginCheck;

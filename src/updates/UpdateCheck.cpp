@@ -2,6 +2,10 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "updates/UpdateManifest.h"
+#include "updates/UpdateTargets.h"
+
+#include <utility>
 
 namespace {
 
@@ -9,55 +13,70 @@ constexpr std::string_view helpFile = "help.chm";
 constexpr std::string_view firstHelpVersion = "1.0.0.0";
 constexpr std::string_view helpType = "Help File";
 
-Verdict classifyHelp(const UpdateRecord& record, const LocalFacts& facts)
+/// A verdict and what it was based on.
+struct Judgement
+{
+    Verdict verdict = Verdict::Nothing;
+    LocalFile local = {};
+};
+
+Judgement judgeHelp(const UpdateRecord& record, const LocalFacts& facts)
 {
     if (!facts.hasHelpFile())
-        return Verdict::New;
+        return {.verdict = Verdict::New};
     const std::optional<std::string> noted = facts.helpVersion();
     if (!noted)
-        return Verdict::Nothing;
+        return {};
     const std::string_view installed = trimmed(*noted).empty() ? firstHelpVersion : std::string_view(*noted);
-    return std::string_view(record.version) > installed ? Verdict::Updated : Verdict::Nothing;
+    return {.verdict = std::string_view(record.version) > installed ? Verdict::Updated : Verdict::Nothing,
+            .local = {.version = std::string(installed)}};
+}
+
+Judgement judge(const UpdateRecord& record, const LocalFacts& facts, CheckRule rule)
+{
+    if (rule == CheckRule::Client && !facts.isForThisPlatform(record))
+        return {};
+    const std::optional<LocalFile> local = facts.file(record); // first, because it refuses what must not be followed
+    if (rule == CheckRule::Client && record.name == helpFile)
+        return judgeHelp(record, facts);
+    if (!local)
+        return {.verdict = Verdict::New};
+    const Verdict bySize = local->size == static_cast<std::uint64_t>(record.size) ? Verdict::Nothing : Verdict::Changed;
+    const bool isJudgedBySize =
+        local->version.empty() || (rule == CheckRule::PluginsByClock && record.type == helpType);
+    const Verdict byVersion = record.version > local->version ? Verdict::Updated : Verdict::Nothing;
+    return {.verdict = isJudgedBySize ? bySize : byVersion, .local = *local};
 }
 
 } // namespace
 
 Verdict classify(const UpdateRecord& record, const LocalFacts& facts, CheckRule rule)
 {
-    if (rule == CheckRule::Client && !facts.isForThisPlatform(record))
-        return Verdict::Nothing;
-    const std::optional<LocalFile> local = facts.file(record); // first, because it refuses what must not be followed
-    if (rule == CheckRule::Client && record.name == helpFile)
-        return classifyHelp(record, facts);
-    if (!local)
-        return Verdict::New;
-    const bool hasSameSize = local->size == static_cast<std::uint64_t>(record.size);
-    if (rule == CheckRule::PluginsByClock && record.type == helpType)
-        return hasSameSize ? Verdict::Nothing : Verdict::Changed;
-    if (!local->version.empty())
-        return record.version > local->version ? Verdict::Updated : Verdict::Nothing;
-    return hasSameSize ? Verdict::Nothing : Verdict::Changed;
+    return judge(record, facts, rule).verdict;
 }
 
-void Candidates::take(const UpdateRecord& record, const LocalFacts& facts, CheckRule rule)
+void Candidates::take(const UpdateRecord& record, const LocalFacts& facts, CheckRule rule,
+                      const UpdateManifest* manifest)
 {
+    Judgement judgement;
     try {
-        switch (classify(record, facts, rule)) {
-        case Verdict::Updated:
-            updated.push_back(record);
-            break;
-        case Verdict::New:
-            added.push_back(record);
-            break;
-        case Verdict::Changed:
-            changed.push_back(record);
-            break;
-        case Verdict::Nothing:
-            break;
-        }
+        judgement = judge(record, facts, rule);
     } catch (const RuntimeError& error) {
         if (error.number() != ErrorNumber::PermissionDenied)
             throw;
-        refused.push_back(record);
+        refused.push_back(
+            {record, isOwnState(record.folder, record.name) ? Refusal::OwnState : Refusal::OutsideFolder});
+        return;
     }
+    if (judgement.verdict == Verdict::Nothing)
+        return;
+    const ManifestEntry* entry = manifest ? manifest->find(record.folder, record.name) : nullptr;
+    if (manifest && (!entry || !agrees(*entry, record))) {
+        refused.push_back({record, entry ? Refusal::NotAsSigned : Refusal::NotSigned});
+        return;
+    }
+    std::vector<Candidate>& group = judgement.verdict == Verdict::Updated ? updated
+                                    : judgement.verdict == Verdict::New   ? added
+                                                                          : changed;
+    group.push_back({record, std::move(judgement.local), entry ? entry->digest : std::string()});
 }

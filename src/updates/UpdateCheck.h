@@ -29,6 +29,8 @@ struct LocalFacts
     std::function<std::optional<std::string>()> helpVersion;
 };
 
+class UpdateManifest;
+
 enum class Verdict {
     Nothing, ///< as good as what is offered, or none of this machine's business
     Updated, ///< a newer version is offered
@@ -45,16 +47,40 @@ enum class CheckRule {
 
 Verdict classify(const UpdateRecord& record, const LocalFacts& facts, CheckRule rule);
 
+/// A file of a list that a check has something to say about.
+struct Candidate
+{
+    UpdateRecord record;
+    LocalFile local = {};    ///< what is here in its place, if anything
+    std::string digest = {}; ///< what it must hold, 64 hexadecimal digits; empty where nothing is proven
+};
+
+/// Why a file of a list is not offered, whatever is here in its place.
+enum class Refusal {
+    OutsideFolder, ///< would be written outside the program folder
+    OwnState,      ///< would be written over the client's own records
+    NotSigned,     ///< the signed manifest does not know it
+    NotAsSigned,   ///< the signed manifest says something else of it
+};
+
+struct RefusedFile
+{
+    UpdateRecord record;
+    Refusal why;
+};
+
 /// What a list has to offer to this machine, in the list's order.
 struct Candidates
 {
-    std::vector<UpdateRecord> updated;
-    std::vector<UpdateRecord> added;
-    std::vector<UpdateRecord> changed;
-    std::vector<UpdateRecord> refused; ///< would have been written outside the program folder
+    std::vector<Candidate> updated;
+    std::vector<Candidate> added;
+    std::vector<Candidate> changed;
+    std::vector<RefusedFile> refused;
 
-    /// Sorts a record in. A record that `facts` refuses is kept aside.
-    void take(const UpdateRecord& record, const LocalFacts& facts, CheckRule rule);
+    /// Sorts a record in. A record that `facts` or the manifest speaks against is kept aside.
+    /// @param manifest  null where nothing is proven
+    void take(const UpdateRecord& record, const LocalFacts& facts, CheckRule rule,
+              const UpdateManifest* manifest = nullptr);
     /// Whether nothing is offered.
     bool isEmpty() const { return updated.empty() && added.empty() && changed.empty(); }
 };

@@ -9,7 +9,9 @@
 #include <QShortcut>
 #include <QStyleOptionButton>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -62,12 +64,15 @@ UpdateChoice::UpdateChoice(const QString& name, const CodePage& codePage, QWidge
     connect(this, &QTableView::clicked, this, [this](const QModelIndex& cell) { toggle(cell.row()); });
     auto* space = new QShortcut(QKeySequence(Qt::Key_Space), this, nullptr, nullptr, Qt::WidgetShortcut);
     connect(space, &QShortcut::activated, this, [this] { toggle(selectedRow()); });
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { Q_EMIT reasonChanged(m_reasons.value(selectedRow())); });
     clear();
 }
 
 void UpdateChoice::clear()
 {
-    m_records.clear();
+    m_files.clear();
+    m_reasons.clear();
     rows().clear();
     layColumns(fileColumns);
 }
@@ -99,36 +104,74 @@ void UpdateChoice::resizeEvent(QResizeEvent* event)
 void UpdateChoice::showCandidates(const Candidates& found)
 {
     clear();
-    if (found.isEmpty()) {
-        layColumns(messageColumn);
-        m_records.emplace_back();
-        rows().setRows({GridRow{.cells = {u"No Updates Available!"_s}, .pictures = {}, .data = Title}});
-        return;
-    }
     std::vector<GridRow> grid;
-    addGroup(grid, u"Updated Files Available"_s, found.updated, true);
-    addGroup(grid, u"New Files Available"_s, found.added, true);
-    addGroup(grid, u"Changed Files"_s, found.changed, false);
+    const auto text = [this](const std::string& version) { return m_codePage.toText(version); };
+    addGroup(grid, u"Updated Files Available"_s, found.updated, true, [&](const Candidate& file) {
+        return u"newer: version %1 is offered, %2 is here"_s.arg(text(file.record.version), text(file.local.version));
+    });
+    addGroup(grid, u"New Files Available"_s, found.added, true,
+             [](const Candidate&) { return u"new: there is no such file here"_s; });
+    addGroup(grid, u"Changed Files"_s, found.changed, false, [](const Candidate& file) {
+        return u"changed: it has no version, %1 bytes are offered, %2 are here"_s.arg(file.record.size)
+            .arg(file.local.size);
+    });
+    if (found.isEmpty()) {
+        if (found.refused.empty())
+            layColumns(messageColumn);
+        m_files.emplace_back();
+        m_reasons += QString();
+        grid.push_back(
+            {.cells = {u"No Updates Available!"_s}, .pictures = {}, .data = Title, .title = !found.refused.empty()});
+    }
+    addRefused(grid, found.refused);
     rows().setRows(std::move(grid));
-    selectRow(1);
+    if (!found.isEmpty())
+        selectRow(1);
 }
 
-void UpdateChoice::addGroup(std::vector<GridRow>& grid, const QString& title, const std::vector<UpdateRecord>& records,
-                            bool checked)
+void UpdateChoice::addTitle(std::vector<GridRow>& grid, const QString& title)
 {
-    if (records.empty())
-        return;
     grid.push_back({.cells = {title, title, title, title}, .pictures = {}, .data = Title, .title = true});
-    m_records.emplace_back();
-    for (const UpdateRecord& record : records) {
-        grid.push_back({.cells = {{},
-                                  m_codePage.toText(record.name),
-                                  m_codePage.toText(record.version),
-                                  m_codePage.toText(record.type)},
-                        .pictures = {box(checked)},
-                        .data = checked ? Checked : Unchecked,
-                        .toolTip = m_codePage.toText(record.description)});
-        m_records.emplace_back(record);
+    m_files.emplace_back();
+    m_reasons += QString();
+}
+
+GridRow UpdateChoice::rowOf(const UpdateRecord& record) const
+{
+    return {.cells = {{},
+                      m_codePage.toText(record.name),
+                      m_codePage.toText(record.version),
+                      m_codePage.toText(record.type)},
+            .pictures = {},
+            .data = Title,
+            .toolTip = m_codePage.toText(record.description)};
+}
+
+void UpdateChoice::addGroup(std::vector<GridRow>& grid, const QString& title, const std::vector<Candidate>& files,
+                            bool checked, const std::function<QString(const Candidate&)>& reason)
+{
+    if (files.empty())
+        return;
+    addTitle(grid, title);
+    for (const Candidate& file : files) {
+        GridRow row = rowOf(file.record);
+        row.pictures = {box(checked)};
+        row.data = checked ? Checked : Unchecked;
+        grid.push_back(std::move(row));
+        m_files.emplace_back(file);
+        m_reasons += reason(file);
+    }
+}
+
+void UpdateChoice::addRefused(std::vector<GridRow>& grid, const std::vector<RefusedFile>& files)
+{
+    if (files.empty())
+        return;
+    addTitle(grid, u"Refused Files"_s);
+    for (const RefusedFile& file : files) {
+        grid.push_back(rowOf(file.record));
+        m_files.emplace_back();
+        m_reasons += u"refused: "_s + refusalText(file.why);
     }
 }
 
@@ -146,12 +189,33 @@ void UpdateChoice::toggle(int row)
     rows().setRowData(row, checked ? Checked : Unchecked);
 }
 
-std::vector<UpdateRecord> UpdateChoice::checked() const
+std::vector<Candidate> UpdateChoice::checked() const
 {
-    std::vector<UpdateRecord> wanted;
-    for (std::size_t row = 0; row < m_records.size(); ++row) {
-        if (m_records[row] && rows().row(static_cast<int>(row)).data == Checked)
-            wanted.push_back(*m_records[row]);
+    std::vector<Candidate> wanted;
+    for (std::size_t row = 0; row < m_files.size(); ++row) {
+        if (m_files[row] && rows().row(static_cast<int>(row)).data == Checked)
+            wanted.push_back(*m_files[row]);
     }
     return wanted;
+}
+
+std::size_t UpdateChoice::offeredCount() const
+{
+    return static_cast<std::size_t>(
+        std::count_if(m_files.begin(), m_files.end(), [](const auto& file) { return file.has_value(); }));
+}
+
+QString refusalText(Refusal why)
+{
+    switch (why) {
+    case Refusal::OutsideFolder:
+        return u"it would lie outside the program folder"_s;
+    case Refusal::OwnState:
+        return u"it would be written over the program's own records"_s;
+    case Refusal::NotSigned:
+        return u"the signed manifest does not know it"_s;
+    case Refusal::NotAsSigned:
+        return u"the signed manifest says something else of it"_s;
+    }
+    return {};
 }

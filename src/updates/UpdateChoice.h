@@ -5,6 +5,7 @@
 
 #include <QPixmap>
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -22,10 +23,18 @@ public:
     UpdateChoice(const QString& name, const CodePage& codePage, QWidget* parent);
 
     void clear();
-    /// Says in a row that nothing is offered, or shows what is. Changed files are not checked at first.
+    /// Says in a row that nothing is offered, or shows what is. Changed files are not checked at first; refused ones,
+    /// below, cannot be.
     void showCandidates(const Candidates& found);
-    /// The records that are checked, from top to bottom.
-    std::vector<UpdateRecord> checked() const;
+    /// The files that are checked, from top to bottom.
+    std::vector<Candidate> checked() const;
+    /// How many files can be checked.
+    std::size_t offeredCount() const;
+
+Q_SIGNALS:
+    /// Another row is selected.
+    /// @param why  why its file is offered or not, a sentence without its full stop; empty for a row without a file
+    void reasonChanged(const QString& why);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -33,8 +42,11 @@ protected:
 private:
     void layColumns(std::span<const GridColumn> columns);
     void fitColumns();
-    void addGroup(std::vector<GridRow>& grid, const QString& title, const std::vector<UpdateRecord>& records,
-                  bool checked);
+    void addTitle(std::vector<GridRow>& grid, const QString& title);
+    void addGroup(std::vector<GridRow>& grid, const QString& title, const std::vector<Candidate>& files, bool checked,
+                  const std::function<QString(const Candidate&)>& reason);
+    void addRefused(std::vector<GridRow>& grid, const std::vector<RefusedFile>& files);
+    GridRow rowOf(const UpdateRecord& record) const;
     GridPicture box(bool checked) const;
     void toggle(int row);
 
@@ -42,5 +54,9 @@ private:
     QPixmap m_checked;
     QPixmap m_unchecked;
     std::span<const GridColumn> m_columns;
-    std::vector<std::optional<UpdateRecord>> m_records; ///< row by row; none for a title
+    std::vector<std::optional<Candidate>> m_files; ///< row by row; none where nothing can be checked
+    QStringList m_reasons;                         ///< row by row
 };
+
+/// Why a file is not offered; a sentence without its beginning and its full stop.
+QString refusalText(Refusal why);

@@ -95,9 +95,9 @@ void UpdateOptions::load()
         m_values.makerHost = fromFile(own(makerHostKey));
         m_values.updateKey = fromFile(own("UpdateKey"));
         m_values.reports = reportModeOf(own("ErrorReports"));
-        if (!m_values.updateKey.isEmpty() && !UpdateKey::fromText(forFile(m_values.updateKey)))
-            throw RuntimeError(ErrorNumber::InvalidFileFormat, "UpdateKey"); // rather no updates than unproven ones
     }
+    if (const std::string key = keyInForce(); !key.empty() && !UpdateKey::fromText(key))
+        throw RuntimeError(ErrorNumber::InvalidFileFormat, "UpdateKey"); // rather no updates than unproven ones
     putInForce();
 }
 
@@ -123,10 +123,15 @@ void UpdateOptions::setAutomatic(bool automatic)
     m_subjects.agent.setAutomatic(automatic);
 }
 
+std::string UpdateOptions::keyInForce() const
+{
+    return m_values.updateKey.isEmpty() ? m_subjects.services.builtInKey : forFile(m_values.updateKey);
+}
+
 void UpdateOptions::putInForce()
 {
     m_subjects.services.location = m_values.location;
-    m_subjects.services.key = UpdateKey::fromText(forFile(m_values.updateKey));
+    m_subjects.services.key = UpdateKey::fromText(keyInForce());
     m_subjects.agent.setAutomatic(m_values.automatic);
     m_subjects.link.replyLimit = m_values.replyLimit;
     m_subjects.reporter.reports = m_values.reports;

@@ -22,7 +22,7 @@ struct OptionValues
     std::chrono::seconds replyLimit{60}; ///< how long the host may be silent
     std::string codePage;                ///< of the host, one of `codePageTables`
     QString makerHost;                   ///< empty for the one that is built in; counts from the next start on
-    QString updateKey;                   ///< public key of the update location; empty for none
+    QString updateKey; ///< public key of the update location; empty for the one that is built in, if any
     ReportMode reports = ReportMode::ByThemselves;
 
     bool operator==(const OptionValues&) const = default;
@@ -61,6 +61,7 @@ public:
     QString builtIn(int number) const;
 
 private:
+    std::string keyInForce() const;
     void putInForce();
 
     Subjects m_subjects;

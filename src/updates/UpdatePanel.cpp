@@ -7,10 +7,12 @@
 #include "store/AppFolder.h"
 #include "ui/ImageButton.h"
 #include "updates/DiskFacts.h"
+#include "updates/InstallUpdates.h"
 #include "updates/ListCheck.h"
 #include "updates/UpdateAgent.h"
 #include "updates/UpdateChoice.h"
 #include "updates/UpdateQueue.h"
+#include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"
 
 #include <QLabel>
@@ -78,6 +80,17 @@ void UpdatePanel::buildControls()
     lstQRV->setEmptyText(u"Press \"%1\" to look for updates."_s.arg(m_setup.checkCaption));
     cmdCheck = new ImageButton(m_setup.checkName, m_setup.checkCaption, m_client.pictures, this);
     cmdGetUpdates = new ImageButton(u"cmdGetUpdates"_s, u"Get Updates"_s, m_client.pictures, this);
+    cmdUndo = new ImageButton(u"cmdUndo"_s, u"Undo last update"_s, m_client.pictures, this);
+    const auto addNote = [this](const QString& name) {
+        auto* label = new QLabel(this);
+        label->setObjectName(name);
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        return label;
+    };
+    lblReason = addNote(u"lblReason"_s);
+    lblProof = addNote(u"lblProof"_s);
+    lblProof->hide();
     fmeProgress = new QGroupBox(u"Download Progress"_s, this);
     fmeProgress->setObjectName(u"fmeProgress"_s);
     pbDwnld = new QProgressBar(fmeProgress);
@@ -86,6 +99,10 @@ void UpdatePanel::buildControls()
     pbDwnld->setTextVisible(false);
     pbDwnld->setRange(0, 1);
     pbDwnld->setValue(0);
+    lblFetched = new QLabel(fmeProgress);
+    lblFetched->setObjectName(u"lblFetched"_s);
+    lblFetched->setTextFormat(Qt::PlainText);
+    lblFetched->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long name leaves the bar its place
     lblPer = new QLabel(u"0%"_s, fmeProgress);
     lblPer->setObjectName(u"lblPer"_s);
     lblPer->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -109,8 +126,13 @@ void UpdatePanel::layOut()
         button->face()->setFixedWidth(buttonWidth);
         buttons->addWidget(button->face(), 0, 0, Qt::AlignLeft);
     }
-    auto* progress = new QHBoxLayout(fmeProgress);
-    progress->setContentsMargins(progressMargins);
+    cmdUndo->face()->setFixedWidth(buttonWidth);
+    buttons->addWidget(cmdUndo->face(), 0, 1, Qt::AlignRight);
+    lblReason->setMinimumHeight(lblReason->fontMetrics().height());
+    auto* transfer = new QVBoxLayout(fmeProgress);
+    transfer->setContentsMargins(progressMargins);
+    transfer->setSpacing(noteGap);
+    auto* progress = new QHBoxLayout;
     progress->setSpacing(gap);
     pbDwnld->setFixedHeight(barHeight);
     lblPer->setMinimumWidth(percentWidth);
@@ -118,10 +140,14 @@ void UpdatePanel::layOut()
     progress->addWidget(pbDwnld, 1);
     progress->addWidget(lblPer);
     progress->addWidget(cmdCancel->face());
+    transfer->addLayout(progress);
+    transfer->addWidget(lblFetched);
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(frameMargins);
     all->setSpacing(gap);
     all->addWidget(lstQRV, 1);
+    all->addWidget(lblReason);
+    all->addWidget(lblProof);
     all->addLayout(notes);
     all->addLayout(buttons);
     all->addWidget(fmeProgress);
@@ -132,6 +158,8 @@ void UpdatePanel::wireSignals()
     connect(cmdCheck, &ImageButton::clicked, this, &UpdatePanel::check);
     connect(cmdGetUpdates, &ImageButton::clicked, this,
             m_client.reporter.trapped("GetFilesObtain", [this] { getUpdates(); }));
+    connect(cmdUndo, &ImageButton::clicked, this, m_client.reporter.trapped("cmdUndo_Click", [this] { undo(); }));
+    connect(lstQRV, &UpdateChoice::reasonChanged, this, &UpdatePanel::showReason);
     connect(cmdCancel, &ImageButton::clicked, this, [this] {
         if (m_queue)
             m_queue->cancel();
@@ -168,8 +196,10 @@ void UpdatePanel::check()
     pbDwnld->setValue(0); // what it shows is of an earlier download
     lblPer->setText(u"0%"_s);
     lstQRV->setEmptyText(u"Looking for updates..."_s);
+    showReason({});
     setBusy(true);
     cmdCheck->setEnabled(false);
+    tellProof();
     m_check = std::make_unique<ListCheck>(m_services, m_setup.order, m_services.listLimit);
     // Behind the check's own doings: what follows opens boxes.
     connect(m_check.get(), &ListCheck::finished, this, &UpdatePanel::showCandidates, Qt::QueuedConnection);
@@ -178,9 +208,14 @@ void UpdatePanel::check()
 void UpdatePanel::showCandidates()
 {
     setBusy(false);
-    if (!m_check->hasList()) {
-        lstQRV->setEmptyText(u"Unable to obtain update info!"_s);
-        m_client.reporter.ReportMsg(MessageKind::Failed, u"Unable to obtain update info!"_s);
+    const bool isCancelled = m_check->isCancelled() && m_check->candidates().isEmpty();
+    if (isCancelled || !m_check->hasList()) {
+        const QString what = isCancelled ? u"The check was cancelled."_s : u"Unable to obtain update info!"_s;
+        lstQRV->setEmptyText(what);
+        if (!isCancelled) {
+            const QString& why = m_check->fault();
+            m_client.reporter.ReportMsg(MessageKind::Failed, why.isEmpty() ? what : what + u"\r\n\r\n"_s + why + u'.');
+        }
         cmdCheck->setEnabled(true);
         cmdCheck->setFocus();
         return;
@@ -198,16 +233,28 @@ void UpdatePanel::showCandidates()
 }
 
 /// A list that names files elsewhere is broken or means harm; either way the user is to know.
-void UpdatePanel::tellRefused(const std::vector<UpdateRecord>& refused)
+void UpdatePanel::tellRefused(const std::vector<RefusedFile>& refused)
 {
     if (refused.empty())
         return;
     QStringList lines;
-    for (const UpdateRecord& record : refused)
-        lines += m_client.codePage.toText(record.folder + record.name);
-    m_client.reporter.ReportMsg(MessageKind::Error,
-                                u"The update list names files outside the program folder. They are refused:\r\n\r\n"_s +
-                                    joined(lines));
+    for (const RefusedFile& file : refused)
+        lines += m_client.codePage.toText(file.record.folder + file.record.name) + u": "_s + refusalText(file.why);
+    m_client.reporter.ReportMsg(MessageKind::Error, u"Files of the update list are refused:\r\n\r\n"_s + joined(lines));
+}
+
+void UpdatePanel::showReason(const QString& why)
+{
+    lblReason->setText(why.isEmpty() ? QString() : why.left(1).toUpper() + why.mid(1) + u'.');
+}
+
+/// Whoever sits between here and the location can put anything into an update that nothing proves.
+void UpdatePanel::tellProof()
+{
+    const bool isProven = m_services.key || m_services.location.startsWith(u"https:"_s, Qt::CaseInsensitive);
+    lblProof->setText(u"No update key is set, and the location is plain http: nothing proves that these files are the "
+                      "maker's."_s);
+    lblProof->setVisible(!isProven && !m_services.location.isEmpty());
 }
 
 void UpdatePanel::getUpdates()
@@ -217,10 +264,10 @@ void UpdatePanel::getUpdates()
     pbDwnld->setValue(0);
     m_total = 0;
     m_done = 0;
-    std::vector<WaitingFile> items;
-    for (const UpdateRecord& record : lstQRV->checked()) {
+    std::vector<WantedFile> items;
+    for (const auto& [record, local, digest] : lstQRV->checked()) {
         m_total += record.size;
-        items.push_back({record.name, record.folder});
+        items.push_back({record.name, record.folder, record.size, digest});
         if (m_setup.order.kind == ListKind::Client && record.name == "help.chm")
             m_client.reporter.trap("GetFilesObtain", [&] { noteHelpVersion(m_services.targets, record.version); });
     }
@@ -232,9 +279,16 @@ void UpdatePanel::getUpdates()
         cmdCheck->setEnabled(true);
         return;
     }
+    m_remains = items.size() < lstQRV->offeredCount();
+    m_fileCount = static_cast<int>(items.size());
     setBusy(true);
     cmdGetUpdates->setEnabled(false);
+    cmdUndo->setEnabled(false);
     m_queue = std::make_unique<UpdateQueue>(m_services, m_setup.order.kind, m_check->location(), std::move(items));
+    connect(m_queue.get(), &UpdateQueue::fetching, this, [this](const std::string& name, int left) {
+        lblFetched->setText(
+            u"%1 (%2 of %3)"_s.arg(m_client.codePage.toText(name)).arg(m_fileCount - left).arg(m_fileCount));
+    });
     connect(m_queue.get(), &UpdateQueue::received, this, &UpdatePanel::advance);
     connect(m_queue.get(), &UpdateQueue::finished, this, &UpdatePanel::concludeDownload, Qt::QueuedConnection);
     m_queue->start();
@@ -260,6 +314,9 @@ void UpdatePanel::concludeDownload()
             areAnyDone = true;
     }
     setBusy(false);
+    lblFetched->clear();
+    showReason({});
+    followReplaced();
     lstQRV->clear();
     lstQRV->setEmptyText(u"Press \"%1\" to look for updates."_s.arg(m_setup.checkCaption));
     cmdGetUpdates->setEnabled(true);
@@ -278,9 +335,36 @@ void UpdatePanel::concludeDownload()
     }
     lblPer->setText(u"100%"_s);
     pbDwnld->setValue(barSteps);
-    m_agent.forgetAvailable();
+    if (!m_remains)
+        m_agent.forgetAvailable(m_setup.order.kind);
     if (needsRestart)
         m_client.boxes.show(u"Success"_s, u"Updates downloaded successfully!\r\n\r\n"_s + restartNeeded);
     else
         m_client.reporter.ReportMsg(MessageKind::Success, m_setup.success);
+}
+
+void UpdatePanel::showEvent(QShowEvent* event)
+{
+    followReplaced();
+    QGroupBox::showEvent(event);
+}
+
+/// The button is there as long as there is something to put back.
+void UpdatePanel::followReplaced()
+{
+    cmdUndo->setVisible(m_setup.canUndo && m_services.undoUpdate && isReplacedKept(m_services.targets.folder()));
+    cmdUndo->setEnabled(!m_queue);
+}
+
+void UpdatePanel::undo()
+{
+    if (!m_client.boxes.confirm(
+            u"Undo last update"_s,
+            u"The files that the last update replaced are put back, for which this program ends and "
+            "starts again. Undo the last update?"_s))
+        return;
+    if (!m_services.undoUpdate())
+        m_client.reporter.ReportMsg(MessageKind::Failed,
+                                    u"The last update could not be undone: the program 'QRVV3Updater.exe' could not be "
+                                    "started."_s);
 }

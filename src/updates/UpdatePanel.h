@@ -26,7 +26,8 @@ struct UpdatePanelSetup
     QString checkName; ///< object name of the button that checks
     QString checkCaption;
     const CheckOrder& order;
-    QString success; ///< closing message when everything is in its place
+    QString success;      ///< closing message when everything is in its place
+    bool canUndo = false; ///< whether it offers to undo the last update
 };
 
 /// Checks for updates, shows what there is with a check box for each file, and downloads what is checked.
@@ -40,6 +41,9 @@ public:
                 QWidget* parent);
     ~UpdatePanel() override;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void buildControls();
     void layOut();
@@ -49,11 +53,16 @@ private:
 
     void check();
     void showCandidates();
-    void tellRefused(const std::vector<UpdateRecord>& refused);
+    void tellRefused(const std::vector<RefusedFile>& refused);
+    void showReason(const QString& why);
+    void tellProof();
 
     void getUpdates();
     void advance(qint64 bytes);
     void concludeDownload();
+
+    void followReplaced();
+    void undo();
 
     Client& m_client;
     const UpdateServices& m_services;
@@ -64,6 +73,8 @@ private:
     std::optional<BusyPointer> m_pointer; ///< over the whole window, while either is at work
     qint64 m_total = 0;                   ///< bytes that are to come, as the list says
     qint64 m_done = 0;
+    int m_fileCount = 0;    ///< of the download under way
+    bool m_remains = false; ///< something that is offered was not wanted
 
     UpdateChoice* lstQRV = nullptr;
     ImageButton* cmdCheck = nullptr;
@@ -72,4 +83,8 @@ private:
     ImageButton* cmdCancel = nullptr;
     QProgressBar* pbDwnld = nullptr;
     QLabel* lblPer = nullptr;
+    QLabel* lblFetched = nullptr; ///< the file under way
+    QLabel* lblReason = nullptr;  ///< of the selected row
+    QLabel* lblProof = nullptr;   ///< says that nothing is proven
+    ImageButton* cmdUndo = nullptr;
 };

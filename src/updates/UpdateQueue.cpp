@@ -4,8 +4,13 @@
 #include "base/Text.h"
 #include "platform/net/Download.h"
 #include "platform/net/Inet.h"
+#include "platform/system/ExecutableFile.h"
 #include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
+#include "updates/InstallUpdates.h"
+#include "updates/Sha256.h"
+#include "updates/UpdateBounds.h"
+#include "updates/UpdateState.h"
 #include "updates/UpdateTargets.h"
 
 #include <QTimer>
@@ -17,9 +22,6 @@ using namespace Qt::StringLiterals;
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr int notThere = 404;
-constexpr int gone = 410;
 
 /// Where a file is gathered: hidden, and beside the place that it is for, so that it can be moved there at once.
 fs::path partName(const fs::path& folder, const std::string& name)
@@ -39,6 +41,10 @@ QString meaningOf(const Download& download, std::chrono::milliseconds silence)
         return u"the update location answered with error %1"_s.arg(download.status());
     case DownloadEnd::NoLength:
         return u"the update location did not tell the file's length"_s;
+    case DownloadEnd::OtherLength:
+        return u"its length, %1 bytes, is not the one in the update list"_s.arg(download.announced());
+    case DownloadEnd::TooLong:
+        return u"it is longer than %1 MiB"_s.arg(maxDownloadBytes / (1024 * 1024));
     case DownloadEnd::CutOff:
         return u"the transfer broke off"_s;
     case DownloadEnd::Silent:
@@ -69,8 +75,8 @@ void makeRunnable(const fs::path& file, const std::string& name)
 
 } // namespace
 
-UpdateQueue::UpdateQueue(const UpdateServices& services, ListKind kind, QString location,
-                         std::vector<WaitingFile> items, QObject* parent)
+UpdateQueue::UpdateQueue(const UpdateServices& services, ListKind kind, QString location, std::vector<WantedFile> items,
+                         QObject* parent)
     : QObject(parent),
       m_services(services),
       m_kind(kind),
@@ -82,37 +88,8 @@ UpdateQueue::~UpdateQueue() = default;
 
 void UpdateQueue::start()
 {
-    if (m_services.key)
-        fetchSums();
-    else
-        next();
-}
-
-void UpdateQueue::fetchSums()
-{
-    m_sumsPage = m_services.inet.get(addressAt(m_location, m_kind, FileSums::listName), m_services.listLimit);
-    m_signaturePage = m_services.inet.get(addressAt(m_location, m_kind, FileSums::signatureName), m_services.listLimit);
-    for (const PageFetch* page : {m_sumsPage.get(), m_signaturePage.get()})
-        connect(page, &PageFetch::finished, this, &UpdateQueue::takeSums);
-}
-
-void UpdateQueue::takeSums()
-{
-    if (m_isOver || m_sumsPage->isExecuting() || m_signaturePage->isExecuting())
-        return;
-    const PageAnswer& sums = m_sumsPage->answer();
-    const PageAnswer& signature = m_signaturePage->answer();
-    if (sums.status == notThere || sums.status == gone)
-        return next(); // a location that offers no checksums
-    const bool isGenuine = sums.isGood() && sums.isWhole && signature.isGood() && signature.isWhole &&
-                           m_services.key->hasSigned(sums.body.toStdString(), signature.body.toStdString());
-    if (isGenuine) {
-        m_sums.emplace(sums.body.toStdString());
-        return next();
-    }
-    while (!m_items.empty())
-        fail(u"the checksums of the update location are not signed with the key that is set in the options"_s);
-    end();
+    beginUpdate(m_services.targets.folder());
+    next();
 }
 
 void UpdateQueue::next()
@@ -124,7 +101,8 @@ void UpdateQueue::next()
 
 void UpdateQueue::GetFilesObtain()
 {
-    const WaitingFile& item = m_items.front();
+    const WantedFile& item = m_items.front();
+    Q_EMIT fetching(item.name, static_cast<int>(m_items.size()) - 1);
     const auto failAndGoOn = [this](const QString& why) {
         fail(why);
         QTimer::singleShot(0, this, &UpdateQueue::next);
@@ -147,15 +125,18 @@ void UpdateQueue::GetFilesObtain()
 
 bool UpdateQueue::openDownload(const fs::path& folder)
 {
-    const WaitingFile& item = m_items.front();
+    const WantedFile& item = m_items.front();
     m_part = partName(folder, item.name);
     m_received = 0;
-    m_sum = m_sums ? std::make_unique<Sha256>() : nullptr;
+    // What waits is looked at again before it is installed.
+    m_sum = !item.digest.empty() || mustWait() ? std::make_unique<Sha256>() : nullptr;
     Download::Listener listener;
     if (m_sum)
         listener = [this](std::string_view bytes) { m_sum->add(bytes); };
+    const Download::Limits limits{
+        .silence = m_services.silenceLimit, .maxBytes = maxDownloadBytes, .exactBytes = item.size};
     m_download = std::make_unique<Download>(m_services.inet, addressAt(m_location, m_kind, requestedName(item.name)),
-                                            m_part, m_services.silenceLimit, std::move(listener));
+                                            m_part, limits, std::move(listener));
     if (!m_download->isExecuting())
         return false;
     connect(m_download.get(), &Download::progress, this,
@@ -166,32 +147,45 @@ bool UpdateQueue::openDownload(const fs::path& folder)
 
 void UpdateQueue::conclude()
 {
-    if (m_download->outcome() != DownloadEnd::Whole)
-        fail(meaningOf(*m_download, m_services.silenceLimit));
-    else if (m_sum && !m_sums->matches(m_items.front().name, m_sum->digits())) {
+    const WantedFile& item = m_items.front();
+    const bool isWhole = m_download->outcome() == DownloadEnd::Whole;
+    const std::string digest = isWhole && m_sum ? m_sum->digits() : std::string();
+    QString fault;
+    if (!isWhole)
+        fault = meaningOf(*m_download, m_services.silenceLimit);
+    else if (!item.digest.empty() && item.digest != digest)
+        fault = u"its checksum is not the one that the update location has signed"_s;
+    else if (!mayReplace(m_part, m_services.targets.existingPathOf(item.name, item.folder, m_kind).value_or(m_target)))
+        fault = u"it is no program for this system"_s;
+    if (fault.isEmpty()) {
+        put(digest);
+    } else {
         std::error_code ignored;
         fs::remove(m_part, ignored);
-        fail(u"its checksum is not the one that the update location has signed"_s);
-    } else
-        put();
+        fail(fault);
+    }
     if (m_isCancelled)
         end();
     else
         QTimer::singleShot(0, this, &UpdateQueue::next); // the transfer is still on the way out of its own signal
 }
 
-void UpdateQueue::put()
+bool UpdateQueue::mustWait() const
 {
-    const WaitingFile item = m_items.front();
-    const AppFolder& folder = m_services.targets.folder();
-    const bool waits = m_part.parent_path() != m_target.parent_path() ||
-                       (m_services.isInUse && m_services.isInUse(m_target)) || m_services.targets.isProgram(m_target);
+    return m_part.parent_path() != m_target.parent_path() || (m_services.isInUse && m_services.isInUse(m_target)) ||
+           m_services.targets.isProgram(m_target);
+}
+
+void UpdateQueue::put(const std::string& digest)
+{
+    const WantedFile& item = m_items.front();
     std::error_code fault;
     if (!fs::exists(m_target, fault))
         makeRunnable(m_part, item.name);
     bool isPlaced = false;
     try {
-        if (!waits) {
+        if (!mustWait()) {
+            keepReplaced(m_services.targets.folder(), m_target, {item.name, item.folder});
             moveFile(m_part, m_target);
             isPlaced = true;
         }
@@ -200,13 +194,23 @@ void UpdateQueue::put()
     }
     try {
         if (!isPlaced)
-            divert(folder, m_part, item);
+            divertPart(digest);
     } catch (const RuntimeError& error) {
         fs::remove(m_part, fault);
         return fail(meaningOf(error));
     }
-    m_items.pop_front();
     m_results.push_back({item.name, isPlaced ? ObtainedFile::How::Placed : ObtainedFile::How::Diverted});
+    m_items.pop_front();
+}
+
+void UpdateQueue::divertPart(const std::string& digest) const
+{
+    const WantedFile& item = m_items.front();
+    const AppFolder& folder = m_services.targets.folder();
+    const UpdateState state(folder);
+    state.noteDigest(item.name, digest.empty() ? sha256Of(m_part) : digest);
+    state.noteHandOver(UpdateState::HandOver::None); // a set that has failed before may do now
+    divert(folder, m_part, {item.name, item.folder});
 }
 
 void UpdateQueue::fail(const QString& why)

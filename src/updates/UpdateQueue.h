@@ -5,14 +5,24 @@
 
 #include <QObject>
 
+#include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 class Download;
-class PageFetch;
+class Sha256;
+
+/// A file that is to be downloaded.
+struct WantedFile
+{
+    std::string name;
+    std::string folder;      ///< as in the list
+    std::int64_t size = 0;   ///< bytes; 0 when the list gives none
+    std::string digest = {}; ///< what it must hold, 64 hexadecimal digits; empty where nothing is proven
+};
 
 /// What became of one file of a queue.
 struct ObtainedFile
@@ -37,7 +47,7 @@ class UpdateQueue : public QObject
 public:
     /// @param services  outlives this
     /// @param location  the update location that the list came from
-    UpdateQueue(const UpdateServices& services, ListKind kind, QString location, std::vector<WaitingFile> items,
+    UpdateQueue(const UpdateServices& services, ListKind kind, QString location, std::vector<WantedFile> items,
                 QObject* parent = nullptr);
     ~UpdateQueue() override;
 
@@ -48,32 +58,32 @@ public:
     const std::vector<ObtainedFile>& results() const { return m_results; }
 
 Q_SIGNALS:
+    /// The next file's turn has come.
+    /// @param left  how many files come behind it
+    void fetching(const std::string& name, int left);
     /// So many bytes more have arrived.
     void received(qint64 bytes);
     /// Once, from the event loop or from cancel().
     void finished();
 
 private:
-    void fetchSums();
-    void takeSums();
     void next();
     void GetFilesObtain();
     bool openDownload(const std::filesystem::path& folder);
     void conclude();
-    void put();
+    bool mustWait() const;
+    void put(const std::string& digest);
+    void divertPart(const std::string& digest) const;
     void fail(const QString& why);
     void end();
 
     const UpdateServices& m_services;
     ListKind m_kind;
     QString m_location;
-    std::deque<WaitingFile> m_items; ///< the first one is under way
+    std::deque<WantedFile> m_items; ///< the first one is under way
     std::vector<ObtainedFile> m_results;
 
-    std::unique_ptr<PageFetch> m_sumsPage;
-    std::unique_ptr<PageFetch> m_signaturePage;
-    std::optional<FileSums> m_sums;
-    std::unique_ptr<Sha256> m_sum; ///< of the file under way
+    std::unique_ptr<Sha256> m_sum; ///< of the file under way, where it is needed
 
     std::filesystem::path m_target;
     std::filesystem::path m_part; ///< what has arrived of it

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "updates/FileSums.h"
 #include "updates/UpdateCheck.h"
+#include "updates/UpdateKey.h"
 #include "updates/UpdateList.h"
 
 #include <QString>
@@ -29,6 +29,10 @@ struct UpdateServices
     QString location = {};
     /// Who may say what belongs at the update location; nothing to take what comes. Written by the options.
     std::optional<UpdateKey> key = {};
+    /// The key that counts as long as none is set; as minisign writes it, empty for none.
+    std::string builtInKey = {};
+    /// Puts back what the last update replaced, for which this program ends. @return whether it does
+    std::function<bool()> undoUpdate = {};
     /// Whether a file is in use, so that it cannot be replaced now.
     std::function<bool(const std::filesystem::path& file)> isInUse = {};
 

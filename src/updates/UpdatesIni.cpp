@@ -6,6 +6,8 @@
 #include "store/AppFolder.h"
 #include "store/IniText.h"
 
+#include <algorithm>
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -34,6 +36,24 @@ std::vector<WaitingFile> waitingFiles(const AppFolder& folder)
         files.push_back({.name = line.substr(0, equals), .folder = line.substr(equals + 1)});
     }
     return files;
+}
+
+void dropWaiting(const AppFolder& folder, const std::vector<WaitingFile>& dropped)
+{
+    IniText list = readList(folder);
+    std::vector<WaitingFile> left = waitingFiles(folder);
+    std::erase_if(left, [&](const WaitingFile& file) {
+        return std::find(dropped.begin(), dropped.end(), file) != dropped.end();
+    });
+    list.removeSection(section);
+    for (const WaitingFile& file : left)
+        list.setValue(section, file.name, file.folder);
+    writeBytes(listPath(folder), list.bytes());
+    for (const WaitingFile& file : dropped) {
+        std::error_code ignored; // what stays is on no list any more
+        if (isPlainFileName(file.name))
+            fs::remove(folder.path(std::string(updatesFolder).append("\\").append(file.name)), ignored);
+    }
 }
 
 void divert(const AppFolder& folder, const fs::path& arrived, const WaitingFile& file)

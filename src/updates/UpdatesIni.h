@@ -23,6 +23,10 @@ struct WaitingFile
 /// The files that wait, in the order in which they came. Entries are as they stand in the file: they may be anything.
 std::vector<WaitingFile> waitingFiles(const AppFolder& folder);
 
+/// Takes files off the list, and away where they are there.
+/// @throws RuntimeError from the disk
+void dropWaiting(const AppFolder& folder, const std::vector<WaitingFile>& dropped);
+
 /// Moves a file that has arrived whole into "\Updates" and writes down where it belongs. When that fails, it is gone
 /// and nothing waits.
 /// @param arrived  on the same disk as the program folder

@@ -5,7 +5,7 @@
 #include "platform/net/Inet.h"
 #include "platform/system/CodePageTables.h"
 #include "ui/ImageButton.h"
-#include "updates/FileSums.h"
+#include "updates/UpdateKey.h"
 #include "updates/UpdateOptions.h"
 
 #include <QCheckBox>
@@ -117,8 +117,8 @@ QGroupBox* qrvrcOptions::buildProgram()
     txtMakerHost->setToolTip(u"Web host for the built-in update locations, the news and error reports"_s);
     addRow(form, u"&Maker Host:"_s, txtMakerHost, u"txtMakerHost"_s);
     txtUpdateKey = new QLineEdit;
-    txtUpdateKey->setPlaceholderText(u"None: downloads are not checked for signatures"_s);
-    txtUpdateKey->setToolTip(u"Public Ed25519 key, in Base64, with which the update location signs its checksums"_s);
+    txtUpdateKey->setPlaceholderText(u"None of your own"_s);
+    txtUpdateKey->setToolTip(u"Public key, as minisign writes it, with which the update location signs its manifest"_s);
     addRow(form, u"Update &Key:"_s, txtUpdateKey, u"txtUpdateKey"_s);
     auto* note = new QLabel(u"A change of the maker host counts from the next start on."_s);
     note->setWordWrap(true);
@@ -184,7 +184,7 @@ void qrvrcOptions::save()
         return;
     }
     if (!values.updateKey.isEmpty() && !UpdateKey::fromText(values.updateKey.toUtf8().toStdString())) {
-        complainOf(txtUpdateKey, u"The update key must be the Base64 of a public Ed25519 key (32 bytes), or empty."_s);
+        complainOf(txtUpdateKey, u"The update key must be a public key as minisign writes it, or empty."_s);
         return;
     }
     if (m_client.reporter.trap("cmdSave_Click", [&] { m_options.save(values); }))

@@ -40,7 +40,8 @@ qrvrcUpdate::qrvrcUpdate(Client& client, const UpdateServices& services, UpdateA
                                    .checkName = u"cmdUpdateQRV"_s,
                                    .checkCaption = u"Update QRVRC"_s,
                                    .order = clientCheck,
-                                   .success = u"Updates downloaded and installed successfully."_s},
+                                   .success = u"Updates downloaded and installed successfully."_s,
+                                   .canUndo = true},
                                   this);
     buildControls();
     layOut(panel);

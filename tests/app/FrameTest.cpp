@@ -1,3 +1,4 @@
+#include "app/Leftovers.h"
 #include "app/ShippedFiles.h"
 #include "link/Ask.h"
 #include "link/Request.h"
@@ -88,6 +89,32 @@ private Q_SLOTS:
         desk.frame().close();
         QVERIFY(desk.core().quitting);
         QVERIFY(!desk.frame().isVisible());
+    }
+
+    void anUpdaterThatDoesNotReportBackLocksNobodyOut()
+    {
+        Desk desk;
+        for (const char* file : {"\\Updates\\updates.ini", "\\Updates\\new.dll", "\\QRVV3Updater.exe"})
+            desk.put(file, "#!/bin/sh\n");
+        std::filesystem::permissions(desk.path("\\QRVV3Updater.exe"), std::filesystem::perms::owner_all);
+        QVERIFY(!desk.open()); // handed over
+        for (const qsizetype told : {1, 1}) {
+            QVERIFY(desk.open());
+            QCOMPARE(desk.boxes.boxes.size(), told);
+            QVERIFY(desk.boxes.boxes[0].text.contains(u"'QRVV3Updater.exe', which was started for it, has not"_s));
+            QVERIFY(desk.exists("\\Updates\\new.dll"));
+        }
+    }
+
+    void leftoversAreSwept()
+    {
+        const Desk desk;
+        for (const char* file :
+             {"\\.a.dll.download", "\\Plugins\\.b.123.tmp", "\\c.tmp", "\\.profiles", "\\Updates\\d.download"})
+            desk.put(file, "x");
+        sweepLeftovers(desk.path("\\"));
+        QVERIFY(!desk.exists("\\.a.dll.download") && !desk.exists("\\Plugins\\.b.123.tmp"));
+        QVERIFY(desk.exists("\\c.tmp") && desk.exists("\\.profiles") && desk.exists("\\Updates\\d.download"));
     }
 
     void waitingUpdatesAreHandedOver_data()

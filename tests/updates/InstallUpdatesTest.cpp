@@ -2,6 +2,7 @@
 #include "base/RaisedError.h"
 #include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
+#include "updates/UpdateState.h"
 #include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"
 
@@ -43,6 +44,11 @@ struct House
     {
         return get("\\qrvv3rc") == "new program" && get("\\Plugins\\Deep\\new.dll") == "new plugin" &&
                get("\\data.bin") == "new data" && !folder.folderExists("\\Updates");
+    }
+    bool isUntouched() const
+    {
+        return get("\\qrvv3rc") == "old program" && !folder.fileExists("\\Plugins\\Deep\\new.dll") &&
+               get("\\data.bin") == "old data" && folder.folderExists("\\Updates");
     }
     bool keepsTheOld() const
     {
@@ -120,23 +126,58 @@ private Q_SLOTS:
         QVERIFY(!house.folder.folderExists("\\Replaced"));
     }
 
-    void whatCannotBeInstalledIsToldAndHoldsNothingUp()
+    void aSetIsInstalledWholeOrNotAtAll()
     {
         const House house;
-        house.folder.makeFolder("\\data.bin.d");
+        const UpdateState state(house.folder);
         house.put("\\Updates\\evil", "evil");
-        house.put("\\Updates\\taken", "x");
-        house.folder.makeFolder("\\taken");
+        house.put("\\Updates\\state", "evil");
+        house.put("\\Updates\\bad", "not what came");
+        state.noteDigest("bad", std::string(64, '0'));
         house.put("\\Updates\\updates.ini",
                   house.get("\\Updates\\updates.ini") +
-                      "evil=\\..\\\r\n..\\..\\up=\\\r\ntaken=\\\r\nx.ocx={System}\r\ngone=\\\r\n");
-        const std::vector<std::string> problems = installWaiting(house.targets);
-        QCOMPARE(problems.size(), std::size_t{4});
-        QVERIFY(house.isInstalled());
-        QVERIFY(!fs::exists(house.folder.root().parent_path() / "evil"));
+                      "evil=\\..\\\r\n..\\..\\up=\\\r\nx.ocx={System}\r\nstate=\\settings\\\r\nbad=\\\r\n");
+        QCOMPARE(installWaiting(house.targets).size(), std::size_t{5});
+        QVERIFY(house.isUntouched() && house.get("\\Updates\\bad") == "nothing");
+        QVERIFY(!fs::exists(house.folder.root().parent_path() / "evil") &&
+                !house.folder.fileExists("\\settings\\state"));
         const std::string told = house.get(problemsFile);
-        for (const char* name : {"evil: ", "up: ", "taken: ", "x.ocx: "})
+        for (const char* name : {"evil: ", "up: ", "x.ocx: ", "state: ", "bad: "})
             QVERIFY2(told.find(name) != std::string::npos, told.c_str());
+        QVERIFY(state.handOver() == UpdateState::HandOver::Told); // the same would come of it
+        QVERIFY(installWaiting(house.targets).empty());           // what never could be installed is off the list
+        QVERIFY(house.isInstalled());
+    }
+
+    void whatHasBeenMovedIsTakenBackWhenTheRestCannotBe()
+    {
+        const House house;
+        house.wait("taken", "\\", "x");
+        fs::create_directories(house.folder.path("\\taken"));
+        QCOMPARE(installWaiting(house.targets).size(), std::size_t{1});
+        QVERIFY(house.isUntouched());
+        QCOMPARE(house.get("\\Updates\\QRVV3RC.exe"), std::string("new program"));
+        QVERIFY(UpdateState(house.folder).handOver() == UpdateState::HandOver::None); // may do the next time
+        fs::remove(house.folder.path("\\taken"));
+        QVERIFY(installWaiting(house.targets).empty());
+        QVERIFY(house.isInstalled() && house.keepsTheOld());
+    }
+
+    void undoingTakesAwayWhatWasAdded()
+    {
+        const House house;
+        installWaiting(house.targets);
+        QVERIFY(isReplacedKept(house.folder));
+        beginUpdate(house.folder); // not started yet: still kept
+        QVERIFY(isReplacedKept(house.folder) && UpdateState(house.folder).isOnTrial());
+        QVERIFY(restoreReplaced(house.targets).empty());
+        QVERIFY(!house.folder.fileExists("\\Plugins\\Deep\\new.dll") && !isReplacedKept(house.folder));
+        QVERIFY(!UpdateState(house.folder).isOnTrial());
+        house.wait("data.bin", "\\", "newest");
+        installWaiting(house.targets);
+        UpdateState(house.folder).noteTrial(false);
+        beginUpdate(house.folder);
+        QVERIFY(!isReplacedKept(house.folder));
     }
 
     void aListThatCannotBeReadIsToldToo()

@@ -1,10 +1,14 @@
 #include "updates/UpdateCheck.h"
+#include "base/Base64.h"
 #include "base/RaisedError.h"
+#include "base/Text.h"
 #include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
 #include "support/AddRow.h"
 #include "updates/DiskFacts.h"
 #include "updates/NewsFrequency.h"
+#include "updates/UpdateKey.h"
+#include "updates/UpdateManifest.h"
 #include "updates/UpdateTargets.h"
 
 #include <QTemporaryDir>
@@ -162,6 +166,19 @@ private Q_SLOTS:
         addRow("no name", std::string(), std::string("\\"));
         addRow("up in the manual's name", std::string("help.chm"), std::string("\\..\\"));
         addRow("system folder by a path", std::string("..\\x"), std::string("{System}"));
+        addRow("settings", std::string("config.ini"), std::string("\\Settings\\"));
+        addRow("below what was sent", std::string("x"), std::string("\\RCDATA\\a\\"));
+        addRow("what waits", std::string("updates.ini"), std::string("\\updates\\"));
+        addRow("what was replaced", std::string("x"), std::string("\\Replaced\\"));
+        addRow("saved conversations", std::string("x"), std::string("\\SupportSaves\\"));
+        addRow("their short form", std::string("x"), std::string("\\SUPPOR~1\\"));
+        addRow("accounts", std::string("PROFILES.ini"), std::string("\\"));
+        addRow("their short form", std::string("PROFIL~1.INI"), std::string("\\"));
+        addRow("another short form", std::string("PRA3F2~1.INI"), std::string("\\"));
+        addRow("the lock", std::string("instance.lock"), std::string("\\"));
+        addRow("the error log", std::string("ErrorLog.txt"), std::string("\\"));
+        addRow("the journal", std::string("JOURNAL.txt"), std::string("\\"));
+        addRow("a link to the settings", std::string("config.ini"), std::string("\\link\\"));
     }
     void hostileRecordsAreKeptAside()
     {
@@ -169,6 +186,7 @@ private Q_SLOTS:
         QFETCH(const std::string, folder);
         const Disk disk;
         fs::create_directory_symlink(fs::temp_directory_path(), disk.folder.root() / "out");
+        fs::create_directory_symlink(disk.folder.path("\\settings"), disk.folder.root() / "link");
         const LocalFacts facts = diskFacts(disk.targets, ListKind::Client, "", helpVersionFile);
         Candidates found;
         found.take(record(name, folder, 1, "9"), facts, CheckRule::Client);
@@ -177,6 +195,71 @@ private Q_SLOTS:
         QCOMPARE(found.added.size(), std::size_t{1});
         QCOMPARE(raisedBy([&] { disk.targets.pathOf(name, folder, ListKind::Client); }),
                  numberOf(ErrorNumber::PermissionDenied));
+    }
+
+    void manifestsAreWholeOrNone_data()
+    {
+        QTest::addColumn<std::string>("text");
+        QTest::addColumn<int>("files"); // -1 for no manifest
+        const std::string head = "serial 12\ndate 2026-03-01\n";
+        const std::string line = std::string(64, 'A') + " 5 1.0 \\My Files\\ a b.dll\n";
+        addRow("one file", head + line, 1);
+        addRow("with carriage returns and without an end",
+               "serial 12\r\ndate 2026-03-01\r\n\r\n" + std::string(64, '0') + " 0 - {System} x.ocx", 1);
+        addRow("no file", head, 0);
+        addRow("no date", std::string("serial 12\n"), -1);
+        addRow("bad date", "serial 12\ndate 2026-3-01\n" + line, -1);
+        addRow("bad serial", "serial -1\ndate 2026-03-01\n" + line, -1);
+        addRow("huge serial", "serial 99999999999999999999\ndate 2026-03-01\n" + line, -1);
+        addRow("one file twice", head + line + lowerAscii(line), -1);
+        addRow("short digest", head + line.substr(1), -1);
+        addRow("no name", head + line.substr(0, line.size() - 8) + '\n', -1);
+        addRow("no size", head + std::string(64, 'a') + " x 1 \\ a\n", -1);
+        addRow("no folder", head + std::string(64, 'a') + " 1 1 \\a\n", -1);
+    }
+    void manifestsAreWholeOrNone()
+    {
+        QFETCH(const std::string, text);
+        QFETCH(const int, files);
+        const std::optional<UpdateManifest> manifest = UpdateManifest::parse(text);
+        QCOMPARE(manifest ? static_cast<int>(manifest->size()) : -1, files);
+        if (files != 1)
+            return;
+        QCOMPARE(manifest->serial(), std::uint64_t{12});
+        const ManifestEntry* entry = manifest->find("\\my files\\", "A B.dll");
+        if (!entry)
+            entry = manifest->find("{System}", "X.OCX");
+        QVERIFY(entry);
+        UpdateRecord same = record(entry->name, entry->folder, static_cast<std::int32_t>(entry->size), entry->version);
+        QVERIFY(agrees(*entry, same));
+        QVERIFY(!agrees(*entry, record(same.name, same.folder, same.size + 1, same.version)));
+        QVERIFY(!agrees(*entry, record(same.name, same.folder, same.size, "2")));
+        QVERIFY(!agrees(*entry, record(same.name, "\\", same.size, same.version)));
+    }
+
+    void aSignatureFileIsOfItsKeyItsTextAndItsComment()
+    {
+        // Made with the signing tool that publishers use.
+        const std::string file =
+            "untrusted comment: signature from minisign secret key\n"
+            "RUQf6LRCGA9i559r3g7V1qNyJDApGip8MfqcadIgT9CuhV3EMhHoN1mGTkUidF/z7SrlQgXdy8ofjb7bNJJylDOocrCo8KLz"
+            "Zwo=\n"
+            "trusted comment: timestamp:1556193335\tfile:test\n"
+            "y/rUw2y8/hOUYjZU71eHp/Wo1KZ40fGy2VJEDl34XMJM+TX48Ss/17u3IvIfbVR1FkZZSNCisQbuQY+bHwhEBg==\n";
+        const auto key = UpdateKey::fromText(" RWQf6LRCGA9i53mlYecO4IzT51TGPpvWucNSCh1CBM0QTaLn73Y7GFO3\r\n");
+        QVERIFY(key && key->hasSigned("test", file));
+        QVERIFY(key->hasSigned("test", replaced(file, "\n", "\r\n")));
+        QVERIFY(!key->hasSigned("Test", file));
+        for (const auto& [was, is] :
+             {std::pair("timestamp:1", "timestamp:2"), std::pair("RUQf", "RWQf"), std::pair("RUQf6", "RUQf7"),
+              std::pair("untrusted", "trusted"), std::pair("trusted comment: t", "t"), std::pair("y/rU", "z/rU"),
+              std::pair("Zwo=", "Zwo"), std::pair("EBg==\n", "EBg==\nmore")})
+            QVERIFY2(!key->hasSigned("test", replaced(file, was, is)), was);
+        const auto bare = UpdateKey::fromText(
+            base64::encode(base64::decode("RWQf6LRCGA9i53mlYecO4IzT51TGPpvWucNSCh1CBM0QTaLn73Y7GFO3").substr(10)));
+        QVERIFY(bare && bare->hasSigned("test", file) && bare->digits() == key->digits());
+        for (const char* text : {"", "RWQf6LRCGA9i53mlYecO4IzT51TGPpvWucNSCh1CBM0QTaLn73Y7GFO", "!", "AAAA"})
+            QVERIFY2(!UpdateKey::fromText(text), text);
     }
 
     void newsAreFetchedByTheClock_data()

@@ -6,6 +6,7 @@
 #include "practice/web/WebSide.h"
 #include "store/AppFolder.h"
 #include "updates/ListCheck.h"
+#include "updates/UpdateState.h"
 #include "updates/UpdateTargets.h"
 #include "updates/UpdatesIni.h"
 
@@ -52,7 +53,7 @@ struct Yard
     std::string get(std::string_view name) const { return readBytesIfPresent(folder.path(name)).value_or("nothing"); }
 
     /// @return whether the queue came to its end
-    bool obtain(std::vector<WaitingFile> items, const std::function<void(UpdateQueue&)>& meanwhile = {})
+    bool obtain(std::vector<WantedFile> items, const std::function<void(UpdateQueue&)>& meanwhile = {})
     {
         UpdateQueue queue(services, ListKind::Client, services.location, std::move(items));
         bool isOver = false;
@@ -199,46 +200,105 @@ private Q_SLOTS:
         QVERIFY(yard.isTidy());
     }
 
-    void signedChecksumsDecideWhenThereIsAKey_data()
+    void whatIsNotAsListedIsRefused_data()
     {
-        // Made once with a key of its own; it signs "abc.bin" with the contents "abc".
-        const QByteArray sums = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad  abc.bin\r\n";
-        const QByteArray signature =
-            "0LE8n1nfDkovCbcWj+4U3OpbBq25OSlhTvyAICSrHqIuFbXChtOfWkMumrc55GuJ9g9xG/CZS2TGP1iZ6RQqBw==\n";
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QByteArray>("sums");
-        QTest::addColumn<QByteArray>("signature");
-        QTest::addColumn<QByteArray>("fault");
-        QTest::addColumn<bool>("isTaken");
-        QTest::newRow("as signed") << "abc"_ba << sums << signature << "none"_ba << true;
-        QTest::newRow("other contents") << "abd"_ba << sums << signature << "none"_ba << false;
-        QTest::newRow("not in the list") << "abc"_ba
-                                         << "\r\n"_ba << signature << "none"_ba << false;
-        QTest::newRow("list changed") << "abc"_ba << sums + ' ' << signature << "none"_ba << false;
-        QTest::newRow("no signature") << "abc"_ba << sums << QByteArray() << "none"_ba << false;
-        QTest::newRow("no list offered") << "abd"_ba << QByteArray() << QByteArray() << "notfound"_ba << true;
-        QTest::newRow("list cannot be had") << "abc"_ba << sums << signature << "status:503"_ba << false;
+        QTest::addColumn<WantedFile>("wanted");
+        QTest::addColumn<QString>("why"); // empty for none
+        const std::string abc = "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
+        QTest::newRow("as listed") << WantedFile{"abc.bin", "\\", 3, abc} << QString();
+        QTest::newRow("longer than listed") << WantedFile{"abc.bin", "\\", 2} << u"not the one in the update list"_s;
+        QTest::newRow("shorter than listed") << WantedFile{"abc.bin", "\\", 4, abc} << u"update list"_s;
+        QTest::newRow("other contents") << WantedFile{"abc.bin", "\\", 3, std::string(64, '0')} << u"signed"_s;
+        QTest::newRow("a page for a program") << WantedFile{"tool.exe", "\\", 0} << u"no program for this system"_s;
+        QTest::newRow("over the accounts") << WantedFile{"Profiles.INI", "\\"} << u"Permission"_s;
     }
-    void signedChecksumsDecideWhenThereIsAKey()
+    void whatIsNotAsListedIsRefused()
     {
-        QFETCH(const QByteArray, body);
-        QFETCH(const QByteArray, sums);
-        QFETCH(const QByteArray, signature);
-        QFETCH(const QByteArray, fault);
-        QFETCH(const bool, isTaken);
+        QFETCH(const WantedFile, wanted);
+        QFETCH(const QString, why);
         Yard yard;
-        yard.services.key = UpdateKey::fromText("2Vtr74XT+HkmaYxYRLH7wthjyESlvxlic8FQqdnb2Oc=");
+        copyFile(std::filesystem::read_symlink("/proc/self/exe"), yard.folder.path("\\tool.exe"));
+        const std::string before = yard.get("\\tool.exe");
+        for (const char* name : {"abc.bin", "tool.exe", "Profiles.INI"})
+            yard.web.updates().offerClientFile({.name = name, .folder = "\\", .body = "abc"});
+        QVERIFY(yard.obtain({wanted}));
+        QVERIFY2(why.isEmpty() ? yard.results[0].how == How::Placed : yard.results[0].why.contains(why),
+                 qPrintable(yard.results[0].why));
+        QCOMPARE(yard.get("\\abc.bin"), std::string(why.isEmpty() ? "abc" : "nothing"));
+        QVERIFY(yard.get("\\tool.exe") == before && yard.isTidy());
+    }
+
+    void whatWaitsIsRememberedByItsChecksum()
+    {
+        Yard yard;
+        yard.web.updates().offerClientFile({.name = "QRVV3RC.exe", .folder = "\\", .body = "abc"});
+        QVERIFY(yard.obtain({{"QRVV3RC.exe", "\\"}, {"data.bin", "\\"}, {"last.bin", "\\"}}));
+        const auto digests = UpdateState(yard.folder).digests();
+        QCOMPARE(digests.at("QRVV3RC.exe").substr(0, 8), std::string("ba7816bf"));
+        QCOMPARE(digests.size(), std::size_t{1});
+        QCOMPARE(yard.get("\\Replaced\\data.bin"), std::string("old data"));
+        QCOMPARE(UpdateState(yard.folder).added().front().name, std::string("last.bin"));
+    }
+
+    void onlyTheManifestOfTheKeyCounts_data()
+    {
+        QTest::addColumn<QByteArray>("page"); // served in place of the manifest, if any
+        QTest::addColumn<bool>("isHashed");
+        QTest::addColumn<QByteArray>("fault");
+        QTest::addColumn<QString>("why");
+        QTest::newRow("signed") << QByteArray() << true << "none"_ba << QString();
+        QTest::newRow("not there") << QByteArray() << true << "notfound"_ba << u"no manifest"_s;
+        QTest::newRow("cannot be had") << QByteArray() << true << "cutoff:9"_ba << u"no manifest"_s;
+        QTest::newRow("of another kind of signature")
+            << "serial 7\ndate 2026-01-01\n"_ba << false << "none"_ba << QString();
+        QTest::newRow("of an older release") << "serial 4\ndate 2026-01-01\n"_ba << true << "none"_ba << u"older"_s;
+        QTest::newRow("unreadable") << "serial x\n"_ba << true << "none"_ba << u"cannot be read"_s;
+        QTest::newRow("changed") << "serial 7\ndate 2026-01-02\n"_ba << true << "signature"_ba << u"not signed"_s;
+    }
+    void onlyTheManifestOfTheKeyCounts()
+    {
+        QFETCH(const QByteArray, page);
+        QFETCH(const bool, isHashed);
+        QFETCH(const QByteArray, fault);
+        QFETCH(const QString, why);
+        const practice::UpdateSigner signer;
+        Yard yard;
+        yard.services.key = UpdateKey::fromText(signer.publicKey().toStdString());
         QVERIFY(yard.services.key);
-        yard.web.updates().offerClientFile({.name = "abc.bin", .folder = "\\", .body = body});
-        yard.web.updates().setPage("qrvv3rc_sha256.txt", sums);
-        if (!signature.isEmpty())
-            yard.web.updates().setPage("qrvv3rc_sha256.txt.sig", signature);
-        yard.web.updates().misbehave("qrvv3rc_sha256.txt", PageFault::parse(fault).value());
-        QVERIFY(yard.obtain({{"abc.bin", "\\"}}));
-        QCOMPARE(yard.results.size(), std::size_t{1});
-        QVERIFY2((yard.results[0].how == How::Placed) == isTaken, qPrintable(yard.results[0].why));
-        QCOMPARE(yard.get("\\abc.bin"), isTaken ? body.toStdString() : std::string("nothing"));
-        QVERIFY(yard.isTidy());
+        UpdateState(yard.folder).noteSerial(yard.services.key->digits(), 5);
+        yard.web.updates().sign(signer, 5);
+        if (!page.isEmpty()) {
+            yard.web.updates().setPage("qrvv3rc_manifest.txt", page);
+            const QByteArray text = fault == "signature" ? page + ' ' : page;
+            yard.web.updates().setPage("qrvv3rc_manifest.txt.minisig", signer.signatureOf(text, isHashed));
+        }
+        yard.web.updates().misbehave("qrvv3rc_manifest.txt", PageFault::parse(fault).value_or(PageFault()));
+        ListCheck check(yard.services, clientCheck, 30s);
+        QTRY_VERIFY(check.isOver());
+        QVERIFY2(check.hasList() == why.isEmpty() && check.fault().contains(why), qPrintable(check.fault()));
+        if (!why.isEmpty())
+            QVERIFY(check.candidates().isEmpty() && check.candidates().refused.empty());
+        else if (page.isEmpty())
+            QVERIFY(!check.candidates().added.empty() && check.candidates().added[0].digest.size() == 64);
+        else
+            QCOMPARE(check.candidates().refused.size(), std::size_t{3}); // it says nothing of them
+        QCOMPARE(UpdateState(yard.folder).highestSerial(yard.services.key->digits()),
+                 std::uint64_t(why.isEmpty() && !page.isEmpty() ? 7 : 5));
+    }
+
+    void listsBeyondTheBoundsAreRefused()
+    {
+        QByteArray list = "qrvv3rc.exe|\\|executable file|(qrv) main executable|1|1.0.0.0\n";
+        for (int line = 1; line < 20'000; ++line)
+            list += "data.bin|\\|f|d|8|1\n";
+        for (const auto& [text, why] : {std::pair(list, u""_s), std::pair(list + "x|\\|f|d|8|1\n", u"20000 files"_s),
+                                        std::pair(list + QByteArray(1 << 20, ' '), u"1024 KiB"_s)}) {
+            Yard yard;
+            yard.web.updates().setPage("qrvv3rc_filelist.txt", text);
+            ListCheck check(yard.services, clientCheck, 30s);
+            QTRY_VERIFY(check.isOver());
+            QVERIFY2(check.hasList() == why.isEmpty() && check.fault().contains(why), qPrintable(check.fault()));
+        }
     }
 
     void aHostWhoseCertificateNobodyVouchesForIsNotBelieved()

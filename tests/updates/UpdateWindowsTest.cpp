@@ -51,6 +51,15 @@ private Q_SLOTS:
         QTest::keyClick(&grid, Qt::Key_Space);
         QCOMPARE(house.rows(update).mid(3), (QStringList{u"-new.bin"_s, u"Changed Files"_s, u"+data.bin"_s}));
         QCOMPARE(grid.rows().row(5).toolTip, u"About data.bin"_s);
+        const QStringList reasons{u"Newer: version 3.0.2.0 is offered, 3.0.1.0 is here."_s, QString(),
+                                  u"New: there is no such file here."_s, QString(),
+                                  u"Changed: it has no version, 11 bytes are offered, 10 are here."_s};
+        for (int row = 1; row <= 5; ++row) {
+            clickRow(row);
+            QCOMPARE(house.desk.in(update).text(u"lblReason"_s), reasons[row - 1]);
+        }
+        QVERIFY(house.desk.in(update).text(u"lblProof"_s).contains(u"nothing proves"_s));
+        QVERIFY(house.desk.in(update).control(u"lblProof"_s).isVisible());
     }
 
     void withoutAListThereIsNoGrid_data()
@@ -157,6 +166,52 @@ private Q_SLOTS:
         QVERIFY(house.rows(update).isEmpty() && house.desk.in(update).control(u"cmdUpdateQRV"_s).isVisible());
     }
 
+    void whatIsNotWantedStaysAvailable()
+    {
+        House house;
+        house.offer("data.bin", "1", "changed, and not wanted");
+        house.offer("new.bin", "1", "new");
+        QVERIFY(house.open(update));
+        house.desk.core().updatesAvailable = true;
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        QVERIFY(house.getUpdates(update));
+        QVERIFY(house.desk.core().updatesAvailable);
+    }
+
+    void aCancelledCheckIsNoFailure()
+    {
+        House house;
+        QVERIFY(house.open(update));
+        house.pages().misbehave("qrvv3rc_filelist.txt", {.kind = PageFault::Kind::Never});
+        house.desk.in(update).click(u"cmdUpdateQRV"_s);
+        QTRY_VERIFY(house.pages().requested().contains("qrvv3rc_filelist.txt"));
+        house.desk.in(update).click(u"cmdCancel"_s);
+        QTRY_VERIFY(house.desk.in(update).control(u"cmdUpdateQRV"_s).isEnabled());
+        QVERIFY(house.desk.boxes.boxes.isEmpty());
+        QCOMPARE(house.desk.in(update).control<GridView>(u"lstQRV"_s).emptyText(), u"The check was cancelled."_s);
+    }
+
+    void theLastUpdateCanBeUndone()
+    {
+        House house;
+        house.offer("data.bin", "1", "changed data");
+        QVERIFY(house.open(update));
+        QVERIFY(!house.desk.in(update).control(u"cmdUndo"_s).isVisible());
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        house.desk.in(update).clickRow(u"lstQRV"_s, 1);
+        QVERIFY(house.getUpdates(update));
+        QCOMPARE(house.desk.bytesOf("\\Replaced\\data.bin"), "0123456789");
+        QVERIFY(house.desk.in(update).control(u"cmdUndo"_s).isVisible());
+        bool isUndone = false;
+        house.desk.core().updates.undoUpdate = [&isUndone] { return isUndone = true; };
+        house.desk.boxes.answer = false;
+        house.desk.in(update).click(u"cmdUndo"_s);
+        QVERIFY(!isUndone);
+        house.desk.boxes.answer = true;
+        house.desk.in(update).click(u"cmdUndo"_s);
+        QVERIFY(isUndone);
+    }
+
     void aDownloadCanBeCancelled()
     {
         House house;
@@ -181,8 +236,11 @@ private Q_SLOTS:
         QVERIFY(house.open(update));
         QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
         QVERIFY(house.rows(update).contains(u"+good.bin"_s));
-        QVERIFY(!house.rows(update).join(u' ').contains(u"evil"_s));
-        QVERIFY(house.desk.boxes.onlyText().contains(u"\\..\\evil"_s));
+        QCOMPARE(house.rows(update).mid(2), (QStringList{u"Refused Files"_s, u"-evil"_s, u"-..\\evil"_s}));
+        QVERIFY(house.desk.boxes.onlyText().contains(u"\\..\\evil: it would lie outside"_s));
+        house.desk.in(update).clickRow(u"lstQRV"_s, 3);
+        QVERIFY(house.desk.in(update).text(u"lblReason"_s).startsWith(u"Refused: it would lie outside"_s));
+        QVERIFY(!house.rows(update).join(u' ').contains(u"+evil"_s)); // a click does not check it
     }
 
     void thePluginWindowShowsAndUpdatesPlugins()

@@ -105,6 +105,7 @@ private Q_SLOTS:
     void whatItCannotDoItSays()
     {
         const House house;
+        house.put("\\client", house.get("\\Updates\\QRVV3RC.exe"));
         house.put("\\Updates\\evil", "x");
         house.put("\\Updates\\updates.ini", house.get("\\Updates\\updates.ini") + "evil=\\..\\\r\n");
         QProcess updater;
@@ -114,6 +115,41 @@ private Q_SLOTS:
         QVERIFY(updater.readAllStandardError().contains("evil"));
         QVERIFY(house.get(problemsFile).find("evil") != std::string::npos);
         QTRY_COMPARE(house.get("\\told"), std::string("--say|two words|")); // the client starts all the same
+        QVERIFY(house.folder.fileExists("\\Updates\\x.bin"));
+    }
+
+    void aProgramThatDoesNotStartGivesWayToTheOld_data()
+    {
+        QTest::addColumn<QByteArray>("program");
+        QTest::newRow("cannot be run") << "<html>Page not found</html>"_ba;
+        QTest::newRow("ends at once") << "#!/bin/sh\nexit 3\n"_ba;
+        QTest::newRow("ends by a fault") << "#!/bin/sh\nkill -SEGV $$\n"_ba;
+    }
+    void aProgramThatDoesNotStartGivesWayToTheOld()
+    {
+        QFETCH(const QByteArray, program);
+        const House house;
+        house.put("\\client", house.get("\\Updates\\QRVV3RC.exe"));
+        house.wait("QRVV3RC.exe", "\\", program.toStdString());
+        QProcess updater;
+        house.start(updater);
+        QVERIFY(updater.waitForFinished());
+        QCOMPARE(updater.exitCode(), 1);
+        QTRY_COMPARE(house.get("\\told"), std::string("--say|two words|")); // the old one
+        QVERIFY(house.get(problemsFile).starts_with("The new program did not start."));
+        QVERIFY(!house.folder.fileExists("\\New\\x.bin") && !house.folder.folderExists("\\Updates"));
+    }
+
+    void aFolderThatIsNoClientsIsLeftAlone()
+    {
+        const House house;
+        std::filesystem::remove(house.folder.path("\\settings\\restart.ini"));
+        QProcess updater;
+        house.start(updater);
+        QVERIFY(updater.waitForFinished());
+        QCOMPARE(updater.exitCode(), 1);
+        QVERIFY(updater.readAllStandardError().contains("is a client's"));
+        QVERIFY(house.folder.fileExists("\\Updates\\x.bin"));
     }
 
     void badUsageIsOneLineAndTwo()

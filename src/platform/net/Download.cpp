@@ -7,7 +7,6 @@
 #include <QNetworkReply>
 
 #include <array>
-#include <limits>
 #include <utility>
 
 namespace {
@@ -18,9 +17,10 @@ constexpr int maxRedirects = 5;
 
 } // namespace
 
-Download::Download(Inet& inet, const QUrl& url, const std::filesystem::path& file, std::chrono::milliseconds silence,
+Download::Download(Inet& inet, const QUrl& url, const std::filesystem::path& file, const Limits& limits,
                    Listener listener)
     : m_file(textOf(file)),
+      m_limits(limits),
       m_listener(std::move(listener))
 {
     QFile::remove(m_file.fileName());
@@ -38,7 +38,7 @@ Download::Download(Inet& inet, const QUrl& url, const std::filesystem::path& fil
     m_reply->setParent(this);
     m_reply->setReadBufferSize(bufferBytes);
     m_silence.setSingleShot(true);
-    m_silence.setInterval(silence);
+    m_silence.setInterval(limits.silence);
     connect(&m_silence, &QTimer::timeout, this, [this] { end(DownloadEnd::Silent); });
     connect(m_reply, &QNetworkReply::readyRead, this, &Download::takeSteps);
     connect(m_reply, &QNetworkReply::finished, this, &Download::conclude);
@@ -61,8 +61,12 @@ void Download::readHead()
     m_announced = m_reply->rawHeader("Content-Length").trimmed().toLongLong(&isNumber);
     if (m_status < 200 || m_status >= 300)
         end(m_status == 0 ? DownloadEnd::NoAnswer : DownloadEnd::ErrorPage);
-    else if (!isNumber || m_announced < 0 || m_announced > std::numeric_limits<qint32>::max())
+    else if (!isNumber || m_announced < 0)
         end(DownloadEnd::NoLength);
+    else if (m_limits.exactBytes > 0 && m_announced != m_limits.exactBytes)
+        end(DownloadEnd::OtherLength);
+    else if (m_limits.exactBytes == 0 && m_announced > m_limits.maxBytes)
+        end(DownloadEnd::TooLong);
 }
 
 void Download::takeSteps()

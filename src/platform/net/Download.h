@@ -19,6 +19,8 @@ enum class DownloadEnd {
     NoAnswer,    ///< no connection, or it broke before the answer had begun
     ErrorPage,   ///< the answer, at the end of all redirects, is no good one
     NoLength,    ///< the answer does not say how long it is
+    OtherLength, ///< the answer announces another length than it was to have
+    TooLong,     ///< the answer announces more than may come
     CutOff,      ///< fewer bytes came than were announced
     Silent,      ///< nothing came for too long
     Cancelled,   ///< by the user
@@ -36,10 +38,16 @@ public:
     /// Called with each step of the contents, in order.
     using Listener = std::function<void(std::string_view bytes)>;
 
-    /// @param inet     outlives this
-    /// @param file     made anew; what was there under that name is removed
-    /// @param silence  how long nothing may come
-    Download(Inet& inet, const QUrl& url, const std::filesystem::path& file, std::chrono::milliseconds silence,
+    struct Limits
+    {
+        std::chrono::milliseconds silence; ///< how long nothing may come
+        qint64 maxBytes;
+        qint64 exactBytes = 0; ///< what must come, of which `maxBytes` says nothing then; 0 for any number
+    };
+
+    /// @param inet  outlives this
+    /// @param file  made anew; what was there under that name is removed
+    Download(Inet& inet, const QUrl& url, const std::filesystem::path& file, const Limits& limits,
              Listener listener = {});
     ~Download() override;
 
@@ -67,6 +75,7 @@ private:
 
     QNetworkReply* m_reply = nullptr;
     QFile m_file;
+    Limits m_limits;
     QTimer m_silence;
     Listener m_listener;
     qint64 m_announced = 0;
