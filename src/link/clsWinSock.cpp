@@ -222,11 +222,10 @@ void clsWinSock::handleMessages(const ReplyOwner& text)
         // A plugin's message comes at any moment. Only what another program asked for may be answered by one.
         const bool isAnswer = m_pending && (!isPluginMessage(body) || m_pending->name == rawRequestName);
         const std::optional<PendingRequest> request = isAnswer ? takePending() : std::nullopt;
-        if (!m_replies.HandleData(body, text, request ? request->handler : ReplyDispatcher::nobody))
-            noteFault();
+        const bool isSound = m_replies.HandleData(body, text, request ? request->handler : ReplyDispatcher::nobody);
         if (request)
             Q_EMIT answered();
-        if (!isLoggedIn())
+        if (!isSound && leavesAfterFault())
             return;
     }
 }
@@ -239,13 +238,16 @@ std::optional<PendingRequest> clsWinSock::takePending()
     return request;
 }
 
-void clsWinSock::noteFault()
+/// A message was not what the protocol says. @return whether that was one too many
+bool clsWinSock::leavesAfterFault()
 {
     const auto now = RateLimit::Clock::now();
     m_faults.add(now);
-    if (m_faults.count(now) >= static_cast<std::size_t>(m_bounds.protocolFaultsPerMinute))
-        breakOff(u"The tracker has sent %1 messages within a minute that cannot be understood. "
-                 "The connection was closed."_s.arg(m_bounds.protocolFaultsPerMinute));
+    if (m_faults.count(now) < static_cast<std::size_t>(m_bounds.protocolFaultsPerMinute))
+        return false;
+    breakOff(u"The tracker has sent %1 messages within a minute that cannot be understood. "
+             "The connection was closed."_s.arg(m_bounds.protocolFaultsPerMinute));
+    return true;
 }
 
 void clsWinSock::acceptLogin(const std::string& reply)

@@ -140,7 +140,7 @@ private:
     void tellProgress();
     void handleReply(Reply reply);
     void handleMessages(const ReplyOwner& text);
-    void noteFault();
+    bool leavesAfterFault();
     void acceptLogin(const std::string& reply);
     void followSocket(SocketState state);
     std::optional<PendingRequest> takePending();

@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTextLayout>
 #include <QtMath>
 
 using namespace Qt::StringLiterals;
@@ -63,14 +64,31 @@ public:
             return;
         setPlainText(text);
         const QFontMetrics metrics(font());
+        const QList<QStringView> lines = QStringView(text).split(u'\n');
         int width = minTextWidth;
-        for (const QStringView line : QStringView(text).split(u'\n'))
+        for (const QStringView line : lines)
             width = qMax(width, metrics.horizontalAdvance(line.toString()) + metrics.averageCharWidth());
         width = qMin(width, maxTextWidth);
-        setFixedWidth(width);
-        resize(width, height());
-        // The document counts its height in lines.
-        setFixedHeight(qCeil(document()->size().height() * metrics.lineSpacing()) + 2);
+        qreal height = 0;
+        for (const QStringView line : lines)
+            height += heightOf(line.toString(), width);
+        setFixedSize(width, qCeil(height) + 2);
+    }
+
+private:
+    /// Pixels that a line takes in rows of `width`. The document itself knows only when it has been shown.
+    qreal heightOf(const QString& line, int width) const
+    {
+        QTextLayout rows(line, font());
+        rows.setTextOption(document()->defaultTextOption());
+        rows.beginLayout();
+        qreal height = 0;
+        for (QTextLine row = rows.createLine(); row.isValid(); row = rows.createLine()) {
+            row.setLineWidth(width);
+            height += row.height();
+        }
+        rows.endLayout();
+        return height;
     }
 };
 

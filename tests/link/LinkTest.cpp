@@ -177,6 +177,37 @@ private Q_SLOTS:
         QCOMPARE(privileges, succeeded ? QStringList{u"U3VwZXI="_s} : QStringList());
         QCOMPARE(rig.link.supportPort(), succeeded ? 8001 : 8000);
     }
+
+    void aHostThatKeepsBreakingTheProtocolIsLeft_data()
+    {
+        QTest::addColumn<QByteArray>("message");
+        QTest::addColumn<int>("times");
+        QTest::addColumn<bool>("isLeft");
+        QTest::newRow("just below") << "Plugin"_ba << 19 << false;
+        QTest::newRow("just there") << "Plugin"_ba << 20 << true;
+        QTest::newRow("a plugin that fails on sound messages") << "Plugin_x_y"_ba << 40 << false;
+    }
+    void aHostThatKeepsBreakingTheProtocolIsLeft()
+    {
+        QFETCH(const QByteArray, message);
+        QFETCH(const int, times);
+        QFETCH(const bool, isLeft);
+        LinkRig rig;
+        QVERIFY(rig.logIn());
+        int handled = 0;
+        rig.replies.onPluginMessage(&rig.link, [&](const std::string&, const std::string& payload) {
+            ++handled;
+            if (payload == "y")
+                throw RuntimeError(ErrorNumber::TypeMismatch);
+        });
+        const QSignalSpy told(&rig.link, &clsWinSock::hostUnusable);
+        for (int count = 0; count < times; ++count)
+            rig.tracker.send(message);
+        rig.tracker.send("Plugin_x_last");
+        QTRY_VERIFY(isLeft ? !rig.link.isConnected() : handled == (times == 40 ? 41 : 1));
+        QCOMPARE(rig.link.isConnected(), !isLeft);
+        QCOMPARE(told.count(), isLeft ? 1 : 0);
+    }
 };
 
 QTEST_GUILESS_MAIN(LinkTest)

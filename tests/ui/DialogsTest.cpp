@@ -78,6 +78,8 @@ private Q_SLOTS:
             size = box.size();
             auto* shown = box.findChild<QPlainTextEdit*>();
             QVERIFY(shown->document()->idealWidth() <= shown->width()); // nothing is cut off at its side
+            const qreal height = shown->document()->size().height() * shown->fontMetrics().lineSpacing();
+            QVERIFY(height <= shown->height() && height > shown->height() - shown->fontMetrics().lineSpacing());
             shown->selectAll();
             shown->copy();
             QString copied = QApplication::clipboard()->text();

@@ -119,7 +119,7 @@ private Q_SLOTS:
         QTRY_COMPARE(desk.said().toPlainText(),
                      u"Host says:\nHello admin, this is the host's operator. What can I do for you?\n\n"_s);
         QCOMPARE(desk.console()->windowTitle(), u"Support Console - Host Status: Active"_s);
-        QCOMPARE(desk.boxes.count(u"QRVRC Error!"_s), 1);
+        QTRY_COMPARE(desk.boxes.count(u"QRVRC Error!"_s), 1);
     }
 
     void theWaitForTheHostsAnswerEnds_data()

@@ -269,7 +269,7 @@ private Q_SLOTS:
         editor.desk.clickRow(Bravo);
         editor.desk.tracker.answerNext("GetProfile", fault);
         QVERIFY(editor.openAgain());
-        QCOMPARE(editor.desk.boxes.count(u"QRVRC Error!"_s), 1);
+        QTRY_COMPARE(editor.desk.boxes.count(u"QRVRC Error!"_s), 1);
         QCOMPARE(editor.desk.boxes.boxes.size(), 1);
         QTEST(editor.text(u"txtName"_s), "name");
         QVERIFY(!editor.in(u"cmdModify"_s).isEnabled());
