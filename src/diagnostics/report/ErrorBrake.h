@@ -3,12 +3,12 @@
 #include "base/Bounds.h"
 #include "base/RateLimit.h"
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 
 /// What makes errors equal.
 struct ErrorKey
@@ -17,7 +17,11 @@ struct ErrorKey
     std::int32_t number = 0;
     std::string text;
 
-    auto operator<=>(const ErrorKey&) const = default;
+    bool operator==(const ErrorKey&) const = default;
+    bool operator<(const ErrorKey& other) const
+    {
+        return std::tie(procedure, number, text) < std::tie(other.procedure, other.number, other.text);
+    }
 };
 
 /// Decides which errors are logged and which reports go out by themselves, and counts those that are held back.
