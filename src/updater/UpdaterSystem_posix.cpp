@@ -63,7 +63,10 @@ std::unique_ptr<StartedProgram> StartedProgram::start(const fs::path& program,
     return fault == 0 ? std::unique_ptr<StartedProgram>(new StartedProgram(process)) : nullptr;
 }
 
-StartedProgram::~StartedProgram() = default;
+StartedProgram::~StartedProgram()
+{
+    exitStatus(); // what has ended is to be nobody's any more
+}
 
 std::optional<int> StartedProgram::exitStatus()
 {

@@ -4,6 +4,7 @@
 #include "platform/system/FileVersion.h"
 #include "store/AppFolder.h"
 #include "store/IniText.h"
+#include "updates/InstallUpdates.h"
 #include "updates/UpdateTargets.h"
 
 #include <map>
@@ -68,6 +69,7 @@ LocalFacts diskFacts(const UpdateTargets& targets, ListKind kind, std::string ve
 void noteHelpVersion(const UpdateTargets& targets, std::string_view version)
 {
     const fs::path path = targets.folder().path(helpVersionFile);
+    keepReplaced(targets.folder(), path, {.name = std::string(helpVersionFile.substr(1)), .folder = "\\"});
     IniText text(readBytesIfPresent(path, IniText::maxBytes).value_or(std::string()), path.string());
     text.setValue(section, helpKey, version);
     writeBytes(path, text.bytes());

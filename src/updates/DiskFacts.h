@@ -13,7 +13,8 @@ class UpdateTargets;
 /// @param helpVersionIn layout name of the file that notes the version of the help file
 LocalFacts diskFacts(const UpdateTargets& targets, ListKind kind, std::string version, std::string_view helpVersionIn);
 
-/// Notes the version of the help file, which carries none itself.
+/// Notes the version of the help file, which carries none itself; what was noted before returns with the files that an
+/// undone update gives back.
 void noteHelpVersion(const UpdateTargets& targets, std::string_view version);
 
 /// Where a check by the user reads the noted version, and where one by the clock does.

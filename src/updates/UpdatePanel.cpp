@@ -265,9 +265,11 @@ void UpdatePanel::getUpdates()
     m_total = 0;
     m_done = 0;
     std::vector<WantedFile> items;
-    for (const auto& [record, local, digest] : lstQRV->checked()) {
+    beginUpdate(m_services.targets.folder());
+    for (const Candidate& file : lstQRV->checked()) {
+        const UpdateRecord& record = file.record;
         m_total += record.size;
-        items.push_back({record.name, record.folder, record.size, digest});
+        items.push_back({record.name, record.folder, record.size, file.digest});
         if (m_setup.order.kind == ListKind::Client && record.name == "help.chm")
             m_client.reporter.trap("GetFilesObtain", [&] { noteHelpVersion(m_services.targets, record.version); });
     }

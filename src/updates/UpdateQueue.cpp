@@ -88,7 +88,6 @@ UpdateQueue::~UpdateQueue() = default;
 
 void UpdateQueue::start()
 {
-    beginUpdate(m_services.targets.folder());
     next();
 }
 

@@ -113,6 +113,7 @@ private Q_SLOTS:
         QCOMPARE(house.desk.bytesOf("\\new.bin").size(), 300'000);
         QCOMPARE(house.desk.bytesOf("\\help.chm"), "new help");
         QVERIFY(house.desk.bytesOf("\\config.ini").contains("help=1.0.0.5"));
+        QVERIFY(house.desk.bytesOf("\\Replaced\\config.ini").contains("help=1.0.0.4"));
         QCOMPARE(house.desk.in(update).text(u"lblPer"_s), u"100%"_s);
         QVERIFY(!house.desk.core().updatesAvailable);
         QVERIFY(house.rows(update).isEmpty() && house.desk.in(update).control(u"cmdUpdateQRV"_s).isEnabled());
