@@ -64,6 +64,7 @@ start_tracker() { # option...
         fail "the practice tracker serves no web pages (see build/practice.log)"
     fi
     tracker_web=${BASH_REMATCH[1]}
+    tracker_output=$output # where the rest of what it says can be read
 }
 
 # Whether the screen has stopped changing since the last call; keeps its picture.
