@@ -34,6 +34,8 @@ void layOut(const Act& act)
     write(act.home.filePath(u"settings/config.ini"_s), "[Settings]\r\nUpdateUrl=\r\nCheckForUpdates=1\r\n");
     write(act.home.filePath(u"maps.dat"_s), "the maps of the first version");
     write(act.home.filePath(programName), "the running program");
+    act.home.mkpath(u"Replaced"_s); // by an earlier update, which can still be undone
+    write(act.home.filePath(u"Replaced/maps.dat"_s), "older maps");
     act.home.mkpath(u"Plugins"_s);
     const QString plugin = act.home.filePath(u"Plugins/qrvrcWatch.dll"_s);
     QFile::copy(QCoreApplication::applicationDirPath() + u"/Plugins/qrvrcWatch.dll"_s, plugin);
