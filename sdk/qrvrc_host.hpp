@@ -59,7 +59,7 @@ std::int32_t guarded(Body&& body) noexcept
         return 0;
     } catch (const Error& error) {
         return error.number();
-    } catch (const std::exception&) {
+    } catch (...) {
         return QRVRC_ERROR_OUT_OF_MEMORY;
     }
 }
@@ -101,8 +101,18 @@ inline const QrvrcHost& host()
         made.abi_version = QRVRC_ABI_VERSION;
         made.application_folder = [](const QrvrcHost*) { return applicationFolder().c_str(); };
         made.code_page = [](const QrvrcHost*) -> const char* {
-            static const std::string name = "windows-" + std::to_string(codePage());
+            static std::string name;
+            name = "windows-" + std::to_string(codePage());
             return name.c_str();
+        };
+        made.characters = [](const QrvrcHost*) -> const std::uint16_t* {
+            static std::uint16_t units[256];
+            std::string bytes(256, '\0');
+            for (std::size_t value = 0; value < bytes.size(); ++value)
+                bytes[value] = static_cast<char>(value);
+            const std::wstring characters = wideOf(bytes);
+            std::copy(characters.begin(), characters.end(), units);
+            return units;
         };
         made.register_class = [](const QrvrcHost*, const char*) { return std::int32_t{QRVRC_ERROR_INVALID_CALL}; };
         made.set_error = [](const QrvrcHost*, const char* text, std::size_t size) {

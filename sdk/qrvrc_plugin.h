@@ -66,7 +66,8 @@ struct QrvrcHost
 
     /* The folder that holds all of the client's state, as a path of the file system; without a separator at its end. */
     const char* (*application_folder)(const QrvrcHost* host);
-    /* The name of the code page of all strings, for example "windows-1252". */
+    /* The name of the code page of all strings, for example "windows-1252": what the user chose for the host. It stands
+       where it is to the end of the run, and what stands there changes when the user chooses another. */
     const char* (*code_page)(const QrvrcHost* host);
     /* Enters a class of this library under its programmatic identifier, such as "qrvrcSample.clsPlugin". Only inside
        DllRegisterServer. */
@@ -97,6 +98,12 @@ struct QrvrcHost
     QrvrcValue* (*list_append)(QrvrcValue* value);
     /* Makes it a list without elements. A list that was handed over stays the same one for the caller. */
     int32_t (*list_clear)(QrvrcValue* value);
+
+    /* From here on only as far as `size` reaches. */
+
+    /* The characters that the 256 byte values have in that code page, as UTF-16 units. Read them when they are needed:
+       they change with the code page. */
+    const uint16_t* (*characters)(const QrvrcHost* host);
 };
 
 typedef struct QrvrcObjectFunctions

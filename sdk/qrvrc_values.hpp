@@ -169,24 +169,49 @@ inline std::string applicationFolder()
     return host->application_folder(host);
 }
 
-#if defined(_WIN32)
-/// UTF-8 for a text in the host's code page.
-inline std::string toUtf8(std::string_view bytes);
-#else
-/// UTF-8 for a text in the host's code page (Windows-1252; its five unused values become control characters).
+namespace detail {
+
+/// The characters of the 256 byte values in the host's code page; in Windows-1252 where the client is too old to tell.
+inline const std::uint16_t* characters()
+{
+    struct Western
+    {
+        std::uint16_t units[256];
+
+        Western()
+        {
+            constexpr std::uint16_t high[32] = {
+                0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+                0x2039, 0x0152, 0x8D,   0x017D, 0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+                0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178,
+            };
+            for (unsigned value = 0; value < 256; ++value)
+                units[value] = value >= 0x80 && value < 0xA0 ? high[value - 0x80] : static_cast<std::uint16_t>(value);
+        }
+    };
+    static const Western western;
+    const QrvrcHost* host = attachedHost();
+    return host && host->size > offsetof(QrvrcHost, characters) ? host->characters(host) : western.units;
+}
+
+} // namespace detail
+
+/// The name of the host's code page, such as "windows-1251".
+inline std::string codePage()
+{
+    const QrvrcHost* host = detail::attachedHost();
+    return host->code_page(host);
+}
+
+/// UTF-8 for a text in the host's code page; values without a character become control characters.
 inline std::string toUtf8(std::string_view bytes)
 {
-    constexpr std::uint16_t upper[32] = {
-        0x20AC, 0x81,   0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-        0x2039, 0x0152, 0x8D,   0x017D, 0x8F,   0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178,
-    };
+    const std::uint16_t* characters = detail::characters();
     std::string text;
     for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        const unsigned character = byte >= 0x80 && byte < 0xA0 ? upper[byte - 0x80] : byte;
+        const unsigned character = characters[static_cast<unsigned char>(c)];
         if (character < 0x80) {
-            text += c;
+            text += static_cast<char>(character);
         } else if (character < 0x800) {
             text += static_cast<char>(0xC0 | (character >> 6));
             text += static_cast<char>(0x80 | (character & 0x3F));
@@ -198,7 +223,6 @@ inline std::string toUtf8(std::string_view bytes)
     }
     return text;
 }
-#endif
 
 } // namespace QRVRC_LOCAL
 

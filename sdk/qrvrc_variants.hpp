@@ -32,8 +32,8 @@ struct QrvrcValue
 namespace qrvrc {
 namespace com {
 
-/// The code page of the host: that of the system when it has one byte a character, otherwise Windows-1252.
-inline UINT codePage()
+/// What the system itself uses when that has one byte a character, otherwise Windows-1252.
+inline UINT systemCodePage()
 {
     static const UINT page = [] {
         constexpr UINT western = 1252;
@@ -44,6 +44,21 @@ inline UINT codePage()
         return length > 0 && GetCPInfo(number, &info) && info.MaxCharSize == 1 ? UINT{number} : western;
     }();
     return page;
+}
+
+/// The code page of the host, which the client keeps in the process's environment as "windows-1251"; the system's
+/// without one.
+inline UINT codePage()
+{
+    constexpr std::wstring_view prefix = L"windows-";
+    wchar_t name[32] = {};
+    const DWORD length = GetEnvironmentVariableW(L"QRVRC_CODE_PAGE", name, sizeof name / sizeof *name);
+    CPINFO info{};
+    if (length <= prefix.size() || length >= sizeof name / sizeof *name ||
+        prefix.compare(0, prefix.size(), name, prefix.size()) != 0)
+        return systemCodePage();
+    const auto page = static_cast<UINT>(std::wcstoul(name + prefix.size(), nullptr, 10));
+    return GetCPInfo(page, &info) && info.MaxCharSize == 1 ? page : systemCodePage();
 }
 
 inline std::wstring wideOf(std::string_view bytes)
@@ -205,11 +220,6 @@ inline void writeBack(const QrvrcValue& value, VARIANT& argument)
 }
 
 } // namespace com
-
-inline std::string toUtf8(std::string_view bytes)
-{
-    return com::narrow(com::wideOf(bytes), CP_UTF8);
-}
 
 } // namespace qrvrc
 

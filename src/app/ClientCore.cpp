@@ -1,7 +1,6 @@
 #include "app/ClientCore.h"
 
 #include "base/Text.h"
-#include "plugins/PluginRules.h"
 
 #include <algorithm>
 

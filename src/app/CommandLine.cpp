@@ -59,6 +59,8 @@ std::string_view commandLineHelp()
            "\n"
            "  --app-folder DIR    keep all state in DIR instead of the usual folder\n"
            "  --connect PROFILE   choose a saved connection profile and connect\n"
+           "  --register-component FILE\n"
+           "                      register a plugin that lies in the folder's \"Plugins\", say what is wrong, and end\n"
            "  --maker-host URL    web host for updates, news and error reports\n"
            "  --version           print the version and end\n"
            "  --help              print this text and end\n";

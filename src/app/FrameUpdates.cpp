@@ -18,8 +18,8 @@ FrameUpdates::FrameUpdates(ClientCore& core, RestartOrder restart, QWidget* fram
     : m_core(core),
       m_restart(std::move(restart)),
       m_agent(std::make_unique<UpdateAgent>(core.updates, core.client, core.updatesAvailable, frame)),
-      m_options(std::make_unique<UpdateOptions>(
-          UpdateOptions::Subjects{core.folder, core.updates, *m_agent, core.link, core.codePage, core.reporter}))
+      m_options(std::make_unique<UpdateOptions>(UpdateOptions::Subjects{core.folder, core.updates, *m_agent, core.link,
+                                                                        core.codePage, core.components, core.reporter}))
 {
     core.updates.undoUpdate = [this, frame] {
         return startUpdater(m_core.updateTargets, m_restart, {u"--restore"_s}) && frame->close();
@@ -36,6 +36,7 @@ void FrameUpdates::registerWindows(LoginExchange& exchange, QWidget* pages)
     windows.add<qrvrcPlugins>([this, pages, &exchange] {
         auto* window = new qrvrcPlugins(m_core.client, m_core.plugins, m_core.updates, *m_agent, pages);
         QObject::connect(&m_core.pluginHost, &PluginHost::tableChanged, window, &qrvrcPlugins::followPlugins);
+        QObject::connect(window, &qrvrcPlugins::filesArrived, &m_core.pluginHost, &PluginHost::takeArrived);
         QObject::connect(window, &qrvrcPlugins::activated, &exchange, &LoginExchange::askMissedStatus,
                          Qt::QueuedConnection); // it waits
         return window;

@@ -26,6 +26,7 @@ Notices::Notices(ClientCore& core, const SupportDesk& support, Housekeeping& sta
         m_statusLine.note(u"The tracker sent a message for the plugin '%1', which this client does not have."_s.arg(
             m_core.codePage.toText(component).simplified().left(longestName)));
     });
+    connect(&m_core.pluginHost, &PluginHost::arrived, this, &Notices::tellOfArrived);
 }
 
 void Notices::tellOfLink()
@@ -47,6 +48,26 @@ void Notices::tellOfLink()
         m_statusLine.note(u"The host closed the connection at %1."_s.arg(QTime::currentTime().toString(u"HH:mm:ss"_s)));
     });
     connect(&link, &clsWinSock::connected, this, [this] { m_statusLine.note({}); });
+}
+
+void Notices::tellOfArrived(const std::vector<LeftOutPlugin>& files)
+{
+    QStringList usable;
+    QStringList leftOut;
+    for (const LeftOutPlugin& file : files) {
+        const QString name = m_core.codePage.toText(file.file);
+        if (file.why.empty())
+            usable += name;
+        else
+            leftOut += name + u": "_s + m_core.codePage.toText(file.why);
+    }
+    QStringList parts;
+    if (!usable.isEmpty())
+        parts += u"These plugins have been registered and can be used now:\r\n"_s + usable.join(u"\r\n"_s);
+    if (!leftOut.isEmpty())
+        parts += u"These plugins are left out until the next start:\r\n"_s + leftOut.join(u"\r\n"_s);
+    m_core.reporter.ReportMsg(leftOut.isEmpty() ? MessageKind::Success : MessageKind::Failed,
+                              parts.join(u"\r\n\r\n"_s));
 }
 
 void Notices::tellOfOperator(const SupportDesk& support, QWidget& frame)

@@ -2,10 +2,13 @@
 
 #include <QObject>
 
+#include <vector>
+
 class Housekeeping;
 class QWidget;
 class SupportDesk;
 struct ClientCore;
+struct LeftOutPlugin;
 
 /// Tells the user what comes by itself: faults of the link in boxes, the rest in the status line beside his work.
 class Notices : public QObject
@@ -17,6 +20,7 @@ public:
 
 private:
     void tellOfLink();
+    void tellOfArrived(const std::vector<LeftOutPlugin>& files);
     void tellOfOperator(const SupportDesk& support, QWidget& frame);
     QString operatorsNote() const;
 

@@ -49,13 +49,11 @@ int complain(const std::string& text)
     return badUsage;
 }
 
-/// Registers a component file of an application folder, as the component check does when the user asks it to.
-int registerComponent(const std::filesystem::path& folder, const std::filesystem::path& file)
+int reportRegistration(const std::filesystem::path& file, const ComponentFault& fault)
 {
-    const AppFolder appFolder(folder);
-    if (Components(appFolder).registerFile(std::filesystem::absolute(file)))
+    if (!fault)
         return 0;
-    tellCaller("qrvv3rc: '" + bytesOf(file) + "' cannot be registered");
+    tellCaller("qrvv3rc: '" + bytesOf(file) + "' cannot be used: " + *fault);
     return 1;
 }
 
@@ -139,7 +137,9 @@ int start(int argc, char** argv)
         return runComponentProbe(argc, argv, pathOf(line.appFolder.value_or(u"."_s)), pathOf(line.componentFile),
                                  line.componentClass.toStdString());
     case CommandLine::Wish::RegisterComponent:
-        return registerComponent(pathOf(line.appFolder.value_or(u"."_s)), pathOf(line.componentFile));
+        return reportRegistration(pathOf(line.componentFile),
+                                  registerComponent(argc, argv, pathOf(line.appFolder.value_or(u"."_s)),
+                                                    std::filesystem::absolute(pathOf(line.componentFile))));
     case CommandLine::Wish::Run:
         break;
     }

@@ -19,6 +19,7 @@
 #include "navigation/qrvrcMenu.h"
 #include "platform/system/PathText.h"
 #include "platform/system/SystemName.h"
+#include "plugins/AwaitComponent.h"
 #include "plugins/ComponentCheck.h"
 #include "profiles/editor/qrvrcModify.h"
 #include "profiles/files/qrvrcFileManager.h"
@@ -195,10 +196,19 @@ bool qrvrcMain::MDIFormLoad()
 
 bool qrvrcMain::componentsAreChecked()
 {
+    Components& components = m_core->components;
     ComponentCheck check(
         m_core->client,
-        {.create = [this](const std::string& progId) { m_core->components.createObject(progId); },
-         .registerFile = [this](const std::filesystem::path& file) { return m_core->components.registerFile(file); },
+        {.test = [&components](const std::string& progId) -> ComponentFault {
+             if (const ComponentFault fault =
+                     awaitComponent([&](Components::Done done) { components.tryClass(progId, std::move(done)); }))
+                 return fault;
+             return faultIn([&] { components.createObject(progId); });
+         },
+         .registerFile =
+             [&components](const std::filesystem::path& file) {
+                 return awaitComponent([&](Components::Done done) { components.registerFile(file, std::move(done)); });
+             },
          .showText = [this](const QString& caption,
                             const QString& text) { m_core->windows.window<qrvrcNotePad>()->showText(caption, text); }},
         m_core->problems);

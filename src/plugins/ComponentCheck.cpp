@@ -1,10 +1,11 @@
 #include "plugins/ComponentCheck.h"
 
-#include "base/RuntimeError.h"
 #include "client/Client.h"
 #include "link/EventWait.h"
 #include "plugins/ComponentEntries.h"
 #include "store/AppFolder.h"
+
+#include <QTimer>
 
 #include <filesystem>
 
@@ -28,10 +29,12 @@ bool ComponentCheck::run(QWidget* parent)
         return true;
     qrvrcDllProgress window(m_client, m_services, m_problems, parent);
     window.setEntryCount(static_cast<int>(entries.size()));
-    window.show();
+    QTimer::singleShot(showsAfter, &window, &QWidget::show);
     if (!testAll(entries, window))
         return false;
-    window.allTested();
+    if (!window.hasProblems())
+        return true;
+    window.listProblems();
     return waitForSignal(&window, &QDialog::finished);
 }
 
@@ -40,27 +43,20 @@ bool ComponentCheck::testAll(const std::vector<std::string>& entries, qrvrcDllPr
     int number = 0;
     for (const std::string& entry : entries) {
         window.showTesting(++number, entry);
-        const bool usable = isUsable(entry);
-        if (usable)
-            window.showAuthenticated(entry);
+        if (const ComponentFault fault = faultOf(entry))
+            window.addProblem(entry, *fault);
         else
-            window.addProblem(entry);
-        if (!pauseFor(usable ? pause : 0ms))
+            window.showAuthenticated(entry);
+        if (!pauseFor(0ms))
             return false;
     }
     return true;
 }
 
-bool ComponentCheck::isUsable(const std::string& entry) const
+ComponentFault ComponentCheck::faultOf(const std::string& entry) const
 {
     if (!isPlainFileName(componentFile(entry)))
-        return false; // what cannot be a path of this folder is not asked for by name either
+        return "the file's name cannot be used on every system"; // it is not asked for by name either
     const std::string progId = componentClass(entry).progId;
-    try {
-        if (!progId.empty())
-            m_services.create(progId);
-        return true;
-    } catch (const std::exception&) {
-        return false; // whatever is wrong with it, the user decides
-    }
+    return progId.empty() ? std::nullopt : m_services.test(progId);
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 namespace {
 
@@ -31,19 +32,6 @@ bool isComponentFile(std::string_view name)
     return name.size() >= ending.size() && equalsIgnoringCase(name.substr(name.size() - ending.size()), ending);
 }
 
-/// `file` without every ".dll" in it, in whatever letter case.
-std::string withoutEnding(std::string_view file)
-{
-    std::string result;
-    for (std::size_t at = 0; at < file.size();) {
-        if (equalsIgnoringCase(file.substr(at, ending.size()), ending))
-            at += ending.size();
-        else
-            result += file[at++];
-    }
-    return result;
-}
-
 } // namespace
 
 bool ProblemFiles::contains(std::string_view name) const
@@ -52,15 +40,46 @@ bool ProblemFiles::contains(std::string_view name) const
                        [name](const std::string& known) { return equalsIgnoringCase(known, name); });
 }
 
+std::string ProblemFiles::reasonFor(std::string_view name) const
+{
+    const auto found = reasons.find(lowerAscii(name));
+    return found == reasons.end() ? std::string() : found->second;
+}
+
+std::vector<std::string> componentFiles(const std::vector<std::string>& files)
+{
+    std::vector<std::string> components;
+    std::set<std::string> known;
+    for (const std::string& file : files) {
+        if (isComponentFile(file) && known.insert(lowerAscii(file)).second)
+            components.push_back(file);
+    }
+    return components;
+}
+
+std::string componentBase(std::string_view fileName)
+{
+    std::string base;
+    for (std::size_t at = 0; at < fileName.size();) {
+        if (equalsIgnoringCase(fileName.substr(at, ending.size()), ending))
+            at += ending.size();
+        else
+            base += fileName[at++];
+    }
+    return base;
+}
+
+std::string pluginClass(std::string_view base)
+{
+    return std::string(trimmed(base)) + ".clsPlugin";
+}
+
 std::vector<std::string> componentEntries(const std::vector<std::string>& programFiles,
                                           const std::vector<std::string>& pluginFiles)
 {
-    std::vector<std::string> entries;
-    std::copy_if(programFiles.begin(), programFiles.end(), std::back_inserter(entries), isComponentFile);
-    for (const std::string& file : pluginFiles) {
-        if (isComponentFile(file))
-            entries.push_back(std::string(pluginFolder) + file);
-    }
+    std::vector<std::string> entries = componentFiles(programFiles);
+    for (const std::string& file : componentFiles(pluginFiles))
+        entries.push_back(std::string(pluginFolder) + file);
     return entries;
 }
 
@@ -68,7 +87,7 @@ ComponentClass componentClass(std::string_view entry)
 {
     const std::string_view file = componentFile(entry);
     if (file.size() < entry.size())
-        return {.type = "Plugin", .progId = std::string(trimmed(withoutEnding(file))) + ".clsPlugin"};
+        return {.type = "Plugin", .progId = pluginClass(componentBase(file))};
     for (const ProgramComponent& component : programComponents) {
         if (equalsIgnoringCase(file, component.file))
             return {.type = std::string(component.type), .progId = std::string(component.progId)};
@@ -102,7 +121,7 @@ std::string_view entryOfProblem(std::string_view line)
 }
 
 std::string problemReport(std::string_view date, std::string_view time, const SystemName& system,
-                          const std::vector<std::string>& problemLines)
+                          const std::vector<ProblemLine>& problemLines)
 {
     std::vector<std::string_view> version = split(system.version, '.');
     version.resize(std::max<std::size_t>(version.size(), 3));
@@ -119,6 +138,10 @@ std::string problemReport(std::string_view date, std::string_view time, const Sy
             std::to_string(system.servicePackMinor),
         "",
     };
-    lines.insert(lines.end(), problemLines.begin(), problemLines.end());
+    for (const ProblemLine& problem : problemLines) {
+        lines.push_back(problem.line);
+        if (!problem.why.empty())
+            lines.push_back("    " + problem.why);
+    }
     return join(lines, "\r\n");
 }

@@ -1,6 +1,5 @@
 #include "plugins/PluginHost.h"
 
-#include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "client/Client.h"
 #include "diagnostics/report/Reporter.h"
@@ -17,6 +16,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -24,19 +24,6 @@ namespace {
 constexpr std::string_view pluginFolder = "\\Plugins\\";
 constexpr std::size_t maxUnknown = 20; // components that are told of in one login
 constexpr std::string_view gameModule = "\\qrvrcGMF.dll";
-
-std::string classOf(std::string_view base)
-{
-    return std::string(trimmed(base)) + ".clsPlugin";
-}
-
-std::vector<std::string> textsOf(const ComponentValue& value)
-{
-    std::vector<std::string> texts;
-    for (const ComponentValue& item : *value.toList())
-        texts.push_back(item.toString());
-    return texts;
-}
 
 /// A file's version as digits without dots; "0" for a file that is missing or has none.
 std::string versionDigits(const std::filesystem::path& file)
@@ -78,60 +65,68 @@ void PluginHost::LoadPlugins()
 void PluginHost::loadFiles()
 {
     m_table.plugins.clear();
+    m_table.leftOut.clear();
     m_table.updateNeeded.clear();
     m_table.disabled.clear();
     const InstalledVersions installed{
         .client = without(m_clientVersion, "."),
         .module = versionDigits(m_client.folder.path(gameModule)),
     };
-    for (const std::string& file : m_client.folder.fileNames(pluginFolder)) {
-        if (!lowerAscii(file).ends_with(".dll"))
+    std::vector<RuntimeError> faults;
+    for (const std::string& file : componentFiles(m_client.folder.fileNames(pluginFolder))) {
+        const std::string base = componentBase(file);
+        if (base.empty())
             continue;
-        Plugin plugin;
-        plugin.base = componentBase(file);
-        if (plugin.base.empty() || m_problems.contains(plugin.base + ".dll") || m_problems.contains(file))
-            continue;
-        try {
-            load(file, plugin, installed);
-        } catch (const RuntimeError& error) {
-            if (error.description().find(file) != std::string::npos)
-                throw;
-            throw RuntimeError(error.number(), file + ": " + error.description());
+        if (m_problems.contains(base + ".dll") || m_problems.contains(file)) {
+            m_table.leftOut.push_back({file, m_problems.reasonFor(file)});
+        } else if (!m_components.isTried(pluginClass(base))) {
+            m_table.leftOut.push_back({file, "it is being tried"});
+            tryBehind(pluginClass(base));
+        } else {
+            try {
+                load(file, base, installed);
+            } catch (const RuntimeError& error) {
+                m_table.leftOut.push_back({file, error.description()});
+                const bool isNamed = error.description().find(file) != std::string::npos;
+                faults.push_back(isNamed ? error : RuntimeError(error.number(), file + ": " + error.description()));
+            }
         }
-        m_table.plugins.push_back(std::move(plugin));
     }
+    tell(faults);
 }
 
-void PluginHost::load(const std::string& file, Plugin& plugin, const InstalledVersions& installed)
+void PluginHost::tell(const std::vector<RuntimeError>& faults)
 {
-    plugin.component = m_components.createObject(classOf(plugin.base));
-    const ObjectRef data = plugin.component->call("GetData").toObject();
-    if (!data)
-        throw RuntimeError(ErrorNumber::ObjectNotSet, file);
-    plugin.name = data->call("Name").toString();
-    plugin.file = data->call("File").toString();
-    plugin.version = data->call("Version").toString();
-    plugin.author = data->call("Author").toString();
-    plugin.description = data->call("Description").toString();
-    plugin.game = data->call("Game");
-    plugin.hasInterface = data->call("HasInterface").toBoolean();
-    m_client.reporter.trap("PluginAllowed", [&] { plugin.restricted = m_access.isRestricted(plugin.name); });
-    plugin.profileMenu = data->call("ProfileMenu").toBoolean();
-    plugin.serverMenu = data->call("ServerMenu").toBoolean();
-    plugin.profileMenuItems = textsOf(data->call("ProfileMenuItems"));
-    plugin.serverMenuItems = textsOf(data->call("ServerMenuItems"));
-    plugin.helpFile = data->call("HelpFile").toString();
-    judge(file, plugin, *data, installed);
+    std::optional<RuntimeError> news;
+    std::set<std::string> told;
+    for (const RuntimeError& fault : faults) {
+        told.insert(fault.description());
+        if (!m_told.contains(fault.description()))
+            news = news ? news->followedBy("\r\n" + fault.description()) : fault;
+    }
+    m_told = std::move(told);
+    if (news)
+        throw *news;
 }
 
-void PluginHost::judge(const std::string& file, Plugin& plugin, ComponentObject& data,
-                       const InstalledVersions& installed)
+void PluginHost::load(const std::string& file, const std::string& base, const InstalledVersions& installed)
+{
+    Plugin plugin;
+    plugin.base = base;
+    plugin.component = m_components.createObject(pluginClass(base));
+    static_cast<PluginData&>(plugin) = readPluginData(*plugin.component);
+    m_client.reporter.trap("PluginAllowed", [&] { plugin.restricted = m_access.isRestricted(plugin.name); });
+    judge(file, plugin, installed);
+    m_table.plugins.push_back(std::move(plugin));
+}
+
+void PluginHost::judge(const std::string& file, Plugin& plugin, const InstalledVersions& installed)
 {
     const PluginFacts facts{
         .name = plugin.name,
         .file = file,
-        .minClient = data.call("MinRCCVer").toString(),
-        .minModule = data.call("MinGMFVer").toString(),
+        .minClient = plugin.minClient,
+        .minModule = plugin.minModule,
         .fileVersion = versionDigits(m_client.folder.path(std::string(pluginFolder) + file)),
     };
     const PluginVerdict verdict = judgePlugin(facts, m_table.trackerNames, m_table.trackerVersions, installed);
@@ -141,6 +136,67 @@ void PluginHost::judge(const std::string& file, Plugin& plugin, ComponentObject&
     if (m_table.updateNeeded.find(verdict.updateNeeded) == std::string::npos)
         m_table.updateNeeded += verdict.updateNeeded + "\r\n";
     m_table.disabled += plugin.name + " (" + file + ")\r\n";
+}
+
+/// The load may be part of a reply's handling, so the trial begins behind it; when it is over, the load says what came
+/// of it.
+void PluginHost::tryBehind(const std::string& progId)
+{
+    const auto begin = [this, progId] {
+        m_components.tryClass(progId, [host = QPointer(this)](const ComponentFault&) {
+            if (host)
+                QMetaObject::invokeMethod(host, &PluginHost::LoadPlugins, Qt::QueuedConnection);
+        });
+    };
+    QMetaObject::invokeMethod(this, begin, Qt::QueuedConnection);
+}
+
+void PluginHost::takeArrived(const std::vector<std::string>& files)
+{
+    const bool isIdle = m_waiting.empty();
+    for (const std::string& file : componentFiles(files)) {
+        if (isPlainFileName(file) && m_client.folder.fileExists(std::string(pluginFolder) + file))
+            m_waiting.push_back(file);
+    }
+    if (isIdle && !m_waiting.empty())
+        QMetaObject::invokeMethod(this, &PluginHost::takeNext, Qt::QueuedConnection);
+}
+
+void PluginHost::takeNext()
+{
+    // What comes of it comes by an event of its own, whoever called.
+    const auto conclude = [host = QPointer(this)](const ComponentFault& fault) {
+        if (host)
+            QMetaObject::invokeMethod(
+                host, [host, fault] { host->concludeArrival(fault); }, Qt::QueuedConnection);
+    };
+    const auto tryIt = [host = QPointer(this), conclude](const ComponentFault& fault) {
+        if (fault)
+            conclude(fault);
+        else if (host)
+            host->m_components.tryClass(pluginClass(componentBase(host->m_waiting.front())), conclude);
+    };
+    try {
+        m_components.registerFile(m_client.folder.path(std::string(pluginFolder) + m_waiting.front()), tryIt);
+    } catch (const RuntimeError& error) {
+        conclude(error.description());
+    }
+}
+
+void PluginHost::concludeArrival(const ComponentFault& fault)
+{
+    const std::string file = m_waiting.front();
+    m_waiting.pop_front();
+    std::string why = fault.value_or(std::string());
+    if (why.empty() && m_problems.contains(file))
+        why = "it was left unregistered when the program started";
+    m_arrived.push_back({file, why});
+    if (!m_waiting.empty()) {
+        takeNext();
+        return;
+    }
+    LoadPlugins();
+    Q_EMIT arrived(std::exchange(m_arrived, {}));
 }
 
 void PluginHost::forgetTracker()
@@ -176,7 +232,7 @@ void PluginHost::passOn(const std::string& component, const std::string& payload
     const bool isPlugin = std::any_of(m_table.plugins.begin(), m_table.plugins.end(),
                                       [&component](const Plugin& plugin) { return trimmed(plugin.base) == component; });
     if (isPlugin)
-        m_components.createObject(classOf(component))->call("RemoteData", {payload});
+        m_components.createObject(pluginClass(component))->call("RemoteData", {payload});
     // Once is enough to know of: the tracker may send such messages every few seconds, and make up names.
     else if (m_unknown.size() < maxUnknown && m_unknown.insert(component).second)
         Q_EMIT unknownPlugin(component);

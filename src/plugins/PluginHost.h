@@ -1,18 +1,22 @@
 #pragma once
 
+#include "base/RuntimeError.h"
 #include "platform/components/Component.h"
 
 #include <QObject>
 
 #include <array>
+#include <deque>
 #include <functional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class QWidget;
 struct Client;
 struct InstalledVersions;
+struct LeftOutPlugin;
 struct Plugin;
 struct PluginTable;
 struct ProblemFiles;
@@ -40,8 +44,14 @@ public:
     PluginHost(Client& client, PluginTable& table, Components& components, const ProblemFiles& problems,
                PluginAccess access, std::string clientVersion);
 
-    /// Builds the table anew. A file that cannot be loaded ends the load and is named; what was loaded stays.
+    /// Builds the table anew. A file that cannot be loaded is left out and named, once for each reason; those behind it
+    /// are loaded. One that must pass a trial first is left out until it has, and the table is then built again: no
+    /// event runs here.
     void LoadPlugins();
+    /// Plugin files that an update has just put into their folder are registered, and those that can be used from now
+    /// on are loaded. What became of them is told through `arrived`, after a trial and thus later.
+    /// @param files  their names; what is no plugin file is not looked at
+    void takeArrived(const std::vector<std::string>& files);
     /// Forgets the tracker's plugins and builds the table anew, behind what is going on. Happens by itself when the
     /// link is lost.
     void forgetTracker();
@@ -61,11 +71,18 @@ Q_SIGNALS:
     /// The tracker has sent a message for a plugin that is not here. Told once a login of each, and of a few only.
     /// @param component  what it named, in the host's code page; not cleaned
     void unknownPlugin(const std::string& component);
+    /// Plugin files that an update brought have been registered and tried.
+    /// @param files  each with why it is left out, for people; with nothing when it can be used
+    void arrived(const std::vector<LeftOutPlugin>& files);
 
 private:
     void loadFiles();
-    void load(const std::string& file, Plugin& plugin, const InstalledVersions& installed);
-    void judge(const std::string& file, Plugin& plugin, ComponentObject& data, const InstalledVersions& installed);
+    void tell(const std::vector<RuntimeError>& faults);
+    void load(const std::string& file, const std::string& base, const InstalledVersions& installed);
+    void judge(const std::string& file, Plugin& plugin, const InstalledVersions& installed);
+    void tryBehind(const std::string& progId);
+    void takeNext();
+    void concludeArrival(const ComponentFault& fault);
     void showStatus(std::string_view body);
     void passOn(const std::string& component, const std::string& payload);
 
@@ -75,6 +92,9 @@ private:
     const ProblemFiles& m_problems;
     PluginAccess m_access;
     std::string m_clientVersion;
-    std::set<std::string> m_unknown; ///< components that messages of this connection named and that are not here
-    std::string m_shown;             ///< name of the plugin whose window a menu item shows
+    std::set<std::string> m_unknown;      ///< components that messages of this connection named and that are not here
+    std::deque<std::string> m_waiting;    ///< files to be registered; the first one is under way
+    std::vector<LeftOutPlugin> m_arrived; ///< those that are done
+    std::set<std::string> m_told;         ///< what was wrong with files at the last load
+    std::string m_shown;                  ///< name of the plugin whose window a menu item shows
 };

@@ -1,7 +1,5 @@
 #include "plugins/PluginRules.h"
 
-#include "base/Text.h"
-
 #include <algorithm>
 
 PluginVerdict judgePlugin(const PluginFacts& plugin, const std::vector<std::string>& trackerNames,
@@ -21,17 +19,4 @@ PluginVerdict judgePlugin(const PluginFacts& plugin, const std::vector<std::stri
     if (plugin.minClient > installed.client)
         return {.enabled = false, .updateNeeded = "QRVV3RC.exe"};
     return {.enabled = true, .updateNeeded = {}};
-}
-
-std::string componentBase(std::string_view fileName)
-{
-    constexpr std::string_view ending = ".dll";
-    std::string base;
-    for (std::size_t at = 0; at < fileName.size();) {
-        if (equalsIgnoringCase(fileName.substr(at, ending.size()), ending))
-            at += ending.size();
-        else
-            base += fileName[at++];
-    }
-    return base;
 }

@@ -34,6 +34,3 @@ struct PluginVerdict
 ///                                       empty
 PluginVerdict judgePlugin(const PluginFacts& plugin, const std::vector<std::string>& trackerNames,
                           const std::vector<std::string>& trackerVersions, const InstalledVersions& installed);
-
-/// A component file's name with every ".dll" taken out, whatever its letter case.
-std::string componentBase(std::string_view fileName);

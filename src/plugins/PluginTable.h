@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/components/Component.h"
+#include "plugins/PluginData.h"
 
 #include <algorithm>
 #include <string>
@@ -10,24 +11,12 @@
 /// Name of the plugin that starts games.
 inline constexpr std::string_view startPlugin = "BHD Auto Start";
 
-/// One plugin as the rest of the program sees it. Texts in the host's code page, as the plugin gave them.
-struct Plugin
+/// One plugin as the rest of the program sees it.
+struct Plugin : PluginData
 {
-    std::string name;
     ObjectRef component;
     bool enabled = false;
-    std::string file;
-    std::string version;
-    std::string author;
-    std::string description;
-    ComponentValue game;
-    bool hasInterface = false;
-    bool profileMenu = false;
-    bool serverMenu = false;
-    std::vector<std::string> profileMenuItems;
     bool restricted = false; ///< the account may not use it
-    std::vector<std::string> serverMenuItems;
-    std::string helpFile; ///< the help section while the plugin's window is shown
     /// The file's name without ".dll": what its class is named after.
     std::string base;
 
@@ -35,10 +24,20 @@ struct Plugin
     bool isOffered() const { return enabled && !restricted; }
 };
 
+/// A plugin file that is not among the plugins, and why.
+struct LeftOutPlugin
+{
+    std::string file;
+    std::string why; ///< for people
+
+    bool operator==(const LeftOutPlugin&) const = default;
+};
+
 /// The plugins of this client and what the tracker says of its own. Written by the plugin host.
 struct PluginTable
 {
     std::vector<Plugin> plugins;
+    std::vector<LeftOutPlugin> leftOut;
     /// Whether the tracker has said on this connection which plugins it runs.
     bool isTrackerKnown = false;
     /// Names and versions of the tracker's plugins, at matching positions.

@@ -1,6 +1,7 @@
 #include "plugins/qrvrcDllProgress.h"
 
 #include "base/RuntimeError.h"
+#include "base/Text.h"
 #include "client/Client.h"
 #include "diagnostics/report/MessageBoxes.h"
 #include "diagnostics/report/Reporter.h"
@@ -32,6 +33,7 @@ constexpr int margin = 16; // pixels, as the next
 constexpr int gap = 12;
 constexpr int buttonWidth = 112;
 constexpr int lineRole = Qt::UserRole; ///< the problem line's bytes
+constexpr int whyRole = lineRole + 1;  ///< the reason's bytes
 
 const QString proceedQuestion = u"You still have unregistered ActiveX files!\r\n\r\n"
                                 "Any files left unregsitered will not be loaded by the Quorvane Ravelin RC.\r\n\r\n"
@@ -39,7 +41,7 @@ const QString proceedQuestion = u"You still have unregistered ActiveX files!\r\n
                                 "select 'Register Selected ActiveX Files'.\r\n\r\n"
                                 "Do you wish to continue without registering the files"_s;
 
-/// Shows which lines are selected by a tick in front of them.
+/// Shows which lines are selected by a tick in front of them, and the reason below each.
 class TickDelegate : public QStyledItemDelegate
 {
 public:
@@ -55,6 +57,8 @@ protected:
     {
         QStyledItemDelegate::initStyleOption(option, index);
         option->features |= QStyleOptionViewItem::HasCheckIndicator;
+        if (const QString why = index.data(Qt::AccessibleDescriptionRole).toString(); !why.isEmpty())
+            option->text += QChar::LineSeparator + why;
         option->checkState = option->state.testFlag(QStyle::State_Selected) ? Qt::Checked : Qt::Unchecked;
     }
 };
@@ -155,7 +159,7 @@ void qrvrcDllProgress::buildMenu()
 
 void qrvrcDllProgress::wireSignals()
 {
-    connect(Timer1, &QTimer::timeout, this, &qrvrcDllProgress::tick);
+    connect(Timer1, &QTimer::timeout, this, [this] { ProgressBar1->setValue(m_number); });
     connect(cmdProceed, &ImageButton::clicked, this, &qrvrcDllProgress::reject);
     connect(cmdExport, &ImageButton::clicked, this,
             m_client.reporter.trapped("cmdExport_Click", [this] { exportProblems(); }));
@@ -182,7 +186,7 @@ void qrvrcDllProgress::showAuthenticated(const std::string& entry)
     Label1->setText(m_client.codePage.toText(entry + " Authenticated"));
 }
 
-void qrvrcDllProgress::addProblem(const std::string& entry)
+void qrvrcDllProgress::addProblem(const std::string& entry, const std::string& why)
 {
     const bool isKnown = !componentClass(entry).type.empty();
     Label1->setText(
@@ -190,22 +194,27 @@ void qrvrcDllProgress::addProblem(const std::string& entry)
     const std::string line = problemLine(entry);
     auto* item = new QListWidgetItem(m_client.codePage.toText(line), List1);
     item->setData(lineRole, QByteArray::fromStdString(line));
+    setReason(*item, why);
 }
 
-void qrvrcDllProgress::tick()
+/// Below the line and as its tool tip, which shows all of it.
+void qrvrcDllProgress::setReason(QListWidgetItem& item, const std::string& why) const
 {
-    ProgressBar1->setValue(m_number);
-    if (!m_isTested)
-        return; // a component that lets events run while it is created must not end its own test
-    Timer1->stop();
-    if (List1->count() == 0)
-        accept();
-    else
-        listProblems();
+    const QString text = m_client.codePage.toText(why).simplified();
+    item.setData(whyRole, QByteArray::fromStdString(why));
+    item.setData(Qt::AccessibleDescriptionRole, text);
+    item.setToolTip(Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal));
+}
+
+bool qrvrcDllProgress::hasProblems() const
+{
+    return List1->count() > 0;
 }
 
 void qrvrcDllProgress::listProblems()
 {
+    m_isUsers = true;
+    Timer1->stop();
     setWindowTitle(u"Problematic ActiveX Files"_s);
     ProgressBar1->hide();
     Label1->hide();
@@ -217,11 +226,12 @@ void qrvrcDllProgress::listProblems()
     setTabOrder(cmdExport, cmdProceed);
     List1->setCurrentRow(0, QItemSelectionModel::NoUpdate);
     List1->setFocus();
+    show();
 }
 
 void qrvrcDllProgress::reject()
 {
-    if (m_isTested && !Timer1->isActive())
+    if (m_isUsers)
         proceed();
 }
 
@@ -232,8 +242,11 @@ void qrvrcDllProgress::proceed()
     const QScopedValueRollback asking(m_isAsking, true);
     if (List1->count() > 0 && !m_client.boxes.confirm(u"Caution!!!"_s, proceedQuestion))
         return;
-    for (const std::string& line : problemLines())
-        m_problems.names.emplace_back(componentFile(entryOfProblem(line)));
+    for (const ProblemLine& problem : problemLines()) {
+        const std::string file(componentFile(entryOfProblem(problem.line)));
+        m_problems.names.push_back(file);
+        m_problems.reasons[lowerAscii(file)] = problem.why;
+    }
     accept();
 }
 
@@ -255,11 +268,13 @@ void qrvrcDllProgress::registerSelected()
     for (const std::string& line : lines) {
         const std::string entry(entryOfProblem(line));
         const QString name = m_client.codePage.toText(entry);
-        if (RegisterFile(entry)) {
+        if (const ComponentFault fault = RegisterFile(entry)) {
+            if (QListWidgetItem* item = itemOf(line))
+                setReason(*item, *fault);
+            m_client.reporter.ReportMsg(MessageKind::Failed, u"Failed to Register ActiveX File "_s + name);
+        } else {
             m_client.reporter.ReportMsg(MessageKind::Success, u"ActiveX File %1 Registered Successfully."_s.arg(name));
             removeLine(line);
-        } else {
-            m_client.reporter.ReportMsg(MessageKind::Failed, u"Failed to Register ActiveX File "_s + name);
         }
     }
 }
@@ -285,13 +300,12 @@ void qrvrcDllProgress::deleteSelected()
     }
 }
 
-bool qrvrcDllProgress::RegisterFile(const std::string& entry)
+ComponentFault qrvrcDllProgress::RegisterFile(const std::string& entry)
 {
-    bool isRegistered = false;
-    m_client.reporter.trap("RegisterFile", [&] {
-        isRegistered = m_services.registerFile(m_client.folder.path(componentLayoutName(entry)));
-    });
-    return isRegistered;
+    ComponentFault fault = "it cannot be registered";
+    m_client.reporter.trap("RegisterFile",
+                           [&] { fault = m_services.registerFile(m_client.folder.path(componentLayoutName(entry))); });
+    return fault;
 }
 
 /// @return whether the file is gone
@@ -307,12 +321,12 @@ bool qrvrcDllProgress::deleteFile(const std::string& entry) const
     }
 }
 
-std::vector<std::string> qrvrcDllProgress::problemLines() const
+std::vector<ProblemLine> qrvrcDllProgress::problemLines() const
 {
-    std::vector<std::string> lines;
+    std::vector<ProblemLine> lines;
     lines.reserve(static_cast<std::size_t>(List1->count()));
     for (int row = 0; row < List1->count(); ++row)
-        lines.push_back(lineOf(*List1->item(row)));
+        lines.push_back({lineOf(*List1->item(row)), List1->item(row)->data(whyRole).toByteArray().toStdString()});
     return lines;
 }
 
@@ -326,12 +340,16 @@ std::vector<std::string> qrvrcDllProgress::selectedLines() const
     return lines;
 }
 
-void qrvrcDllProgress::removeLine(const std::string& line)
+QListWidgetItem* qrvrcDllProgress::itemOf(const std::string& line) const
 {
     for (int row = 0; row < List1->count(); ++row) {
-        if (lineOf(*List1->item(row)) == line) {
-            delete List1->takeItem(row);
-            return;
-        }
+        if (lineOf(*List1->item(row)) == line)
+            return List1->item(row);
     }
+    return nullptr;
+}
+
+void qrvrcDllProgress::removeLine(const std::string& line)
+{
+    delete itemOf(line);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/components/Component.h"
+
 #include <QDialog>
 
 #include <filesystem>
@@ -10,19 +12,21 @@
 class ImageButton;
 class QLabel;
 class QListWidget;
+class QListWidgetItem;
 class QMenu;
 class QProgressBar;
 class QTimer;
 struct Client;
 struct ProblemFiles;
+struct ProblemLine;
 
 /// What the component check needs of other parts of the program.
 struct ComponentServices
 {
-    /// Creates a component and lets go of it; throws what stands in the way.
-    std::function<void(const std::string& progId)> create;
-    /// Calls a library's own registration. @return whether it succeeded
-    std::function<bool(const std::filesystem::path& file)> registerFile;
+    /// Creates a component and lets go of it. May let events run. @return what stands in the way
+    std::function<ComponentFault(const std::string& progId)> test;
+    /// Calls a library's own registration. May let events run. @return why it failed
+    std::function<ComponentFault(const std::filesystem::path& file)> registerFile;
     /// Opens the text viewer.
     std::function<void(const QString& caption, const QString& text)> showText;
 };
@@ -43,9 +47,10 @@ public:
     void showTesting(int number, const std::string& entry);
     void showAuthenticated(const std::string& entry);
     /// Shows and lists an entry that failed.
-    void addProblem(const std::string& entry);
-    /// From now on the window goes its own way: it ends with the next tick, or lists what failed.
-    void allTested() { m_isTested = true; }
+    void addProblem(const std::string& entry, const std::string& why);
+    bool hasProblems() const;
+    /// All is tested: from now on the window is the user's, who decides about what failed.
+    void listProblems();
 
 public Q_SLOTS:
     /// Whatever would close the window asks what Proceed asks.
@@ -56,24 +61,25 @@ private:
     void layOut();
     void buildMenu();
     void wireSignals();
-    void tick();
-    void listProblems();
     void proceed();
     void exportProblems();
     void registerSelected();
     void deleteSelected();
-    bool RegisterFile(const std::string& entry);
+    /// @return why it failed
+    ComponentFault RegisterFile(const std::string& entry);
     bool deleteFile(const std::string& entry) const;
-    std::vector<std::string> problemLines() const;
+    std::vector<ProblemLine> problemLines() const;
     /// The selected lines from top to bottom.
     std::vector<std::string> selectedLines() const;
+    void setReason(QListWidgetItem& item, const std::string& why) const;
+    QListWidgetItem* itemOf(const std::string& line) const;
     void removeLine(const std::string& line);
 
     Client& m_client;
     const ComponentServices& m_services;
     ProblemFiles& m_problems;
     int m_number = 0;
-    bool m_isTested = false;
+    bool m_isUsers = false; ///< all is tested
     bool m_isAsking = false;
 
     QLabel* Label1 = nullptr;

@@ -3,6 +3,7 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "link/clsWinSock.h"
+#include "platform/components/Component.h"
 #include "platform/system/CodePage.h"
 #include "platform/system/FileBytes.h"
 #include "platform/system/PathBytes.h"
@@ -81,7 +82,7 @@ QString UpdateOptions::builtIn(int number) const
 
 void UpdateOptions::load()
 {
-    m_values = OptionValues{.location = {}, .codePage = std::string(CodePage::usual), .makerHost = {}, .updateKey = {}};
+    m_values = OptionValues{.location = {}, .codePage = {}, .makerHost = {}, .updateKey = {}};
     if (m_subjects.folder.fileExists(settingsFile)) {
         const IniText text = storedSettings(m_subjects.folder);
         const auto own = [&text](std::string_view key) { return text.value(ownSection, key).value_or(std::string()); };
@@ -135,10 +136,11 @@ void UpdateOptions::putInForce()
     m_subjects.agent.setAutomatic(m_values.automatic);
     m_subjects.link.replyLimit = m_values.replyLimit;
     m_subjects.reporter.reports = m_values.reports;
-    if (!m_subjects.codePage.use(m_values.codePage)) {
-        m_values.codePage = CodePage::usual;
-        m_subjects.codePage.use(m_values.codePage);
+    if (!m_subjects.codePage.use(m_values.codePage)) { // nobody has chosen one
+        m_subjects.codePage = CodePage();
+        m_values.codePage = m_subjects.codePage.name();
     }
+    m_subjects.components.useCodePage(m_values.codePage);
 }
 
 std::string storedMakerHost(const AppFolder& folder)

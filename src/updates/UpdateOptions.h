@@ -10,6 +10,7 @@
 class AppFolder;
 class clsWinSock;
 class CodePage;
+class Components;
 class QUrl;
 class UpdateAgent;
 struct UpdateServices;
@@ -43,6 +44,7 @@ public:
         UpdateAgent& agent;
         clsWinSock& link;
         CodePage& codePage;
+        Components& components;
         Reporter& reporter;
     };
 

@@ -16,6 +16,7 @@
 #include "updates/UpdatesIni.h"
 
 #include <QLabel>
+#include <QPointer>
 #include <QProgressBar>
 #include <QVBoxLayout>
 
@@ -309,7 +310,10 @@ void UpdatePanel::concludeDownload()
     const std::unique_ptr<UpdateQueue> queue = std::exchange(m_queue, nullptr);
     QStringList failed;
     bool areAnyDone = false;
+    std::vector<std::string> here;
     for (const ObtainedFile& file : queue->results()) {
+        if (file.how == ObtainedFile::How::Placed)
+            here.push_back(file.name);
         if (file.how == ObtainedFile::How::Failed)
             failed += m_client.codePage.toText(file.name) + u": "_s + file.why;
         else
@@ -324,10 +328,18 @@ void UpdatePanel::concludeDownload()
     cmdGetUpdates->setEnabled(true);
     cmdCheck->setEnabled(true);
     showButton(false);
+    const QPointer<UpdatePanel> self(this);
+    tellDownloaded(failed, areAnyDone, queue->isCancelled());
+    if (self && !here.empty())
+        Q_EMIT placed(here);
+}
+
+void UpdatePanel::tellDownloaded(const QStringList& failed, bool areAnyDone, bool isCancelled)
+{
     const bool needsRestart = m_client.folder.folderExists(updatesFolder);
-    if (!failed.isEmpty() || queue->isCancelled()) {
-        QString text = queue->isCancelled() ? u"The download was cancelled."_s
-                                            : u"Failed to obtain update file!\r\n\r\n"_s + joined(failed);
+    if (!failed.isEmpty() || isCancelled) {
+        QString text = isCancelled ? u"The download was cancelled."_s
+                                   : u"Failed to obtain update file!\r\n\r\n"_s + joined(failed);
         if (areAnyDone)
             text += u"\r\n\r\nThe other files were downloaded."_s;
         if (needsRestart)

@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 class ImageButton;
@@ -41,6 +42,10 @@ public:
                 QWidget* parent);
     ~UpdatePanel() override;
 
+Q_SIGNALS:
+    /// These files have just been put where they belong, and the user has been told so.
+    void placed(const std::vector<std::string>& names);
+
 protected:
     void showEvent(QShowEvent* event) override;
 
@@ -60,6 +65,7 @@ private:
     void getUpdates();
     void advance(qint64 bytes);
     void concludeDownload();
+    void tellDownloaded(const QStringList& failed, bool areAnyDone, bool isCancelled);
 
     void followReplaced();
     void undo();

@@ -3,6 +3,7 @@
 #include "client/Client.h"
 #include "platform/system/CodePage.h"
 #include "plugins/PluginTable.h"
+#include "ui/CopyActions.h"
 #include "updates/UpdateAgent.h"
 #include "updates/UpdatePanel.h"
 
@@ -22,6 +23,7 @@ namespace {
 constexpr QMargins pageMargins(8, 2, 8, 8);
 constexpr int gap = 8;
 constexpr int listHeight = 150;
+constexpr int leftOutHeight = 46; // two lines
 
 QString statusText(const Plugin& plugin)
 {
@@ -48,14 +50,16 @@ qrvrcPlugins::qrvrcPlugins(Client& client, const PluginTable& plugins, const Upd
     all->setContentsMargins(pageMargins);
     all->setSpacing(gap);
     all->addLayout(left, 1);
-    all->addWidget(new UpdatePanel(client, services, agent,
-                                   {.frameName = u"Frame3"_s,
-                                    .title = u"New Plugins && Updates"_s,
-                                    .checkName = u"cmdCheckPlugins"_s,
-                                    .checkCaption = u"Check Plugins"_s,
-                                    .order = pluginCheck,
-                                    .success = u"Updates downloaded and installed successfully!"_s},
-                                   this));
+    auto* panel = new UpdatePanel(client, services, agent,
+                                  {.frameName = u"Frame3"_s,
+                                   .title = u"New Plugins && Updates"_s,
+                                   .checkName = u"cmdCheckPlugins"_s,
+                                   .checkCaption = u"Check Plugins"_s,
+                                   .order = pluginCheck,
+                                   .success = u"Updates downloaded and installed successfully!"_s},
+                                  this);
+    all->addWidget(panel);
+    connect(panel, &UpdatePanel::placed, this, &qrvrcPlugins::filesArrived);
     connect(lstPlugins, &QListWidget::itemSelectionChanged, this, &qrvrcPlugins::lstPlugins_Click);
     followPlugins();
 }
@@ -71,6 +75,12 @@ QGroupBox* qrvrcPlugins::buildList()
     lstPlugins->installEventFilter(this);
     auto* layout = new QVBoxLayout(frame);
     layout->addWidget(lstPlugins);
+    lstLeftOut = new QListWidget;
+    lstLeftOut->setObjectName(u"lstLeftOut"_s);
+    lstLeftOut->setAccessibleName(u"Files that are not loaded, and why"_s);
+    lstLeftOut->setFixedHeight(leftOutHeight);
+    addCopyActions(lstLeftOut);
+    layout->addWidget(lstLeftOut);
     return frame;
 }
 
@@ -122,6 +132,20 @@ void qrvrcPlugins::followPlugins()
             lstPlugins->setCurrentItem(item);
     }
     lstPlugins_Click();
+    followLeftOut();
+}
+
+void qrvrcPlugins::followLeftOut()
+{
+    lstLeftOut->clear();
+    for (const LeftOutPlugin& plugin : m_plugins.leftOut) {
+        const QString why =
+            plugin.why.empty() ? u"not registered"_s : m_client.codePage.toText(plugin.why).simplified();
+        const QString text = m_client.codePage.toText(plugin.file) + u": "_s + why;
+        auto* item = new QListWidgetItem(text, lstLeftOut);
+        item->setToolTip(Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal));
+    }
+    lstLeftOut->setVisible(lstLeftOut->count() > 0);
 }
 
 void qrvrcPlugins::lstPlugins_Click()

@@ -2,6 +2,9 @@
 
 #include "ui/WorkingWindow.h"
 
+#include <string>
+#include <vector>
+
 class QGroupBox;
 class QLabel;
 class QListWidget;
@@ -35,18 +38,22 @@ public:
 Q_SIGNALS:
     /// The user wants to see the plugins.
     void activated();
+    /// Files of these names have just been downloaded and put into their folders.
+    void filesArrived(const std::vector<std::string>& names);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QGroupBox* buildList();
+    void followLeftOut();
     QGroupBox* buildDetails();
 
     Client& m_client;
     const PluginTable& m_plugins;
     UpdateAgent& m_agent;
     QListWidget* lstPlugins = nullptr;
+    QListWidget* lstLeftOut = nullptr; ///< files that are no plugins of this run; shown when there are any
     QLabel* lblName = nullptr;
     QLabel* lblVersion = nullptr;
     QLabel* lblAuthor = nullptr;

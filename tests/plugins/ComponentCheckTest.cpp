@@ -35,22 +35,22 @@ struct CheckRig : ClientRig
     QStringList caption; ///< of the exported text, and the text
     QPointer<qrvrcDllProgress> window;
     bool listWasShown = false;
+    std::chrono::milliseconds showsAfter = std::chrono::hours(1);
 
     ComponentServices services()
     {
         return {
-            .create =
-                [this](const std::string& progId) {
-                    created += codePage.toText(progId);
-                    if (broken.contains(progId))
-                        throw RuntimeError(ErrorNumber::CannotCreateObject, progId);
-                },
-            .registerFile =
-                [this](const std::filesystem::path& file) {
-                    if (file.filename() == "raises.dll")
-                        throw RuntimeError(ErrorNumber::PermissionDenied, "raises.dll");
-                    return std::filesystem::exists(file) && registrable.contains(file.filename().string());
-                },
+            .test = [this](const std::string& progId) -> ComponentFault {
+                created += codePage.toText(progId);
+                return broken.contains(progId) ? ComponentFault(progId + " is broken") : std::nullopt;
+            },
+            .registerFile = [this](const std::filesystem::path& file) -> ComponentFault {
+                if (file.filename() == "raises.dll")
+                    throw RuntimeError(ErrorNumber::PermissionDenied, "raises.dll");
+                if (std::filesystem::exists(file) && registrable.contains(file.filename().string()))
+                    return std::nullopt;
+                return "it refuses";
+            },
             .showText =
                 [this](const QString& title, const QString& text) {
                     caption = {title, text};
@@ -87,7 +87,7 @@ struct CheckRig : ClientRig
         });
         look.start(1);
         ComponentCheck check(client, std::move(access), problems);
-        check.pause = 1ms;
+        check.showsAfter = showsAfter;
         return check.run(nullptr);
     }
 
@@ -124,13 +124,31 @@ private Q_SLOTS:
         QCOMPARE(std::filesystem::current_path(), std::filesystem::canonical(rig.folder.root()));
     }
 
-    void goodComponentsPassWithoutTheList()
+    void goodComponentsPassWithoutAWindow()
     {
         CheckRig rig;
+        rig.put("\\Plugins\\one.dll");
+        writeBytes(rig.folder.root() / "Plugins" / "ONE.dll", "x");
+        QVERIFY(rig.run());
+        QVERIFY(!rig.window);
+        QCOMPARE(rig.created, QStringList(u"ONE.clsPlugin"_s)); // one name, one class
+    }
+
+    void aTestThatLastsHasAWindowButNoList()
+    {
+        CheckRig rig;
+        rig.showsAfter = 0ms;
         for (const char* file : {"\\qrvZip.dll", "\\qrvrcGMF.dll", "\\qrvrcMFM.dll", "\\Plugins\\one.dll"})
             rig.put(file);
         bool proceedWasOffered = true;
+        ComponentServices services = rig.services();
+        services.test = [&](const std::string& progId) {
+            while (!rig.window && !rig.created.isEmpty()) // the second one lasts
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            return rig.services().test(progId);
+        };
         QVERIFY(rig.run(
+            services,
             [&] {
                 rig.window->close(); // must not end a test that is under way
                 proceedWasOffered = rig.part<QWidget>("cmdProceed").isEnabled();
@@ -157,6 +175,7 @@ private Q_SLOTS:
             QVERIFY(rig.part<QProgressBar>("ProgressBar1").isHidden());
             QVERIFY(rig.part<QLabel>("Label1").isHidden());
             QVERIFY(rig.part<QLabel>("Label2").isVisible());
+            QVERIFY(rig.list().item(2)->toolTip().contains(u"bad.clsPlugin is broken"_s));
             rig.press("cmdProceed");
         }));
         QCOMPARE(lines, QStringList({u"Unregistered function File: qrvrcGMF.dll"_s,
@@ -166,6 +185,7 @@ private Q_SLOTS:
         QCOMPARE(rig.boxes.count(u"Caution!!!"_s), 1);
         const std::vector<std::string> left{"qrvrcGMF.dll", "..\\up.dll", "bad.dll"};
         QCOMPARE(rig.problems.names, left);
+        QCOMPARE(rig.problems.reasonFor("BAD.dll"), std::string("bad.clsPlugin is broken"));
     }
 
     void noMeansStayHoweverTheWindowIsClosed_data()
@@ -216,6 +236,7 @@ private Q_SLOTS:
             rig.tickAll();
             rig.part<QAction>("mnuRegister").trigger();
             remaining = rig.lines();
+            QVERIFY(rig.list().item(0)->toolTip().contains(u"it refuses"_s)); // now known better
             rig.press("cmdProceed");
         }));
         QCOMPARE(remaining, QStringList({u"Unregistered Plugin File: \\Plugins\\poor.dll"_s,
@@ -281,7 +302,8 @@ private Q_SLOTS:
             uR"(^File: Problematic ActiveX Files\r\nDate: \d{4}-\d\d-\d\d\r\nTime: \d\d:\d\d:\d\d\r\n)"
             uR"(Operating System: [^\r\n]+, \d+\.\d+, [^\r\n]*, \d+\.\d+\r\n)"_s);
         QVERIFY2(head.match(rig.caption.value(1)).hasMatch(), qPrintable(rig.caption.value(1)));
-        QVERIFY(rig.caption.value(1).endsWith(u"\r\nUnregistered Plugin File: \\Plugins\\bad ä.dll"_s));
+        QVERIFY(rig.caption.value(1).endsWith(
+            u"\r\nUnregistered Plugin File: \\Plugins\\bad ä.dll\r\n    bad ä.clsPlugin is broken"_s));
     }
 
     void quittingUnwindsTheCheck_data()
@@ -300,9 +322,10 @@ private Q_SLOTS:
         bool goesOn = true;
         ComponentServices services = rig.services();
         if (whileTesting) {
-            services.create = [&](const std::string&) {
+            services.test = [&](const std::string&) {
                 rig.created += u"tried"_s;
                 QCoreApplication::exit();
+                return ComponentFault();
             };
         }
         QTimer::singleShot(0, qApp, [&] {

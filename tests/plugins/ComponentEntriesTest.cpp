@@ -12,7 +12,8 @@ private Q_SLOTS:
     void theProgramFolderComesFirstAndOnlyLibrariesCount()
     {
         const std::vector<std::string> expected{"b.dll", "qrvZip.dll", "\\Plugins\\A.DLL", "\\Plugins\\x.dll"};
-        QCOMPARE(componentEntries({"b.dll", "b.dll.txt", "dll", "qrvZip.dll"}, {"A.DLL", "readme", "x.dll"}), expected);
+        QCOMPARE(componentEntries({"b.dll", "b.dll.txt", "dll", "qrvZip.dll"}, {"A.DLL", "a.dll", "readme", "x.dll"}),
+                 expected);
         QVERIFY(componentEntries({"help.chm"}, {}).empty());
     }
 
@@ -56,7 +57,7 @@ private Q_SLOTS:
 
     void problemFilesAreFoundInAnyLetterCase()
     {
-        const ProblemFiles problems{{"Alpha.dll", "beta.DLL"}};
+        const ProblemFiles problems{.names = {"Alpha.dll", "beta.DLL"}};
         QVERIFY(problems.contains("ALPHA.DLL"));
         QVERIFY(problems.contains("beta.dll"));
         QVERIFY(!problems.contains("Alpha"));
@@ -82,9 +83,9 @@ private Q_SLOTS:
         QFETCH(const QByteArray, version);
         QFETCH(const QByteArray, expected);
         const SystemName system{name.toStdString(), version.toStdString(), 2, 1};
-        QCOMPARE(problemReport("2009-11-05", "07:08:09", system, {"first: a", "second: b"}),
+        QCOMPARE(problemReport("2009-11-05", "07:08:09", system, {{"first: a", "why"}, {"second: b", ""}}),
                  "File: Problematic ActiveX Files\r\nDate: 2009-11-05\r\nTime: 07:08:09\r\nOperating System: " +
-                     expected.toStdString() + "\r\n\r\nfirst: a\r\nsecond: b");
+                     expected.toStdString() + "\r\n\r\nfirst: a\r\n    why\r\nsecond: b");
     }
 
     void theSystemsReleaseIsReadFromItsName()

@@ -1,5 +1,7 @@
 #include "plugins/PluginRules.h"
 
+#include "plugins/ComponentEntries.h"
+
 #include "base/RaisedError.h"
 
 namespace {

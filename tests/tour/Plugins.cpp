@@ -33,7 +33,8 @@ void layOut(const Act& act)
     QFile broken(folder.filePath(u"broken.dll"_s));
     if (broken.open(QIODevice::WriteOnly))
         broken.write("A library that the download left half finished.\r\n");
-    act.frame.core().components.registerFile(folder.filePath(u"qrvrcBHDGS.dll"_s).toStdU16String());
+    act.frame.core().components.registerFile(folder.filePath(u"qrvrcBHDGS.dll"_s).toStdU16String(),
+                                             [](const ComponentFault&) {});
 }
 
 bool checkLists(const QStringList& lines)

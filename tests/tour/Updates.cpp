@@ -39,7 +39,7 @@ void layOut(const Act& act)
     act.home.mkpath(u"Plugins"_s);
     const QString plugin = act.home.filePath(u"Plugins/qrvrcWatch.dll"_s);
     QFile::copy(QCoreApplication::applicationDirPath() + u"/Plugins/qrvrcWatch.dll"_s, plugin);
-    act.frame.core().components.registerFile(plugin.toStdU16String());
+    act.frame.core().components.registerFile(plugin.toStdU16String(), [](const ComponentFault&) {});
 }
 
 void offerUpdates(practice::UpdatePages& pages)

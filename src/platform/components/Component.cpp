@@ -73,3 +73,16 @@ ObjectRef ComponentValue::toObject() const
         return *object;
     mismatch();
 }
+
+ComponentFault faultIn(const std::function<void()>& body)
+{
+    try {
+        body();
+        return std::nullopt;
+    } catch (const std::exception& error) {
+        const std::string text = error.what();
+        const std::string sentence = std::string(errorSentence(ErrorNumber::CannotCreateObject)) + ": ";
+        return text.starts_with(sentence) ? text.substr(sentence.size())
+                                          : text; // it says nothing that the rest does not
+    }
+}

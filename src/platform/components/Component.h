@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -59,47 +60,76 @@ public:
     virtual ComponentValue call(std::string_view member, std::vector<ComponentValue> arguments = {}) = 0;
 };
 
+/// What is wrong, for people; nothing when it went well. Texts name the file.
+using ComponentFault = std::optional<std::string>;
+
+/// Runs `body`. @return what an error that ended it says to people
+ComponentFault faultIn(const std::function<void()>& body);
+
 /// Creates components by their programmatic identifiers. Where the system has no components of its own, they are shared
 /// libraries with the ending ".dll" in the application folder or its "\Plugins", which must have been registered for
 /// that folder through their own DllRegisterServer.
 ///
-/// A library that is new or has changed is tried in another process first, when there is a probe, so that one that ends
-/// its process does not end the client, now or at the next start.
+/// With a probe, a library that is new or has changed must pass a trial in another process first, so that one that ends
+/// its process or never returns does no harm to the client, now or at the next start. Trials end from the event loop.
 class Components
 {
 public:
-    /// Tries a library where it can do no harm.
+    /// Takes what came of something that was begun; called once, at once or later from the event loop.
+    using Done = std::function<void(const ComponentFault& fault)>;
+
+    /// How a trial came out.
+    struct Verdict
+    {
+        enum class How {
+            Passed,  ///< came to its end, with or without an object
+            Failed,  ///< kept until the file changes or is registered again
+            NotMade, ///< could not be tried; kept for this run
+        };
+
+        How how = How::Passed;
+        std::string why = {}; ///< for people; empty when it passed
+    };
+
+    /// Tries a library where it can do no harm. A probe that is destroyed ends its trials and calls nothing any more.
     /// @param file    full path
-    /// @param progId  the class to create; empty to call the library's registration instead
-    /// @param why     what happened, for people; only when the answer is false
-    /// @return whether the try came to its end, with or without an object; false is kept until the file changes or is
-    ///         registered again
-    /// @throws RuntimeError CannotCreateObject when it could not be tried, which is not kept
-    using Probe = std::function<bool(const std::filesystem::path& file, const std::string& progId, std::string& why)>;
+    /// @param progId  the class to create and to read; empty to call the library's registration instead
+    /// @param done    called once, from the event loop
+    using Probe = std::function<void(const std::filesystem::path& file, const std::string& progId,
+                                     std::function<void(const Verdict&)> done)>;
 
     /// @param folder  outlives this
     explicit Components(const AppFolder& folder);
     ~Components();
 
-    /// Without a probe nothing is tried beforehand.
-    /// @param probe  may let events run; while it does, its library is refused to others
+    /// Without a probe nothing is tried beforehand. What could not be tried with an earlier one is tried again.
     void setProbe(Probe probe);
+    /// Tells components in which code page their texts are.
+    /// @param name  one of `codePageTables`; without a call it is the system's
+    void useCodePage(std::string_view name);
 
+    /// Whether nothing stands out before the class can be created: it has been tried in the present state of its
+    /// file, however that came out, or needs no trial.
+    bool isTried(const std::string& progId) const;
+    /// Tries a class that has not been tried yet. One that is being tried is not tried twice.
+    void tryClass(const std::string& progId, Done done);
+    /// Never lets events run.
     /// @param progId  such as "qrvrcBHDGS.clsPlugin"
-    /// @throws RuntimeError CannotCreateObject when nothing is registered under the name or its library cannot be used;
-    ///         the description names the file and what is wrong with it
+    /// @throws RuntimeError CannotCreateObject when nothing is registered under the name, its library has not passed
+    /// its
+    ///         trial or cannot be used; the description names the file and what is wrong with it
     ObjectRef createObject(const std::string& progId);
 
-    /// Calls the library's own registration, and forgets what was found out about the library before.
-    /// @return whether it succeeded; false for what is no library, lies in neither folder, lacks the entry point, or
-    ///         reports a failure
-    bool registerFile(const std::filesystem::path& file);
+    /// Calls the library's own registration, after a trial of it, and forgets what was found out about the library
+    /// before. It fails for what is no library, lies in neither folder, lacks the entry point, or reports a failure.
+    void registerFile(const std::filesystem::path& file, Done done);
 
 private:
     class Impl;
     std::unique_ptr<Impl> m_impl;
 };
 
-/// What a probe does in its own process: loads the library and makes and releases an instance, or registers nothing but
-/// calls the registration when `progId` is empty. Failures that are told in an orderly way are none here.
-void tryComponent(const AppFolder& folder, const std::filesystem::path& file, const std::string& progId);
+/// What a probe does in its own process: loads the library, makes an instance, lets `examine` use it and releases it,
+/// or calls the registration when `progId` is empty. Failures that are told in an orderly way are none here.
+void tryComponent(const AppFolder& folder, const std::filesystem::path& file, const std::string& progId,
+                  const std::function<void(ComponentObject&)>& examine);

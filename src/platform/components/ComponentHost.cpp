@@ -2,8 +2,12 @@
 
 #include "base/RuntimeError.h"
 #include "platform/components/ComponentLibrary.h"
+#include "platform/system/CodePageTables.h"
+#include "platform/system/SystemCodePage.h"
 
+#include <algorithm>
 #include <exception>
+#include <numeric>
 #include <type_traits>
 #include <utility>
 
@@ -25,7 +29,7 @@ std::int32_t guarded(Body&& body) noexcept
         return 0;
     } catch (const RuntimeError& error) {
         return codeOf(error.number());
-    } catch (const std::exception&) {
+    } catch (...) {
         return codeOf(ErrorNumber::OutOfMemory);
     }
 }
@@ -62,8 +66,8 @@ public:
     LibraryObject& operator=(const LibraryObject&) = delete;
     ~LibraryObject() override
     {
-        m_host.attach();
         try {
+            m_host.attach();
             m_object->functions->release(m_object);
         } catch (...) { // what it threw has nobody to tell
         }
@@ -79,14 +83,14 @@ public:
         const std::string source = m_host.shownName + ", " + name;
         ComponentValue result;
         m_host.error.clear();
-        m_host.attach();
         std::int32_t fault = 0;
-        try {
+        const auto thrown = thrownBy([&] {
+            m_host.attach();
             fault = m_object->functions->call(m_object, name.c_str(), handles.data(),
                                               static_cast<std::int32_t>(handles.size()), handleOf(result));
-        } catch (const std::exception& error) {
-            throw RuntimeError(ErrorNumber::InternalError, source + ": " + error.what());
-        }
+        });
+        if (thrown)
+            throw RuntimeError(ErrorNumber::InternalError, source + ": " + *thrown);
         if (fault != 0) {
             const std::string said = m_host.takeError();
             throw RuntimeError(static_cast<ErrorNumber>(fault), said.empty() ? source : source + ": " + said);
@@ -108,7 +112,12 @@ const char* applicationFolder(const QrvrcHost* host)
 
 const char* codePage(const QrvrcHost*)
 {
-    return "windows-1252";
+    return hostCodePage().name().c_str();
+}
+
+const std::uint16_t* characters(const QrvrcHost*)
+{
+    return hostCodePage().characters();
 }
 
 std::int32_t registerClass(const QrvrcHost* host, const char* progId)
@@ -237,9 +246,44 @@ constexpr QrvrcHost functions{
     .set_object = setObject,
     .list_append = listAppend,
     .list_clear = listClear,
+    .characters = characters,
 };
 
 } // namespace
+
+std::optional<std::string> thrownBy(const std::function<void()>& call)
+{
+    try {
+        call();
+        return std::nullopt;
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return "it threw something that is no exception";
+    }
+}
+
+HostCodePage::HostCodePage()
+{
+    std::iota(m_characters.begin(), m_characters.end(), std::uint16_t{0});
+    use(systemCodePage());
+}
+
+void HostCodePage::use(std::string_view name)
+{
+    const auto table = std::find_if(codePageTables.begin(), codePageTables.end(),
+                                    [name](const CodePageTable& known) { return known.name == name; });
+    if (table == codePageTables.end())
+        return;
+    m_name = name;
+    std::copy(table->upper.begin(), table->upper.end(), m_characters.begin() + 0x80);
+}
+
+HostCodePage& hostCodePage()
+{
+    static HostCodePage codePage;
+    return codePage;
+}
 
 ComponentHost::ComponentHost(std::string name, std::string folder, Attach libraryAttach)
     : table(functions),

@@ -4,9 +4,35 @@
 
 #include "qrvrc_plugin.h"
 
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+/// The code page of all texts of all libraries of this process.
+class HostCodePage
+{
+public:
+    HostCodePage();
+
+    /// Changes to the code page of that name, one of `codePageTables`; any other name changes nothing.
+    void use(std::string_view name);
+    const std::string& name() const { return m_name; }
+    /// The characters of its 256 values, as UTF-16 units.
+    const std::uint16_t* characters() const { return m_characters.data(); }
+
+private:
+    std::string m_name;
+    std::array<std::uint16_t, 256> m_characters{};
+};
+
+HostCodePage& hostCodePage();
+
+/// Runs `call`, which goes into a library. @return what it threw, for people: nothing that is thrown goes further
+std::optional<std::string> thrownBy(const std::function<void()>& call);
 
 /// What one plugin library is handed of the client: the table of functions, and what stands behind them.
 struct ComponentHost

@@ -71,13 +71,19 @@ ComponentLibrary::ComponentLibrary(const fs::path& file, std::string shownName, 
     void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         const char* reason = dlerror();
-        refuse(reason ? reason : "it cannot be loaded");
+        std::string_view said = reason ? reason : "it cannot be loaded";
+        if (const std::string path = file.string() + ": "; said.starts_with(path))
+            said.remove_prefix(path.size()); // the shown name tells enough, and nothing of the machine
+        refuse(said);
     }
     const auto abiVersion = entryPoint<std::int32_t (*)()>(library, "qrvrc_abi_version");
     const auto attachHost = entryPoint<ComponentHost::Attach>(library, "qrvrc_attach_host");
     m_registerServer = entryPoint<std::int32_t (*)()>(library, "DllRegisterServer");
     m_createObject = entryPoint<std::int32_t (*)(const char*, QrvrcObject**)>(library, "qrvrc_create_object");
-    if (const std::int32_t version = abiVersion(); version != QRVRC_ABI_VERSION) {
+    std::int32_t version = 0;
+    if (const auto thrown = thrownBy([&] { version = abiVersion(); }))
+        refuse("telling its version failed: " + *thrown);
+    if (version != QRVRC_ABI_VERSION) {
         refuse("it was built for version " + std::to_string(version) + " of the plugin interface, this is version " +
                std::to_string(QRVRC_ABI_VERSION));
     }
@@ -89,15 +95,14 @@ std::vector<std::string> ComponentLibrary::registerClasses() const
     m_host->enteredClasses.clear();
     m_host->error.clear();
     m_host->isRegistering = true;
-    m_host->attach();
     std::int32_t fault = 0;
-    try {
+    const auto thrown = thrownBy([&] {
+        m_host->attach();
         fault = m_registerServer();
-    } catch (const std::exception& error) {
-        fault = QRVRC_ERROR_INTERNAL;
-        m_host->error = error.what();
-    }
+    });
     m_host->isRegistering = false;
+    if (thrown)
+        refuse("its registration failed: " + *thrown);
     if (fault != 0)
         refuse("its registration failed with " + std::to_string(fault) + ' ' + m_host->takeError());
     if (m_host->enteredClasses.empty())
@@ -108,14 +113,14 @@ std::vector<std::string> ComponentLibrary::registerClasses() const
 ObjectRef ComponentLibrary::create(const std::string& progId) const
 {
     m_host->error.clear();
-    m_host->attach();
     QrvrcObject* object = nullptr;
     std::int32_t fault = 0;
-    try {
+    const auto thrown = thrownBy([&] {
+        m_host->attach();
         fault = m_createObject(progId.c_str(), &object);
-    } catch (const std::exception& error) {
-        refuse("creating '" + progId + "' failed: " + error.what());
-    }
+    });
+    if (thrown)
+        refuse("creating '" + progId + "' failed: " + *thrown);
     if (fault != 0)
         refuse("creating '" + progId + "' failed with " + std::to_string(fault) + ' ' + m_host->takeError());
     return m_host->adopt(object);

@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "platform/components/ComponentHost.h"
 #include "platform/components/ComponentLibrary.h"
 #include "platform/components/ComponentTrials.h"
 #include "store/AppFolder.h"
@@ -45,44 +46,50 @@ bool isLibraryLayoutName(std::string_view layoutName)
 class Components::Impl
 {
 public:
-    explicit Impl(const AppFolder& folder) : trials(folder), m_folder(folder) {}
+    explicit Impl(const AppFolder& folder) : m_folder(folder), m_trials(std::make_shared<ComponentTrials>(folder)) {}
 
-    ComponentTrials trials;
+    ComponentTrials& trials() { return *m_trials; }
 
-    ObjectRef create(const std::string& progId);
-    void registerFile(const fs::path& file);
-
-private:
+    /// @throws RuntimeError CannotCreateObject for a class that is not registered, or whose library is not there
+    std::string libraryOf(const std::string& progId) const;
     fs::path fileOf(const std::string& layoutName) const;
     std::string layoutNameOf(const fs::path& file) const;
+
+    ObjectRef create(const std::string& progId);
+    void registerLibrary(const std::string& layoutName);
+
+private:
     ComponentLibrary& library(const std::string& layoutName);
 
     const AppFolder& m_folder;
+    std::shared_ptr<ComponentTrials> m_trials;
     std::map<std::string, ComponentLibrary> m_libraries; ///< by layout name
 };
 
-ObjectRef Components::Impl::create(const std::string& progId)
+std::string Components::Impl::libraryOf(const std::string& progId) const
 {
     const std::optional<std::string> layoutName =
-        isProgId(progId) ? trials.notes().value(progId, fileKey) : std::nullopt;
+        isProgId(progId) ? m_trials->notes().value(progId, fileKey) : std::nullopt;
     if (!layoutName)
         refuse(progId, "no library is registered for it");
-    const fs::path file = fileOf(*layoutName);
-    trials.tryFirst(progId, *layoutName, file);
-    ObjectRef object = library(*layoutName).create(progId);
-    trials.createdWell(progId, file);
+    return *layoutName;
+}
+
+ObjectRef Components::Impl::create(const std::string& progId)
+{
+    const std::string layoutName = libraryOf(progId);
+    m_trials->demandPassed(progId, layoutName, fileOf(layoutName));
+    ObjectRef object = library(layoutName).create(progId);
+    m_trials->createdWell(progId);
     return object;
 }
 
-void Components::Impl::registerFile(const fs::path& file)
+void Components::Impl::registerLibrary(const std::string& layoutName)
 {
-    const std::string layoutName = layoutNameOf(file);
-    if (const std::optional<std::string> why = trials.runProbe(layoutName, fileOf(layoutName), {}))
-        refuse(layoutName, *why);
     const std::vector<std::string> classes = library(layoutName).registerClasses();
     IniText entries;
     try {
-        entries = trials.notes();
+        entries = m_trials->notes();
     } catch (const RuntimeError& error) {
         if (error.number() != ErrorNumber::InvalidFileFormat)
             throw;
@@ -91,9 +98,9 @@ void Components::Impl::registerFile(const fs::path& file)
     for (const std::string& progId : classes) {
         entries.removeSection(progId);
         entries.setValue(progId, fileKey, layoutName);
-        trials.forget(progId);
+        m_trials->forget(progId);
     }
-    trials.writeNotes(entries);
+    m_trials->writeNotes(entries);
 }
 
 /// @throws RuntimeError CannotCreateObject for what does not lie where libraries lie, or is no longer there
@@ -130,7 +137,35 @@ Components::~Components() = default;
 
 void Components::setProbe(Probe probe)
 {
-    m_impl->trials.probe = std::move(probe);
+    m_impl->trials().setProbe(std::move(probe));
+}
+
+void Components::useCodePage(std::string_view name)
+{
+    hostCodePage().use(name);
+}
+
+bool Components::isTried(const std::string& progId) const
+{
+    try {
+        return m_impl->trials().verdict(progId, m_impl->fileOf(m_impl->libraryOf(progId))).has_value();
+    } catch (const RuntimeError&) {
+        return true; // creating it says what is wrong
+    }
+}
+
+void Components::tryClass(const std::string& progId, Done done)
+{
+    std::string layoutName;
+    fs::path file;
+    const ComponentFault fault = faultIn([&] {
+        layoutName = m_impl->libraryOf(progId);
+        file = m_impl->fileOf(layoutName);
+    });
+    if (fault)
+        done(fault);
+    else
+        m_impl->trials().tryClass(progId, layoutName, file, done);
 }
 
 ObjectRef Components::createObject(const std::string& progId)
@@ -144,24 +179,35 @@ ObjectRef Components::createObject(const std::string& progId)
     }
 }
 
-bool Components::registerFile(const fs::path& file)
+void Components::registerFile(const fs::path& file, Done done)
 {
-    try {
-        m_impl->registerFile(file);
-        return true;
-    } catch (const RuntimeError&) {
-        return false;
+    std::string layoutName;
+    fs::path found;
+    const ComponentFault unusable = faultIn([&] {
+        layoutName = m_impl->layoutNameOf(file);
+        found = m_impl->fileOf(layoutName);
+    });
+    if (unusable) {
+        done(unusable);
+        return;
     }
+    m_impl->trials().run(found, {}, [this, layoutName, done](const Verdict& verdict) {
+        ComponentFault fault = faultOf(layoutName, verdict);
+        if (!fault)
+            fault = faultIn([&] { m_impl->registerLibrary(layoutName); });
+        done(fault);
+    });
 }
 
-void tryComponent(const AppFolder& folder, const fs::path& file, const std::string& progId)
+void tryComponent(const AppFolder& folder, const fs::path& file, const std::string& progId,
+                  const std::function<void(ComponentObject&)>& examine)
 {
     try {
         const ComponentLibrary library(file, file.filename().string(), folder.root());
         if (progId.empty())
             library.registerClasses();
         else
-            library.create(progId);
+            examine(*library.create(progId));
     } catch (const RuntimeError&) { // the client makes the same try and tells people what comes of it
     }
 }

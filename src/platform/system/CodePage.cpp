@@ -21,6 +21,7 @@ bool CodePage::use(std::string_view name)
                                     [name](const CodePageTable& known) { return known.name == name; });
     if (table == codePageTables.end())
         return false;
+    m_name = name;
     std::copy(table->upper.begin(), table->upper.end(), m_characters.begin() + 0x80);
     return true;
 }

@@ -20,6 +20,9 @@ public:
     /// @return whether there is such a code page
     bool use(std::string_view name);
 
+    /// The name of the one in use.
+    const std::string& name() const { return m_name; }
+
     QString toText(std::string_view bytes) const;
     /// Characters that the code page lacks become "?"; `firstForeign` tells beforehand.
     std::string toBytes(QStringView text) const;
@@ -32,5 +35,6 @@ private:
     /// The byte for `character`, or -1.
     int byteFor(char16_t character) const;
 
+    std::string m_name;
     std::array<char16_t, 256> m_characters;
 };

@@ -2,6 +2,7 @@
 
 #include "plugins/PluginTable.h"
 #include "support/Desk.h"
+#include "support/Registration.h"
 
 #include <QAction>
 #include <QApplication>
@@ -178,6 +179,7 @@ inline void addStartPlugin(const Desk& desk)
     folder.makeFolder("\\Plugins");
     const std::filesystem::path target = folder.path("\\Plugins\\qrvrcBHDGS.dll");
     std::filesystem::copy_file(std::filesystem::path(QRVRC_EXAMPLE_DIR) / "qrvrcBHDGS.dll", target);
-    if (!Components(folder).registerFile(target))
+    Components components(folder);
+    if (!isRegistered(components, target))
         qFatal("the game-start plugin cannot be registered");
 }

@@ -1,4 +1,5 @@
-// A plugin whose members all do something that can be seen. Its build says what its constructor does.
+// A plugin whose members all do something that can be seen. Its build says what its constructor (CONSTRUCTION) and what
+// the reading of its data (DATA) does.
 #include "qrvrc_plugin.hpp"
 
 #include <cstdlib>
@@ -15,6 +16,7 @@ public:
 
     qrvrc::Data data() const override
     {
+        DATA;
         qrvrc::Data data;
         data.name = "Sample";
         data.profileMenu = true;
@@ -33,7 +35,10 @@ public:
         m_seen.push_back(std::to_string(profileId) + ' ' + std::to_string(window) + ' ' + list.at(0) + ' ' + user);
         list = m_seen;
     }
-    void HideInterface(const std::string& text) override { throw qrvrc::Error(1001, "cannot hide " + text); }
+    void HideInterface(const std::string& text) override
+    {
+        throw qrvrc::Error(1001, "cannot hide " + text + " (" + qrvrc::codePage() + ": " + qrvrc::toUtf8(text) + ')');
+    }
     void RemoteData(const std::string& payload) override
     {
         if (payload.empty())

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "plugins/AwaitComponent.h"
+
+#include <filesystem>
+
+/// Registers a component file. @return what is wrong with it
+inline ComponentFault registrationFault(Components& components, const std::filesystem::path& file)
+{
+    return awaitComponent([&](Components::Done done) { components.registerFile(file, std::move(done)); });
+}
+
+inline bool isRegistered(Components& components, const std::filesystem::path& file)
+{
+    return !registrationFault(components, file);
+}
+
+/// Creates an instance as the client does: a class that is new is tried first.
+inline ObjectRef createdObject(Components& components, const std::string& progId)
+{
+    static_cast<void>(awaitComponent([&](Components::Done done) { components.tryClass(progId, std::move(done)); }));
+    return components.createObject(progId);
+}
