@@ -152,12 +152,13 @@ private Q_SLOTS:
 
     void whatCannotBeLoadedIsLeftOutAndNamedOnce_data()
     {
+        QTest::addColumn<QByteArray>("file");
         for (const char* file : {"a.dll", "qrvrcCC.dll", "x y.DLL"})
-            QTest::newRow(file);
+            QTest::newRow(file) << QByteArray(file);
     }
     void whatCannotBeLoadedIsLeftOutAndNamedOnce()
     {
-        const QByteArray file = QTest::currentDataTag();
+        QFETCH(const QByteArray, file);
         Desk desk;
         addPlugins(desk);
         QVERIFY(desk.logIn());
@@ -178,6 +179,52 @@ private Q_SLOTS:
         std::filesystem::remove(desk.path("\\Plugins\\" + file));
         desk.core().pluginHost.LoadPlugins();
         QCOMPARE(tableOf(desk), u"qrvrcBHDGS+ qrvrcWatch+"_s);
+    }
+
+    void whatIsNewIsTriedBehindTheLoad()
+    {
+        Desk desk;
+        addPlugins(desk);
+        QVERIFY(desk.logIn());
+        std::vector<std::string> tries;
+        std::function<void()> answer;
+        const auto start = [&] {
+            desk.core().components.setProbe([&](const auto&, const std::string& progId, const auto& done) {
+                tries.push_back(progId);
+                const bool isBad = progId.starts_with("qrvrcWatch");
+                answer = [done, isBad] {
+                    using How = Components::Verdict::How;
+                    done({isBad ? How::Failed : How::Passed, isBad ? "it fell over" : ""});
+                };
+            });
+        };
+        start();
+        // A class that has been created in this run counts as tried until it is registered anew.
+        desk.core().pluginHost.LoadPlugins();
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+ qrvrcWatch+"_s);
+        const QSignalSpy arrived(&desk.core().pluginHost, &PluginHost::arrived);
+        desk.core().pluginHost.takeArrived({"qrvrcWatch.dll", "readme.txt", "gone.dll"});
+        QVERIFY(tries.empty()); // never within the call
+        QTRY_COMPARE(tries.size(), 1U);
+        answer(); // its registration
+        QCOMPARE(tries.back(), std::string("qrvrcWatch.clsPlugin"));
+        desk.core().pluginHost.LoadPlugins(); // as a reply does meanwhile
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+"_s);
+        answer();
+        QTRY_COMPARE(arrived.size(), 1);
+        QCOMPARE(tries.size(), 2U);
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+"_s);
+        QVERIFY(desk.core().plugins.leftOut.at(0).why.find("it fell over") != std::string::npos);
+        const QString told = desk.boxes.boxes.constLast().text;
+        QVERIFY2(told.contains(u"left out until the next start:\r\nqrvrcWatch.dll: "_s), qPrintable(told));
+        desk.core().pluginHost.takeArrived({"qrvrcBHDGS.dll"});
+        for (std::size_t count = 3; count <= 4; ++count) {
+            QTRY_COMPARE(tries.size(), count);
+            answer();
+        }
+        QTRY_COMPARE(arrived.size(), 2);
+        QCOMPARE(tableOf(desk), u"qrvrcBHDGS+"_s);
+        QVERIFY(desk.boxes.boxes.constLast().text.endsWith(u"can be used now:\r\nqrvrcBHDGS.dll"_s));
     }
 
     void theEndOfAConnectionForgetsWhatTheTrackerRan_data()
