@@ -106,7 +106,7 @@ Components::Probe childProcessProbe(const QString& program, const std::filesyste
 {
     return [program, applicationFolder, limit, trials = std::make_shared<QObject>()](
                const std::filesystem::path& file, const std::string& progId, ProbeProcess::Done done) {
-        const std::string what = progId.empty() ? "registering it" : "creating it and reading its GetData";
+        const std::string what = progId.empty() ? "registering it" : "creating it, or reading its GetData,";
         auto* trial = new ProbeProcess(what, limit, std::move(done), trials.get());
         trial->start(program, {u"--app-folder"_s, textOf(applicationFolder), u"--probe-component"_s, textOf(file),
                                u"--component-class"_s,

@@ -23,7 +23,10 @@ PluginData readPluginData(ComponentObject& plugin)
         try {
             return convert(plugin.call("GetData").toObject()->call(property));
         } catch (const RuntimeError& error) {
-            throw RuntimeError(error.number(), "GetData, " + std::string(property) + ": " + error.description());
+            std::string said = error.description();
+            if (const auto sentence = std::string(errorSentence(error.number())) + ": "; said.starts_with(sentence))
+                said.erase(0, sentence.size()); // it stands in front anyway
+            throw RuntimeError(error.number(), "GetData, " + std::string(property) + ": " + said);
         }
     };
     const auto text = [&read](std::string_view property) {

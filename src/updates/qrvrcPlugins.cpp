@@ -79,6 +79,8 @@ QGroupBox* qrvrcPlugins::buildList()
     lstLeftOut->setObjectName(u"lstLeftOut"_s);
     lstLeftOut->setAccessibleName(u"Files that are not loaded, and why"_s);
     lstLeftOut->setFixedHeight(leftOutHeight);
+    lstLeftOut->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    lstLeftOut->setWordWrap(true);
     addCopyActions(lstLeftOut);
     layout->addWidget(lstLeftOut);
     return frame;
@@ -141,7 +143,8 @@ void qrvrcPlugins::followLeftOut()
     for (const LeftOutPlugin& plugin : m_plugins.leftOut) {
         const QString why =
             plugin.why.empty() ? u"not registered"_s : m_client.codePage.toText(plugin.why).simplified();
-        const QString text = m_client.codePage.toText(plugin.file) + u": "_s + why;
+        const QString file = m_client.codePage.toText(plugin.file);
+        const QString text = why.contains(file) ? why : file + u": "_s + why;
         auto* item = new QListWidgetItem(text, lstLeftOut);
         item->setToolTip(Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal));
     }

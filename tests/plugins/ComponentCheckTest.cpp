@@ -78,7 +78,7 @@ struct CheckRig : ClientRig
                 if (widget->isVisible() && widget->objectName() == u"qrvrcDllProgress"_s)
                     window = static_cast<qrvrcDllProgress*>(widget);
             }
-            if (!window || isUsed || (!whileTesting && !list().isVisible()))
+            if (!window || isUsed || (!whileTesting && !(list().isVisible() && window->isActiveWindow())))
                 return;
             isUsed = true;
             listWasShown = list().isVisible();
