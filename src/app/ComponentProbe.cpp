@@ -139,12 +139,12 @@ ComponentFault registerComponent(int argc, char** argv, const std::filesystem::p
     Components components(folder);
     components.setProbe(childProcessProbe(QCoreApplication::applicationFilePath(), folder.root()));
     if (const ComponentFault fault =
-            awaitComponent([&](Components::Done done) { components.registerFile(file, std::move(done)); }))
+            awaitComponent([&](const Components::Done& done) { components.registerFile(file, done); }))
         return fault;
     const std::string name = bytesOf(file.filename());
     const bool isPlugin = lowerAscii(bytesOf(file.parent_path().filename())) == "plugins";
     const std::string progId = componentClass(isPlugin ? "\\Plugins\\" + name : name).progId;
     if (progId.empty())
         return std::nullopt;
-    return awaitComponent([&](Components::Done done) { components.tryClass(progId, std::move(done)); });
+    return awaitComponent([&](const Components::Done& done) { components.tryClass(progId, done); });
 }

@@ -201,13 +201,13 @@ bool qrvrcMain::componentsAreChecked()
         m_core->client,
         {.test = [&components](const std::string& progId) -> ComponentFault {
              if (const ComponentFault fault =
-                     awaitComponent([&](Components::Done done) { components.tryClass(progId, std::move(done)); }))
+                     awaitComponent([&](const Components::Done& done) { components.tryClass(progId, done); }))
                  return fault;
              return faultIn([&] { components.createObject(progId); });
          },
          .registerFile =
              [&components](const std::filesystem::path& file) {
-                 return awaitComponent([&](Components::Done done) { components.registerFile(file, std::move(done)); });
+                 return awaitComponent([&](const Components::Done& done) { components.registerFile(file, done); });
              },
          .showText = [this](const QString& caption,
                             const QString& text) { m_core->windows.window<qrvrcNotePad>()->showText(caption, text); }},

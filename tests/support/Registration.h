@@ -7,7 +7,7 @@
 /// Registers a component file. @return what is wrong with it
 inline ComponentFault registrationFault(Components& components, const std::filesystem::path& file)
 {
-    return awaitComponent([&](Components::Done done) { components.registerFile(file, std::move(done)); });
+    return awaitComponent([&](const Components::Done& done) { components.registerFile(file, done); });
 }
 
 inline bool isRegistered(Components& components, const std::filesystem::path& file)
@@ -18,6 +18,6 @@ inline bool isRegistered(Components& components, const std::filesystem::path& fi
 /// Creates an instance as the client does: a class that is new is tried first.
 inline ObjectRef createdObject(Components& components, const std::string& progId)
 {
-    static_cast<void>(awaitComponent([&](Components::Done done) { components.tryClass(progId, std::move(done)); }));
+    static_cast<void>(awaitComponent([&](const Components::Done& done) { components.tryClass(progId, done); }));
     return components.createObject(progId);
 }

@@ -112,7 +112,7 @@ public:
     /// file, however that came out, or needs no trial.
     bool isTried(const std::string& progId) const;
     /// Tries a class that has not been tried yet. One that is being tried is not tried twice.
-    void tryClass(const std::string& progId, Done done);
+    void tryClass(const std::string& progId, const Done& done);
     /// Never lets events run.
     /// @param progId  such as "qrvrcBHDGS.clsPlugin"
     /// @throws RuntimeError CannotCreateObject when nothing is registered under the name, its library has not passed
@@ -122,7 +122,7 @@ public:
 
     /// Calls the library's own registration, after a trial of it, and forgets what was found out about the library
     /// before. It fails for what is no library, lies in neither folder, lacks the entry point, or reports a failure.
-    void registerFile(const std::filesystem::path& file, Done done);
+    void registerFile(const std::filesystem::path& file, const Done& done);
 
 private:
     class Impl;

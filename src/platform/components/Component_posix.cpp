@@ -154,7 +154,7 @@ bool Components::isTried(const std::string& progId) const
     }
 }
 
-void Components::tryClass(const std::string& progId, Done done)
+void Components::tryClass(const std::string& progId, const Done& done)
 {
     std::string layoutName;
     fs::path file;
@@ -179,7 +179,7 @@ ObjectRef Components::createObject(const std::string& progId)
     }
 }
 
-void Components::registerFile(const fs::path& file, Done done)
+void Components::registerFile(const fs::path& file, const Done& done)
 {
     std::string layoutName;
     fs::path found;

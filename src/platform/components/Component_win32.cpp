@@ -170,7 +170,7 @@ bool Components::isTried(const std::string& progId) const
     }
 }
 
-void Components::tryClass(const std::string& progId, Done done)
+void Components::tryClass(const std::string& progId, const Done& done)
 {
     fs::path file;
     const ComponentFault fault = faultIn([&] { file = libraryOf(classOf(progId)); });
@@ -191,7 +191,7 @@ ObjectRef Components::createObject(const std::string& progId)
     return object;
 }
 
-void Components::registerFile(const fs::path& file, Done done)
+void Components::registerFile(const fs::path& file, const Done& done)
 {
     m_impl->trials().run(file, {}, [this, file, done](const Verdict& verdict) {
         ComponentFault fault = faultOf(shownName(file), verdict);
