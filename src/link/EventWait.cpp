@@ -23,6 +23,8 @@ WaitEnd EventWait::run()
             m_silence.start();
         // A loop that starts inside a posted event may sleep on the events that stand behind that one, arrived data
         // among them, until another is posted: the dispatcher takes them to be in delivery already.
+        // The end that the last window announced by closing is not among them: a loop that begins calls it off.
+        QCoreApplication::removePostedEvents(QCoreApplication::instance(), QEvent::Quit);
         QCoreApplication::sendPostedEvents();
         if (!m_end)
             m_loop.exec();

@@ -1,4 +1,5 @@
 #include "app/qrvrcMain.h"
+#include "plugins/AwaitComponent.h"
 #include "practice/answers/Answers.h"
 #include "tour/Scenes.h"
 #include "tour/Screen.h"
@@ -33,8 +34,9 @@ void layOut(const Act& act)
     QFile broken(folder.filePath(u"broken.dll"_s));
     if (broken.open(QIODevice::WriteOnly))
         broken.write("A library that the download left half finished.\r\n");
-    act.frame.core().components.registerFile(folder.filePath(u"qrvrcBHDGS.dll"_s).toStdU16String(),
-                                             [](const ComponentFault&) {});
+    static_cast<void>(awaitComponent([&](const Components::Done& done) {
+        act.frame.core().components.registerFile(folder.filePath(u"qrvrcBHDGS.dll"_s).toStdU16String(), done);
+    }));
 }
 
 bool checkLists(const QStringList& lines)
