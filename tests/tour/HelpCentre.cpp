@@ -1,6 +1,8 @@
 #include "app/qrvrcMain.h"
 #include "platform/system/FileBytes.h"
 #include "practice/links/RecoveryTool.h"
+#include "profiles/viewer/LinedText.h"
+#include "profiles/viewer/TextPane.h"
 #include "tour/Scenes.h"
 #include "tour/Screen.h"
 
@@ -25,7 +27,9 @@ void layOut(const ClientCore& core)
 
 bool showsEntries(int count)
 {
-    return textOf(u"txtErrLog"_s).count(u" Error Start "_s) == count && isButton(u"cmdSendErrors"_s, true);
+    const auto* log = seen<TextPane>(u"txtErrLog"_s);
+    return log && log->text() && isButton(u"cmdSendErrors"_s, true) &&
+           log->characters(0, log->text()->size()).count(u" Error Start "_s) == count;
 }
 
 void readErrors(Act& act)
