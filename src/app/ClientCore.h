@@ -6,6 +6,7 @@
 #include "diagnostics/errorlog/ErrorLogSender.h"
 #include "diagnostics/report/BoxQueue.h"
 #include "diagnostics/report/Reporter.h"
+#include "link/EventWait.h"
 #include "link/ReplyDispatcher.h"
 #include "link/clsWinSock.h"
 #include "platform/components/Component.h"
@@ -73,7 +74,7 @@ struct ClientCore
     Winsock wsMain{QStringLiteral("wsMain")};
     Winsock wSupport{QStringLiteral("wSupport")};
     clsWinSock link;
-    WindowRegistry windows;
+    WindowRegistry windows{&EventWait::running};
     Permissions permissions;       ///< written by the navigation
     PluginTable plugins;           ///< written by the plugin host
     SelectedProfile selected;      ///< written by the profile list

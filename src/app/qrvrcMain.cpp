@@ -70,6 +70,7 @@ qrvrcMain::~qrvrcMain()
     m_core->reporter.silence();
     m_core->boxes.silence();
     m_core->link.disconnect();
+    m_core->windows.deleteUnloaded();
     delete m_core->windows.existing<qrvrcSupport>();
     delete m_pages; // the windows go before what they refer to
     delete m_menu;
@@ -287,6 +288,10 @@ void qrvrcMain::leave(WorkingWindow& window)
 
 void qrvrcMain::closeFront()
 {
+    if (QApplication::activeModalWidget()) { // its window is closed behind the box, as a box lets nobody do by hand
+        m_closesBehindBox = m_front;
+        return;
+    }
     const QPointer<WorkingWindow> closed = m_front;
     m_menu->showProfileList();
     if (closed == m_front)
@@ -325,6 +330,17 @@ void qrvrcMain::openManual(const std::filesystem::path& file)
 #else
     showHelp(file, {}); // no other system brings a viewer for such files
 #endif
+}
+
+bool qrvrcMain::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowUnblocked && m_closesBehindBox) {
+        QTimer::singleShot(0, this, [this, held = std::exchange(m_closesBehindBox, nullptr)] {
+            if (held && held == m_front)
+                closeFront();
+        });
+    }
+    return QMainWindow::event(event);
 }
 
 void qrvrcMain::changeEvent(QEvent* event)

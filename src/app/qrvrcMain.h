@@ -50,6 +50,7 @@ public:
     SupportDesk& supportDesk() { return *m_supportDesk; }
 
 protected:
+    bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
@@ -79,6 +80,7 @@ private:
     std::unique_ptr<qrvrcHelpViewer> m_helpViewer;
     QWidget* m_pages = nullptr; ///< holds the working windows
     QPointer<WorkingWindow> m_front;
+    QPointer<WorkingWindow> m_closesBehindBox; ///< wants to be closed, but a box is open
     std::optional<QString> m_pluginHelp; ///< help file of the plugin whose tab is in front; none for our own windows
     ChosenProfile m_opened;              ///< the profile for which a window is being opened
     qrvrcMenu* m_menu = nullptr;

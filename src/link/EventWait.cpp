@@ -1,6 +1,13 @@
 #include "link/EventWait.h"
 
 #include <QCoreApplication>
+#include <QScopeGuard>
+
+namespace {
+
+int runningWaits = 0; // waits belong to the GUI thread
+
+} // namespace
 
 EventWait::EventWait(std::chrono::milliseconds limit)
 {
@@ -26,10 +33,18 @@ WaitEnd EventWait::run()
         // The end that the last window announced by closing is not among them: a loop that begins calls it off.
         QCoreApplication::removePostedEvents(QCoreApplication::instance(), QEvent::Quit);
         QCoreApplication::sendPostedEvents();
-        if (!m_end)
+        if (!m_end) {
+            ++runningWaits;
+            const auto over = qScopeGuard([] { --runningWaits; });
             m_loop.exec();
+        }
     }
     return m_end.value_or(WaitEnd::Broken); // no ending was reached: the program quits
+}
+
+int EventWait::running()
+{
+    return runningWaits;
 }
 
 void EventWait::end(WaitEnd how)

@@ -53,6 +53,9 @@ public:
 
     [[nodiscard]] WaitEnd run();
 
+    /// How many waits run now, one inside the other.
+    static int running();
+
 private:
     void end(WaitEnd how);
 

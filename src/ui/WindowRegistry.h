@@ -6,12 +6,19 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
+#include <vector>
 
 /// The windows that others open by name ("qrvrcModify"). Each is created when it is first asked for, and again when it
 /// has been deleted meanwhile. The registry owns none: a window belongs to the parent that its maker gives it.
 class WindowRegistry
 {
 public:
+    /// @param guardedLoops  how many of the nested event loops under way belong to callers that expect their window to
+    ///                      go meanwhile; none for none
+    explicit WindowRegistry(std::function<int()> guardedLoops = {});
+    ~WindowRegistry();
+
     /// Replaces what was known under `name`, but not a window that exists.
     void add(const QString& name, std::function<QWidget*()> create);
 
@@ -45,8 +52,11 @@ public:
     /// The window if it has been created, otherwise null.
     QWidget* existing(const QString& name) const;
     bool isCreated(const QString& name) const { return existing(name) != nullptr; }
-    /// Hides the window and lets it be deleted from the event loop; asked for again, it is created anew.
+    /// Hides the window and lets it be deleted once no event, menu or box of its own can be on the stack any more;
+    /// asked for again, it is created anew.
     void unload(const QString& name);
+    /// Deletes the windows that are still waiting for that, at the program's end.
+    void deleteUnloaded();
 
 private:
     struct Entry
@@ -56,5 +66,10 @@ private:
         bool beingCreated = false;
     };
 
+    bool isInBoxOrMenu() const;
+
     QHash<QString, Entry> m_entries;
+    std::function<int()> m_guardedLoops;
+    std::vector<QPointer<QWidget>> m_unloaded; ///< not deleted yet
+    std::unique_ptr<QObject> m_watch;          ///< of the event loop, while there are such
 };

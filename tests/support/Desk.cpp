@@ -34,8 +34,8 @@ Desk::~Desk() = default;
 
 bool Desk::open()
 {
-    m_frame = std::make_unique<qrvrcMain>(
-        Setup{.folder = path(""), .makerHost = makerHost, .version = "3.0.1.0", .boxes = &boxes});
+    m_frame = std::make_unique<qrvrcMain>(Setup{
+        .folder = path(""), .makerHost = makerHost, .version = "3.0.1.0", .boxes = hasRealBoxes ? nullptr : &boxes});
     if (!m_frame->MDIFormLoad())
         return false;
     m_frame->show();
