@@ -1,9 +1,16 @@
 #include "app/ShippedFiles.h"
 
+#include "base/RuntimeError.h"
 #include "platform/system/FileBytes.h"
 #include "store/AppFolder.h"
+#include "store/IniText.h"
 
+#include <QByteArray>
+#include <QCryptographicHash>
+
+#include <algorithm>
 #include <array>
+#include <string>
 
 #if defined(_WIN32)
 #include <io.h>
@@ -29,13 +36,53 @@ bool isWritable(const fs::path& folder)
 #endif
 }
 
+/// What was copied, and from what.
+constexpr std::string_view copiesFile = "\\settings\\shipped.ini";
+constexpr std::string_view section = "Copied";
+
+struct Copy
+{
+    std::string stamp;
+    std::string digest;
+};
+
+std::string digestOf(std::string_view bytes)
+{
+    const QByteArrayView view(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    return QCryptographicHash::hash(view, QCryptographicHash::Sha256).toHex().toStdString();
+}
+
+/// Tells versions of an installed file apart without reading it.
+std::string stampOf(const fs::path& file)
+{
+    return std::to_string(fs::file_size(file)) + '/' +
+           std::to_string(fs::last_write_time(file).time_since_epoch().count());
+}
+
+/// Nothing is known to be a copy when the list cannot be read.
+IniText readCopies(const AppFolder& folder)
+{
+    try {
+        return IniText(readBytesIfPresent(folder.path(copiesFile)).value_or(std::string()));
+    } catch (const RuntimeError&) {
+        return {};
+    }
+}
+
+Copy lastCopy(const IniText& copies, std::string_view name)
+{
+    const std::string value = copies.value(section, name).value_or(std::string());
+    const std::size_t gap = std::min(value.find(' '), value.size());
+    return {value.substr(0, gap), value.substr(std::min(gap + 1, value.size()))};
+}
+
+} // namespace
+
 bool holdsPictures(const fs::path& folder)
 {
     std::error_code fault;
     return fs::is_regular_file(folder / "hosting.gif", fault);
 }
-
-} // namespace
 
 fs::path chooseAppFolder(const fs::path& executableFolder, const fs::path& userFolder)
 {
@@ -50,10 +97,26 @@ fs::path installationFolder(const fs::path& executableFolder)
 void fillAppFolder(const AppFolder& folder, const fs::path& installation)
 {
     const AppFolder source(installation);
+    std::error_code fault;
+    if (fs::equivalent(folder.root(), installation, fault))
+        return;
+    IniText copies = readCopies(folder);
+    bool hasCopied = false;
     for (const std::string_view name : shippedFiles) {
-        if (folder.fileExists(name) || !source.fileExists(name))
+        if (!source.fileExists(name))
+            continue;
+        const std::string stamp = stampOf(source.path(name));
+        const Copy last = lastCopy(copies, name);
+        if (folder.fileExists(name) && (last.stamp == stamp || last.digest != digestOf(readBytes(folder.path(name)))))
             continue;
         folder.makeFolder(name.substr(0, name.rfind('\\')));
-        writeBytes(folder.path(name), readBytes(source.path(name)));
+        const std::string bytes = readBytes(source.path(name));
+        writeBytes(folder.path(name), bytes);
+        copies.setValue(section, name, stamp + ' ' + digestOf(bytes));
+        hasCopied = true;
     }
+    if (!hasCopied)
+        return;
+    folder.makeFolder("\\settings");
+    writeBytes(folder.path(copiesFile), copies.bytes());
 }

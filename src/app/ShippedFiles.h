@@ -12,7 +12,11 @@ std::filesystem::path chooseAppFolder(const std::filesystem::path& executableFol
 /// Where the shipped files lie that go with an executable: beside it, or in the share folder of its installation.
 std::filesystem::path installationFolder(const std::filesystem::path& executableFolder);
 
-/// Copies the shipped pictures and the manual that `folder` lacks from `installation`; what the installation lacks
-/// too stays missing.
+/// Whether a folder has the shipped pictures.
+bool holdsPictures(const std::filesystem::path& folder);
+
+/// Copies the shipped pictures and the manual that `folder` lacks from `installation`, and anew those that the
+/// installation has in another version since: only while they are as they were copied, so that what the user or an
+/// update has put there stays. What the installation lacks too stays missing.
 /// @throws RuntimeError from the disk
 void fillAppFolder(const AppFolder& folder, const std::filesystem::path& installation);

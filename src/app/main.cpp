@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 #include "app/ComponentProbe.h"
+#include "app/Instance.h"
 #include "app/Leftovers.h"
 #include "app/Look.h"
 #include "app/ShippedFiles.h"
@@ -13,7 +14,7 @@
 
 #include <QApplication>
 #include <QFile>
-#include <QLockFile>
+#include <QMessageBox>
 #include <QStandardPaths>
 #include <QTimer>
 
@@ -57,6 +58,21 @@ int reportRegistration(const std::filesystem::path& file, const ComponentFault& 
     return 1;
 }
 
+/// Says it in a window too: who starts the program from a menu sees no standard error.
+void tellInWindow(const QString& text)
+{
+    std::cerr << "qrvv3rc: " + text.toLocal8Bit().toStdString() + '\n';
+    QMessageBox box(QMessageBox::NoIcon, u"QRVRC"_s, text);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+int giveUp(const QString& text)
+{
+    tellInWindow(text);
+    return badUsage;
+}
+
 /// The same arguments for a start in another current folder.
 std::vector<std::string> restartArguments(const CommandLine& line, const std::filesystem::path& folder)
 {
@@ -76,30 +92,46 @@ QUrl makerHostFor(const CommandLine& line, const std::filesystem::path& folder)
     return isWebAddress(chosen) ? chosen : QUrl(QString::fromLatin1(QRVRC_MAKER_HOST));
 }
 
+/// Without all of its pictures the program is plain and works, so this keeps nobody from it.
+void fill(const AppFolder& folder, const std::filesystem::path& installation)
+{
+    try {
+        fillAppFolder(folder, installation);
+        if (!holdsPictures(folder.root()))
+            tellInWindow(u"The program's pictures and manual are missing: they are neither in '%1' nor in '%2'."_s.arg(
+                textOf(folder.root()), textOf(installation)));
+    } catch (const RuntimeError& error) {
+        tellInWindow(u"The folder '%1' cannot be filled with pictures and manual: %2"_s.arg(
+            textOf(folder.root()), QString::fromLocal8Bit(error.description().c_str())));
+    }
+}
+
 int run(Application& application, const CommandLine& line)
 {
     const std::filesystem::path executable = pathOf(QCoreApplication::applicationDirPath());
     const std::filesystem::path userFolder =
         pathOf(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+    // Absolute, because what opens files later may have changed the current folder.
     const std::filesystem::path folder =
-        line.appFolder ? pathOf(*line.appFolder) : chooseAppFolder(executable, userFolder);
+        std::filesystem::absolute(line.appFolder ? pathOf(*line.appFolder) : chooseAppFolder(executable, userFolder));
+    applyLook();
     std::error_code fault;
     std::filesystem::create_directories(folder, fault);
-    QLockFile instance(textOf(folder / "instance.lock"));
-    instance.setStaleLockTime(0); // stale when its process is gone, however long ago it was made
-    if (!instance.tryLock()) {
-        if (instance.error() == QLockFile::LockFailedError)
-            return 0; // another instance uses the folder
-        return complain("the folder '" + bytesOf(folder) + "' cannot be written to");
+    Instance instance(folder);
+    switch (instance.begin()) {
+    case Instance::Start::First:
+        break;
+    case Instance::Start::Raised:
+        return 0;
+    case Instance::Start::Silent:
+        return giveUp(u"The folder '%1' is in use by a program that does not answer."_s.arg(textOf(folder)));
+    case Instance::Start::Unusable:
+        return giveUp(u"The folder '%1' cannot be written to: %2"_s.arg(
+            textOf(folder), QString::fromLocal8Bit(instance.fault().message().c_str())));
     }
     sweepLeftovers(folder);
-    try {
-        fillAppFolder(AppFolder(folder), installationFolder(executable));
-    } catch (const RuntimeError& error) {
-        return complain("the folder '" + bytesOf(folder) + "' cannot be filled: " + error.description());
-    }
+    fill(AppFolder(folder), installationFolder(executable));
 
-    applyLook();
     qrvrcMain frame({.folder = folder,
                      .makerHost = makerHostFor(line, folder),
                      .version = QRVRC_VERSION,
@@ -107,6 +139,7 @@ int run(Application& application, const CommandLine& line)
                      .arguments = restartArguments(line, folder),
                      .updateKey = QRVRC_UPDATE_KEY});
     application.reporter = &frame.core().reporter;
+    instance.show(frame);
     if (!frame.MDIFormLoad())
         return 0;
     frame.show();

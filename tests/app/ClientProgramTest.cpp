@@ -1,7 +1,6 @@
 #include "practice/links/Tracker.h"
 
 #include <QFile>
-#include <QLockFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -68,8 +67,6 @@ private Q_SLOTS:
         QTest::newRow("no value") << QStringList{u"--connect"_s} << "Missing value after '--connect'"_ba;
         QTest::newRow("a maker host that is no address")
             << QStringList{u"--maker-host"_s, u"ftp://x"_s} << "no http or https address"_ba;
-        QTest::newRow("a folder that cannot be")
-            << QStringList{u"--app-folder"_s, u"/dev/null/x"_s} << "cannot be written to"_ba;
     }
     void badUsageIsOneLineAndTwo()
     {
@@ -85,15 +82,37 @@ private Q_SLOTS:
         QCOMPARE(errors.count('\n'), 1);
     }
 
-    void aSecondInstanceOnTheSameFolderEndsAtOnce()
+    void aFolderThatCannotBeIsToldInAWindow()
     {
+        Program program({u"--app-folder"_s, u"/dev/null/x"_s});
+        QVERIFY(program.process.waitForStarted());
+        QByteArray said;
+        QTRY_VERIFY((said += program.process.readAllStandardError()).contains("cannot be written to"));
+        QVERIFY(!program.process.waitForFinished(100)); // nobody has closed the window yet
+    }
+
+    void onlyTheSystemsLockDecides_data()
+    {
+        QTest::addColumn<QByteArray>("lockFile");
+        QTest::newRow("none") << QByteArray();
+        QTest::newRow("empty") << ""_ba;
+        QTest::newRow("damaged") << "\xff\0x\n\n"_ba;
+        QTest::newRow("of a process that runs, on another machine") << "1\nqrvv3rc\nelsewhere\n"_ba;
+        QTest::newRow("of a process that runs") << "1\nqrvv3rc\n"_ba + QSysInfo::machineHostName().toUtf8() + '\n';
+    }
+    void onlyTheSystemsLockDecides()
+    {
+        QFETCH(const QByteArray, lockFile);
         QTemporaryDir folder;
-        const auto owner = [&] {
-            qint64 process = 0;
-            QString host;
-            QString name;
-            QLockFile(folder.filePath(u"instance.lock"_s)).getLockInfo(&process, &host, &name);
-            return process;
+        QFile lock(folder.filePath(u"instance.lock"_s));
+        if (!lockFile.isNull())
+            QVERIFY(lock.open(QFile::WriteOnly) && lock.write(lockFile) == lockFile.size());
+        lock.close();
+        const auto owner = [&lock] {
+            const bool opened = lock.open(QFile::ReadOnly);
+            const QByteArray process = opened ? lock.readLine().trimmed() : QByteArray();
+            lock.close();
+            return process.toLongLong();
         };
         Program first(onFolder(folder.path()));
         QVERIFY(first.process.waitForStarted());
@@ -102,6 +121,7 @@ private Q_SLOTS:
         QVERIFY(second.process.waitForFinished());
         QCOMPARE(second.process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(second.process.exitCode(), 0);
+        QCOMPARE(second.process.readAllStandardError(), QByteArray());
         QCOMPARE(first.process.state(), QProcess::Running);
         first.process.kill(); // leaves its lock behind, which is nobody's then
         QVERIFY(first.process.waitForFinished());

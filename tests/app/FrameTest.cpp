@@ -2,6 +2,7 @@
 #include "app/ShippedFiles.h"
 #include "link/Ask.h"
 #include "link/Request.h"
+#include "platform/system/FileBytes.h"
 #include "support/Desk.h"
 
 #include <QLabel>
@@ -177,6 +178,33 @@ private Q_SLOTS:
         std::filesystem::remove(desk.path("\\scoring.gif"));
         fillAppFolder(AppFolder(desk.path("")), desk.path("\\imgs")); // an installation that has nothing
         QVERIFY(!desk.exists("\\scoring.gif"));
+    }
+
+    void copiesFollowTheInstallation()
+    {
+        const QTemporaryDir place;
+        const std::filesystem::path root = place.path().toStdU16String();
+        const auto put = [&](const char* folder, const char* name, std::string_view bytes) {
+            std::filesystem::create_directories(root / folder);
+            writeBytes(root / folder / name, bytes);
+        };
+        const auto start = [&] { fillAppFolder(AppFolder(root / "state"), root / "installed"); };
+        const auto copyOf = [&](const char* name) { return readBytes(root / "state" / name); };
+        for (const char* name : {"hosting.gif", "scoring.gif", "help.chm"})
+            put("installed", name, "first");
+        std::filesystem::create_directory(root / "state");
+        start();
+        put("state", "scoring.gif", "mine");
+        for (const char* name : {"hosting.gif", "scoring.gif"})
+            put("installed", name, "the second");
+        start();
+        QCOMPARE(copyOf("hosting.gif"), std::string("the second"));
+        QCOMPARE(copyOf("scoring.gif"), std::string("mine"));
+        QCOMPARE(copyOf("help.chm"), std::string("first"));
+        put("state/settings", "shipped.ini", "\xff\xfe"); // then nothing is known to be a copy
+        put("installed", "hosting.gif", "a third one");
+        start();
+        QCOMPARE(copyOf("hosting.gif"), std::string("the second"));
     }
 
     void theFolderIsTheExecutablesOwnOnlyWhenItHoldsThePictures()
