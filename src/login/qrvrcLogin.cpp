@@ -11,6 +11,7 @@
 #include "ui/ImageButton.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGridLayout>
@@ -94,6 +95,10 @@ void qrvrcLogin::buildControls()
     txtUser = newField(u"txtUser"_s, u"Username"_s);
     txtPass = newField(u"txtPass"_s, u"Password"_s);
     txtPass->setEchoMode(QLineEdit::Password);
+    chkRemember = new QCheckBox(u"&Remember password"_s, fmeConnect);
+    chkRemember->setObjectName(u"chkRemember"_s);
+    chkRemember->setToolTip(u"Otherwise it is kept until the program ends, and asked for after that"_s);
+    chkRemember->setChecked(true);
 
     cmdConnect = new ImageButton(u"cmdConnect"_s, u"Connect"_s, m_client.pictures, fmeConnect);
     cmdDisconnect = new ImageButton(u"cmdDisconnect"_s, u"Disconnect"_s, m_client.pictures, fmeConnect);
@@ -153,6 +158,7 @@ void qrvrcLogin::layOutConnect()
     addRow(form, u"lblPort"_s, u"Port:"_s, txtPort);
     addRow(form, u"lblUser"_s, u"Username:"_s, txtUser);
     addRow(form, u"lblPass"_s, u"Password:"_s, txtPass);
+    form->addRow(QString(), chkRemember);
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(buttonSpacing);
@@ -186,6 +192,10 @@ void qrvrcLogin::wireSignals()
 
 void qrvrcLogin::listProfiles()
 {
+    using std::filesystem::perms;
+    std::error_code ignored; // there may be no such file yet
+    std::filesystem::permissions(m_client.folder.path(storeFile), perms::group_all | perms::others_all,
+                                 std::filesystem::perm_options::remove, ignored);
     QStringList names{newProfile};
     for (const std::string& name : m_client.store.GetAllIniSections(m_client.folder.path(storeFile))) {
         if (!name.empty() && !isSameSection(name, newProfileName))
@@ -216,6 +226,7 @@ void qrvrcLogin::profileClicked()
     // First of all, so that nothing of another profile stands under this name when the store cannot be read.
     for (QLineEdit* field : {txtProfile, txtHost, txtPort, txtUser, txtPass})
         field->clear();
+    chkRemember->setChecked(true);
     if (!chosen)
         return;
     txtProfile->setText(*chosen);
@@ -225,7 +236,12 @@ void qrvrcLogin::profileClicked()
     txtHost->setText(m_client.codePage.toText(stored.host));
     txtPort->setText(m_client.codePage.toText(stored.port));
     txtUser->setText(m_client.codePage.toText(stored.user));
-    txtPass->setText(m_client.codePage.toText(stored.password));
+    const bool isForgotten = !stored.host.empty() && stored.password.empty();
+    const auto kept = m_passwords.find(section);
+    txtPass->setText(
+        m_client.codePage.toText(isForgotten && kept != m_passwords.end() ? kept->second : stored.password));
+    txtPass->setEnabled(isForgotten);
+    chkRemember->setChecked(!isForgotten);
 }
 
 void qrvrcLogin::profileTextChanged()
@@ -278,6 +294,7 @@ void qrvrcLogin::connectToHost()
         if (const auto fault = firstFault(typed, kind)) {
             m_client.reporter.ReportMsg(MessageKind::Failed,
                                         QString::fromLatin1(fault->data(), static_cast<qsizetype>(fault->size())));
+            askForPassword();
             return;
         }
         if (const QString unsendable = sendFault(); !unsendable.isEmpty()) {
@@ -302,12 +319,23 @@ void qrvrcLogin::connectToHost()
 void qrvrcLogin::saveProfile(const ConnectionFields& typed)
 {
     m_client.reporter.trap("cmdConnect_Click", [&] {
-        m_client.store.WriteIniKeys(typed.profile, entriesOf(typed), m_client.folder.path(storeFile));
+        ConnectionFields stored = typed;
+        if (!chkRemember->isChecked())
+            stored.password.clear();
+        m_client.store.WriteIniKeys(typed.profile, entriesOf(stored), m_client.folder.path(storeFile));
         if (indexOf(typed.profile) == 0)
             listProfiles();
         cboProfile->setCurrentIndex(indexOf(typed.profile));
         txtProfile->setEnabled(!chosenProfile());
+        m_passwords[m_client.codePage.toBytes(cboProfile->currentText())] = typed.password;
     });
+}
+
+void qrvrcLogin::askForPassword()
+{
+    const ConnectionFields typed = fields();
+    if (trimmed(typed.password).empty() && !trimmed(typed.user).empty() && txtPass->isEnabled())
+        txtPass->setFocus();
 }
 
 void qrvrcLogin::tellFault(ConnectFault fault)
@@ -334,6 +362,7 @@ void qrvrcLogin::deleteProfile()
         return;
     }
     m_client.store.ClearIniSection(m_client.codePage.toBytes(*chosen), m_client.folder.path(storeFile));
+    m_passwords.erase(m_client.codePage.toBytes(*chosen));
     const int index = cboProfile->currentIndex();
     cboProfile->setCurrentIndex(0);
     cboProfile->removeItem(index);

@@ -6,7 +6,11 @@
 
 #include <QTimer>
 
+#include <map>
+#include <string>
+
 class ImageButton;
+class QCheckBox;
 class QComboBox;
 class QGroupBox;
 class QLabel;
@@ -63,9 +67,12 @@ private:
     void saveProfile(const ConnectionFields& fields);
     void tellFault(ConnectFault fault);
     void setFieldsEnabled(bool enabled);
+    /// Leads the user to the password when nothing else is missing.
+    void askForPassword();
 
     Client& m_client;
     RawRequestQueue m_rawRequests;
+    std::map<std::string, std::string> m_passwords; ///< by profile; those that are not remembered, for this run
 
     QGroupBox* fmeConnect = nullptr;
     QGroupBox* fmeStatus = nullptr;
@@ -75,6 +82,7 @@ private:
     QLineEdit* txtPort = nullptr;
     QLineEdit* txtUser = nullptr;
     QLineEdit* txtPass = nullptr;
+    QCheckBox* chkRemember = nullptr;
     QLabel* lblStatus = nullptr;
     QLabel* lblEmblem = nullptr;
     ImageButton* cmdConnect = nullptr;

@@ -1,6 +1,7 @@
 #include "live/support/SupportDesk.h"
 #include "support/Desk.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QTest>
 
@@ -91,6 +92,55 @@ private Q_SLOTS:
         QCOMPARE(std::filesystem::status(desk.path(store)).permissions(),
                  std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
         QTRY_COMPARE(desk.linkStatus(), u"Connected"_s);
+    }
+
+    void aPasswordThatIsNotRememberedIsAskedFor()
+    {
+        Desk desk;
+        QVERIFY(desk.open());
+        desk.typeProfile(u"Home"_s, u"admin"_s, u"admin"_s, desk.tracker.port());
+        auto& remember = desk.control<QCheckBox>(u"chkRemember"_s);
+        QVERIFY(remember.isChecked());
+        remember.click();
+        desk.click(u"cmdConnect"_s);
+        QTRY_VERIFY(desk.link().isLoggedIn());
+        QVERIFY(desk.settles());
+        QCOMPARE(section(desk, "Home").back(), "Pass=");
+        desk.clickTab(u"tsMain"_s, u"Login"_s);
+        desk.click(u"cmdDisconnect"_s);
+        desk.chooseProfile(u"Home"_s);
+        QCOMPARE(desk.text(u"txtPass"_s), u"admin"_s); // kept for the run
+        QVERIFY(!remember.isChecked());
+
+        QVERIFY(desk.open()); // the next one
+        QTRY_COMPARE(profileNames(desk).size(), 2);
+        desk.chooseProfile(u"Home"_s);
+        QCOMPARE(desk.text(u"txtPass"_s), QString());
+        QVERIFY(!desk.control(u"txtHost"_s).isEnabled());
+        desk.click(u"cmdConnect"_s);
+        QCOMPARE(desk.boxes.onlyText(), u"Password field is empty!"_s);
+        QVERIFY(desk.control(u"txtPass"_s).hasFocus());
+        desk.type(u"txtPass"_s, u"admin"_s);
+        desk.control<QCheckBox>(u"chkRemember"_s).click();
+        desk.click(u"cmdConnect"_s);
+        QTRY_VERIFY(desk.link().isLoggedIn());
+        QVERIFY(desk.settles());
+        QCOMPARE(section(desk, "Home").back(), "Pass=admin");
+    }
+
+    void aStoreThatOthersCanReadIsTightened()
+    {
+        Desk desk;
+        desk.put(store, "[Home]\nHost=h\nPort=1\nUser=u\nPass=p\n");
+        using std::filesystem::perms;
+        const perms own = perms::owner_read | perms::owner_write;
+        const auto rights = [&desk] { return std::filesystem::status(desk.path(store)).permissions(); };
+        std::filesystem::permissions(desk.path(store), own | perms::group_read | perms::others_read);
+        QVERIFY(desk.open());
+        QTRY_COMPARE(rights(), own);
+        std::filesystem::permissions(desk.path(store), own | perms::others_read);
+        desk.core().store.WriteIniKey("Home", "Pass", "q", desk.path(store));
+        QCOMPARE(rights(), own);
     }
 
     void aTypedNameThatExistsUpdatesItsProfile()

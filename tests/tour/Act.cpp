@@ -147,7 +147,7 @@ void Act::typeConnection()
         [this] {
             return textOf(u"txtProfile"_s) == u"Practice host"_s && textOf(u"txtHost"_s) == u"127.0.0.1"_s &&
                    textOf(u"txtPort"_s) == QString::number(tracker.port()) && textOf(u"txtUser"_s) == u"admin"_s &&
-                   textOf(u"txtPass"_s) == u"admin"_s && hasFocus(u"cmdConnect"_s);
+                   textOf(u"txtPass"_s) == u"admin"_s && hasFocus(u"chkRemember"_s);
         });
 }
 

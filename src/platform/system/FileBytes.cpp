@@ -131,7 +131,7 @@ void writeBytes(const fs::path& file, std::string_view bytes, Access access, std
         temporary.kept = true; // not ours
         throwFileError(opened.fault(), target, where);
     }
-    fault = replaces ? opened.takeRightsOf(target) : std::error_code();
+    fault = replaces && access != Access::OwnerOnly ? opened.takeRightsOf(target) : std::error_code();
     if (!fault)
         fault = opened.write(bytes);
     if (!fault)

@@ -10,10 +10,10 @@
 
 /// Whole files as bytes. Faults of the disk become RuntimeErrors with the classic numbers and the file's name.
 
-/// Who may read a file that is newly created; an existing file keeps the rights that it has.
+/// Who may read a file that is written.
 enum class Access {
-    AsUsual, ///< what the user's settings give to new files
-    OwnerOnly,
+    AsUsual,   ///< a new file what the user's settings give it; an existing one keeps the rights that it has
+    OwnerOnly, ///< nobody else, now and before
 };
 
 inline constexpr std::size_t maxTextFileBytes = std::size_t{256} * 1024 * 1024;

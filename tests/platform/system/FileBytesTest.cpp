@@ -119,8 +119,10 @@ private Q_SLOTS:
         writeBytes(secret, "1", Access::OwnerOnly);
         QCOMPARE(rightsOf(secret), fs::perms(0600));
         fs::permissions(secret, fs::perms(0640));
-        writeBytes(secret, "2", Access::OwnerOnly);
+        writeBytes(secret, "2");
         QCOMPARE(rightsOf(secret), fs::perms(0640));
+        writeBytes(secret, "2", Access::OwnerOnly);
+        QCOMPARE(rightsOf(secret), fs::perms(0600));
         fs::create_symlink("secret", m_folder / "link");
         writeBytes(m_folder / "link", "3");
         QVERIFY(fs::is_symlink(m_folder / "link"));
