@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString titles = u"Delta Force: Black Hawk Down\nDelta Force: Xtreme\nJoint Operations"_s;
-const QString credits = u"Written in C++ with Qt, libdeflate and CHMLib.\n\n"
+const QString credits = u"Written in C++ with Qt, libdeflate, libmspack and libsodium.\n\n"
                         "Pictures and manual are our own."_s;
 
 /// The emblem on a white ground that the background picture shows through.

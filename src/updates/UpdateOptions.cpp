@@ -119,6 +119,21 @@ void UpdateOptions::save(const OptionValues& values)
     putInForce();
 }
 
+bool UpdateOptions::isDamaged() const
+{
+    try {
+        storedSettings(m_subjects.folder);
+        return false;
+    } catch (const RuntimeError& error) {
+        return error.number() == ErrorNumber::InvalidFileFormat;
+    }
+}
+
+void UpdateOptions::setDamagedAside()
+{
+    moveFile(m_subjects.folder.path(settingsFile), m_subjects.folder.path(std::string(settingsFile) + ".damaged"));
+}
+
 void UpdateOptions::setAutomatic(bool automatic)
 {
     m_subjects.agent.setAutomatic(automatic);

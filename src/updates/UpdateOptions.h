@@ -55,6 +55,10 @@ public:
     void load();
     /// Stores the settings and puts them in force. @throws RuntimeError from the disk; nothing is in force then
     void save(const OptionValues& values);
+    /// Whether there are stored settings that cannot be read, which keeps new ones from being stored.
+    bool isDamaged() const;
+    /// Keeps them aside as "config.ini.damaged". @throws RuntimeError from the disk
+    void setDamagedAside();
     /// Turns the check by the clock on or off without storing it.
     void setAutomatic(bool automatic);
 

@@ -1,6 +1,7 @@
 #include "updates/qrvrcOptions.h"
 
 #include "client/Client.h"
+#include "diagnostics/report/MessageBoxes.h"
 #include "diagnostics/report/Reporter.h"
 #include "platform/net/Inet.h"
 #include "platform/system/CodePageTables.h"
@@ -186,6 +187,13 @@ void qrvrcOptions::save()
     if (!values.updateKey.isEmpty() && !UpdateKey::fromText(values.updateKey.toUtf8().toStdString())) {
         complainOf(txtUpdateKey, u"The update key must be a public key as minisign writes it, or empty."_s);
         return;
+    }
+    if (m_options.isDamaged()) {
+        const QString question = u"The stored settings are damaged and cannot be read. Do you want to store what is "
+                                 "shown here in their place? The old file is kept as 'config.ini.damaged'."_s;
+        if (!m_client.boxes.confirm(u"Confirmation Required!"_s, question) ||
+            !m_client.reporter.trap("cmdSave_Click", [&] { m_options.setDamagedAside(); }))
+            return;
     }
     if (m_client.reporter.trap("cmdSave_Click", [&] { m_options.save(values); }))
         m_client.reporter.ReportMsg(MessageKind::Success, u"Settings Saved Successfully."_s);

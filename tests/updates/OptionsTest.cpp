@@ -141,6 +141,24 @@ private Q_SLOTS:
         QCOMPARE(damaged.desk.core().updates.location, QString()); // rather none than one that is not proven
     }
 
+    void damagedSettingsCanBeReplaced()
+    {
+        const QByteArray stored("\xff\xfe[\0x\0", 6);
+        Options options(stored);
+        Desk& desk = options.desk;
+        desk.boxes.boxes.clear();
+        desk.boxes.answer = false;
+        desk.click(u"cmdSave"_s);
+        QCOMPARE(desk.boxes.count(u"Confirmation Required!"_s), 1);
+        QCOMPARE(desk.boxes.boxes.size(), 1);
+        QCOMPARE(desk.bytesOf(settings), stored);
+        desk.boxes.answer = true;
+        desk.click(u"cmdSave"_s);
+        QVERIFY(desk.boxes.boxes.last() == saved);
+        QCOMPARE(desk.bytesOf("\\settings\\config.ini.damaged"), stored);
+        QVERIFY(desk.bytesOf(settings).startsWith("[Settings]"));
+    }
+
     void everyCodePageKeepsEveryByte()
     {
         Options options;
