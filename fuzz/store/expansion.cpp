@@ -31,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view input = viewOf(data + 4, size - 4);
     std::string text;
     const auto error = raisedBy([&] { text = expand(input, length); });
-    check(error == ErrorNumber::OutOfMemory ? length > maxExpandedBytes
+    check(error == ErrorNumber::OutOfMemory ? length > Bounds().logTextBytes
                                             : !error || error == ErrorNumber::InvalidFileFormat);
     check(error || text.size() == length);
 

@@ -122,11 +122,13 @@ void AccountForm::offer(const std::vector<AdminAccount>& accounts)
         m_offered.push_back(*m_account);
     const QSignalBlocker quiet(cboUser);
     cboUser->clear();
-    cboUser->addItem(m_codePage.toText(newAdmin));
-    for (const AdminAccount& account : m_offered) {
-        cboUser->addItem(m_codePage.toText(account.name));
-        if (m_account && sameName(account))
-            cboUser->setCurrentIndex(cboUser->count() - 1);
+    QStringList names{m_codePage.toText(newAdmin)};
+    for (const AdminAccount& account : m_offered)
+        names += m_codePage.toText(account.name);
+    cboUser->addItems(names);
+    if (m_account) {
+        const auto chosen = std::find_if(m_offered.begin(), m_offered.end(), sameName);
+        cboUser->setCurrentIndex(1 + static_cast<int>(chosen - m_offered.begin()));
     }
 }
 

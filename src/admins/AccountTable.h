@@ -4,11 +4,13 @@
 
 #include <QGroupBox>
 
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
 
 class CodePage;
+class CutNote;
 class GridView;
 class ImageButton;
 class PictureStore;
@@ -24,8 +26,9 @@ public:
 
     /// What is selected stays selected, by its name.
     /// @param emptyText  why there are no accounts, if there are none
-    void showAccounts(std::vector<AdminAccount> accounts, const QString& emptyText);
-    const std::vector<AdminAccount>& accounts() const { return m_accounts; }
+    /// @param isCut      whether there are more
+    void showAccounts(std::vector<AdminAccount> accounts, const QString& emptyText, bool isCut = false);
+    const std::vector<AdminAccount>& accounts() const { return *m_accounts; }
     /// Whether there is an account of that name.
     bool has(std::string_view name) const { return rowOf(name).has_value(); }
     std::optional<AdminAccount> selected() const;
@@ -46,9 +49,10 @@ private:
     std::optional<int> rowOf(std::string_view name) const;
 
     const CodePage& m_codePage;
-    std::vector<AdminAccount> m_accounts; ///< row by row
+    std::shared_ptr<const std::vector<AdminAccount>> m_accounts; ///< row by row; never null
 
     GridView* mfgUsers = nullptr;
+    CutNote* lblUsersCut = nullptr;
     ImageButton* cmdKickUser = nullptr;
     ImageButton* cmdDeleteUser = nullptr;
 };

@@ -1,10 +1,11 @@
 #include "admins/AdminRecords.h"
 
 #include "base/Base64.h"
-#include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "link/PackedReply.h"
 
 #include <map>
+#include <new>
 #include <utility>
 
 namespace {
@@ -14,18 +15,22 @@ using Kind = ChecklistRow::Kind;
 constexpr std::string_view separator = "[-]";
 constexpr std::string_view partSeparator = "[-][-]";
 constexpr std::string_view restriction = "Restrict";
+constexpr std::size_t accountFields = 5; ///< those that are shown, and what stands behind them
 
-/// The pieces between separators that are not empty.
-std::vector<std::string_view> pieces(std::string_view text)
+/// The first pieces between separators that are not empty.
+/// @return whether these are all
+bool takePieces(std::string_view text, std::size_t most, std::vector<std::string_view>& found)
 {
-    std::vector<std::string_view> found;
     while (!text.empty()) {
         const std::size_t end = text.find(separator);
-        if (end != 0)
+        if (end != 0) {
+            if (found.size() == most)
+                return false;
             found.push_back(text.substr(0, end));
+        }
         text = end == std::string_view::npos ? std::string_view() : text.substr(end + separator.size());
     }
-    return found;
+    return true;
 }
 
 ChecklistRow sectionRow(std::string_view text)
@@ -62,17 +67,40 @@ Request accountRequest(std::string name, std::string_view user, std::int32_t pro
 
 } // namespace
 
-AdminsText splitAdminsText(std::string_view text)
+AdminsText splitAdminsText(std::string_view text, std::size_t most)
 {
     const std::size_t accountsEnd = text.find(partSeparator);
-    if (accountsEnd == std::string_view::npos)
-        return {pieces(text), {}};
-    return {pieces(text.substr(0, accountsEnd)), pieces(text.substr(accountsEnd + partSeparator.size()))};
+    AdminsText parts;
+    parts.areAccountsCut = !takePieces(text.substr(0, accountsEnd), most, parts.accounts);
+    if (accountsEnd != std::string_view::npos)
+        parts.isLogCut = !takePieces(text.substr(accountsEnd + partSeparator.size()), most, parts.log);
+    return parts;
+}
+
+AdminList readAdmins(const PackedReply& packed, const Bounds& bounds)
+{
+    AdminList list;
+    try {
+        const ListText text = expandList(packed, separator, bounds.listBytes);
+        const AdminsText parts = splitAdminsText(text.text, bounds.listRows);
+        // What is cut off a text has no log behind it, or is the end of the log.
+        list.isLogCut = parts.isLogCut || text.isCut;
+        list.areAccountsCut =
+            parts.areAccountsCut || (text.isCut && text.text.find(partSeparator) == std::string::npos);
+        list.log.assign(parts.log.begin(), parts.log.end());
+        for (const std::string_view element : parts.accounts)
+            list.accounts.push_back(decodeAdminAccount(element));
+    } catch (const RuntimeError& error) {
+        list.damage = error;
+    } catch (const std::bad_alloc&) {
+        list = {.damage = RuntimeError(ErrorNumber::OutOfMemory, "list of accounts")};
+    }
+    return list;
 }
 
 AdminAccount decodeAdminAccount(std::string_view element)
 {
-    const FieldList fields(std::string(element), '|');
+    const FieldList fields(std::string(element), '|', accountFields);
     return {
         .name = base64::decode(fields.at(0)),
         .password = base64::decode(fields.at(1)),
@@ -83,7 +111,9 @@ AdminAccount decodeAdminAccount(std::string_view element)
 
 std::vector<std::string_view> splitChecklist(std::string_view body)
 {
-    return pieces(body);
+    std::vector<std::string_view> sections;
+    takePieces(body, FieldList::noLimit, sections);
+    return sections;
 }
 
 Checklist decodeSection(std::string_view section)

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "base/Bounds.h"
+#include "base/RuntimeError.h"
 #include "link/Request.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -24,15 +27,33 @@ struct AdminsText
 {
     std::vector<std::string_view> accounts; ///< for `decodeAdminAccount`
     std::vector<std::string_view> log;      ///< lines of the connectivity log
+    bool areAccountsCut = false;            ///< there are more than were asked for; so for the next
+    bool isLogCut = false;
 
     bool operator==(const AdminsText&) const = default;
 };
 
-AdminsText splitAdminsText(std::string_view text);
+/// @param most  of accounts, and of lines
+AdminsText splitAdminsText(std::string_view text, std::size_t most);
 
 /// @param element  Base64 name, Base64 password, address and status, joined by "|"
 /// @throws RuntimeError SubscriptOutOfRange for fewer fields, TypeMismatch for what is no Base64
 AdminAccount decodeAdminAccount(std::string_view element);
+
+struct PackedReply;
+
+/// What a "GetProfileAdmins" reply brought, as far as it could be read and is not cut.
+struct AdminList
+{
+    std::vector<AdminAccount> accounts = {};
+    std::vector<std::string> log = {};
+    bool areAccountsCut = false;
+    bool isLogCut = false;
+    std::optional<RuntimeError> damage; ///< what ended the list
+};
+
+/// Never throws, so that it can run in another thread.
+AdminList readAdmins(const PackedReply& packed, const Bounds& bounds);
 
 /// One row of the privilege checklist.
 struct ChecklistRow

@@ -1,6 +1,7 @@
 #include "admins/ConnectivityLog.h"
 
 #include "ui/CopyActions.h"
+#include "ui/CutNote.h"
 
 #include <QLabel>
 #include <QListWidget>
@@ -43,9 +44,11 @@ ConnectivityLog::ConnectivityLog(QWidget* parent) : QGroupBox(u"Connectivity Log
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(insets);
     whole->addWidget(lstLog);
+    lblLogCut = new CutNote(u"lblLogCut"_s, this);
+    whole->addWidget(lblLogCut);
 }
 
-void ConnectivityLog::showLines(const QStringList& lines, const QString& emptyText)
+void ConnectivityLog::showLines(const QStringList& lines, const QString& emptyText, bool isCut)
 {
     const QScrollBar& bar = *lstLog->verticalScrollBar();
     const bool followsEnd = bar.value() == bar.maximum();
@@ -56,6 +59,7 @@ void ConnectivityLog::showLines(const QStringList& lines, const QString& emptyTe
         lstLog->scrollToBottom();
     else
         lstLog->verticalScrollBar()->setValue(scrolled);
+    lblLogCut->tell(isCut, lines.size());
     lblLogEmpty->setText(emptyText);
     lblLogEmpty->setVisible(lines.isEmpty());
     lstLog->setAccessibleDescription(lines.isEmpty() ? emptyText : QString());

@@ -3,6 +3,7 @@
 #include <QGroupBox>
 #include <QStringList>
 
+class CutNote;
 class QLabel;
 class QListWidget;
 
@@ -16,9 +17,11 @@ public:
 
     /// Whoever looks at the end goes on looking at the end; anybody else stays where he is.
     /// @param emptyText  why there are no lines, if there are none
-    void showLines(const QStringList& lines, const QString& emptyText);
+    /// @param isCut      whether there are more
+    void showLines(const QStringList& lines, const QString& emptyText, bool isCut = false);
 
 private:
     QListWidget* lstLog = nullptr;
     QLabel* lblLogEmpty = nullptr;
+    CutNote* lblLogCut = nullptr;
 };

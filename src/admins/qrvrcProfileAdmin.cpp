@@ -10,7 +10,6 @@
 #include "link/ReplyDispatcher.h"
 #include "link/clsWinSock.h"
 #include "platform/system/CodePage.h"
-#include "store/clsMFD.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -26,6 +25,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::string_view section = "Profile Admins";
+
+/// Bytes of a list up to which it is read at once.
+constexpr std::int32_t maxDirectBytes = 64 * 1024;
 
 // Pixels.
 constexpr QMargins pageMargins(8, 2, 8, 8);
@@ -74,7 +76,8 @@ void qrvrcProfileAdmin::wireSignals()
     connect(&m_steps, &AccountSteps::moved, this, &qrvrcProfileAdmin::updateControls);
     connect(&m_client.link, &clsWinSock::loginSucceeded, this, &qrvrcProfileAdmin::followLogin);
     connect(&m_client.link, &clsWinSock::linkLost, this, &qrvrcProfileAdmin::followDrop);
-    m_client.replies.on("GetProfileAdmins", this, [this](std::string_view body) { takeAdmins(body); });
+    m_client.replies.on("GetProfileAdmins", this,
+                        [this](std::string_view body, const ReplyOwner& owner) { takeAdmins(body, owner); });
     m_client.replies.on("GetProfileAdminPrivis", this, [this](std::string_view body) { takeChecklist(body); });
 }
 
@@ -157,6 +160,7 @@ void qrvrcProfileAdmin::followLogin()
 
 void qrvrcProfileAdmin::followDrop()
 {
+    m_reading.drop();
     fmeAddUser->forgetTemplate();
     if (!fmeAddUser->isEdited())
         fmeAddUser->showNew();
@@ -235,47 +239,74 @@ void qrvrcProfileAdmin::carryOut(AccountAct act, Request request, std::optional<
     m_steps.work();
 }
 
-void qrvrcProfileAdmin::takeAdmins(std::string_view body)
+void qrvrcProfileAdmin::takeAdmins(std::string_view body, const ReplyOwner& owner)
 {
     if (!m_steps.current() || body.empty() || body == "True")
         return;
-    const AccountStep step = *m_steps.current();
-    Admins admins;
-    // What cannot be read ends the list; what came before it is shown all the same.
-    const auto show = qScopeGuard([&] {
-        if (isShown(step.home))
-            showAdmins(std::move(admins), step.saved);
-        else if (step.saved && hold(admins.accounts, *step.saved))
-            m_drafts.forgetSaved(step.home, *step.saved);
-    });
-    const PackedReply packed = splitPackedReply(body);
-    const std::string text = clsMFD::DecompressString(packed.data, packed.length);
-    const AdminsText parts = splitAdminsText(text);
-    for (const std::string_view line : parts.log)
-        admins.log += m_client.codePage.toText(line);
-    for (const std::string_view element : parts.accounts)
-        admins.accounts.push_back(decodeAdminAccount(element));
-    admins.isWhole = true;
+    AccountStep step = *m_steps.current();
+    PackedReply packed;
+    try {
+        packed = splitPackedReply(body);
+    } catch (const RuntimeError& error) {
+        takeList({.damage = error}, step);
+        return;
+    }
+    if (packed.length <= maxDirectBytes) {
+        m_reading.drop(); // what is older
+        takeList(readAdmins(packed, m_client.bounds), step);
+        return;
+    }
+    // This list tells the outcome of what the one that it overtakes was asked for.
+    if (m_reading.isUnderWay() && !step.saved && m_readFor->home.isSame(step.home))
+        step.saved = m_readFor->saved;
+    m_readFor = std::move(step);
+    m_reading.start([packed, owner, bounds = m_client.bounds] { return readAdmins(packed, bounds); },
+                    [this](AdminList list) {
+                        m_client.reporter.trap("HandleData", [&] { takeList(std::move(list), *m_readFor); });
+                    });
 }
 
-void qrvrcProfileAdmin::showAdmins(Admins admins, const std::optional<AccountDraft>& saved)
+/// What cannot be read ends the list; what came before it is shown all the same.
+/// @throws RuntimeError for what ended it
+void qrvrcProfileAdmin::takeList(AdminList list, const AccountStep& step)
+{
+    const std::optional<RuntimeError> damage = list.damage;
+    if (isShown(step.home))
+        showAdmins(std::move(list), step.saved);
+    else if (step.saved && hold(list.accounts, *step.saved))
+        m_drafts.forgetSaved(step.home, *step.saved);
+    if (damage)
+        throw *damage;
+}
+
+void qrvrcProfileAdmin::showAdmins(AdminList list, const std::optional<AccountDraft>& saved)
 {
     const QString reason = u"The tracker's answer could not be read."_s;
+    const bool isWhole = !list.damage;
     const bool mayView = may("View Users");
     const bool mayViewLog = may("View Connectivity Log");
     if (!mayView)
-        admins.accounts.clear();
-    fmeUsers->showAccounts(std::move(admins.accounts), !mayView         ? u"You may not view the accounts."_s
-                                                       : admins.isWhole ? u"No accounts"_s
-                                                                        : reason);
-    fmeLog->showLines(mayViewLog ? admins.log : QStringList(), !mayViewLog      ? u"You may not view the log."_s
-                                                               : admins.isWhole ? u"The log is empty."_s
-                                                                                : reason);
+        list.accounts.clear();
+    fmeUsers->showAccounts(std::move(list.accounts),
+                           !mayView  ? u"You may not view the accounts."_s
+                           : isWhole ? u"No accounts"_s
+                                     : reason,
+                           mayView && list.areAccountsCut);
+    QStringList lines;
+    for (const std::string_view line : list.log)
+        lines += m_client.codePage.toText(line);
+    fmeLog->showLines(mayViewLog ? lines : QStringList(),
+                      !mayViewLog ? u"You may not view the log."_s
+                      : isWhole   ? u"The log is empty."_s
+                                  : reason,
+                      mayViewLog && list.isLogCut);
+    // Whether an account is gone or was not taken is known of a list that is there to its end.
+    const bool isComplete = isWhole && !list.areAccountsCut;
     const bool isSaved = saved && hold(fmeUsers->accounts(), *saved) && fmeAddUser->draft() == *saved;
     const std::optional<AdminAccount>& account = fmeAddUser->account();
-    const bool isGone = account && admins.isWhole && !fmeUsers->has(account->name);
+    const bool isGone = account && isComplete && !fmeUsers->has(account->name);
     if (saved)
-        tellOutcome(*saved, admins.isWhole);
+        tellOutcome(*saved, isComplete);
     if (!fmeAddUser->isEdited() || isSaved || isGone)
         fmeAddUser->showNew();
     fmeAddUser->offer(fmeUsers->accounts());

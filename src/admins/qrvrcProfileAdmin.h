@@ -4,10 +4,11 @@
 #include "admins/AccountHome.h"
 #include "admins/AccountSteps.h"
 #include "admins/AdminRecords.h"
+#include "link/ReplyAssembler.h"
+#include "platform/system/Background.h"
 #include "ui/WorkingWindow.h"
 
 #include <QPointer>
-#include <QStringList>
 
 #include <optional>
 #include <string>
@@ -36,14 +37,6 @@ public:
     void Form_Activate() override;
 
 private:
-    /// What a reply brought, as far as it could be read.
-    struct Admins
-    {
-        std::vector<AdminAccount> accounts;
-        QStringList log;
-        bool isWhole = false;
-    };
-
     void layOut();
     void wireSignals();
 
@@ -58,8 +51,9 @@ private:
     AccountStep readAccounts() const;
     AccountStep readChecklist(const std::string& account) const;
 
-    void takeAdmins(std::string_view body);
-    void showAdmins(Admins admins, const std::optional<AccountDraft>& saved);
+    void takeAdmins(std::string_view body, const ReplyOwner& owner);
+    void takeList(AdminList list, const AccountStep& step);
+    void showAdmins(AdminList list, const std::optional<AccountDraft>& saved);
     void showNobody(const QString& why);
     void tellOutcome(const AccountDraft& saved, bool isWhole);
     void tellHome();
@@ -79,7 +73,9 @@ private:
     std::optional<AccountHome> m_home; ///< of the accounts in the table and of what the form holds
     AccountDrafts m_drafts;
     AccountSteps m_steps;
-    QPointer<QWidget> m_focusBefore; ///< the button that lost the keyboard when it was disabled
+    NewestWork<AdminList> m_reading;
+    std::optional<AccountStep> m_readFor; ///< what the list that is being read is the answer to
+    QPointer<QWidget> m_focusBefore;      ///< the button that lost the keyboard when it was disabled
     QPointer<QWidget> m_focusMeanwhile;
 
     AccountForm* fmeAddUser = nullptr;

@@ -31,7 +31,7 @@ ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxWindows, LockableInt
       replies(reporter, interface),
       link(wsMain, wSupport, replies, setup.bounds),
       components(folder),
-      client{link, replies, store, folder, inet, reporter, boxes, codePage, pictures, windows, quitting},
+      client{link, replies, store, folder, inet, reporter, boxes, codePage, pictures, windows, quitting, setup.bounds},
       pluginHost(client, plugins, components, problems, pluginAccess(), setup.version),
       updates{.inet = inet,
               .targets = updateTargets,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Bounds.h"
 #include "client/Client.h"
 #include "client/PermissionRecords.h"
 #include "client/SelectedProfile.h"

@@ -35,11 +35,12 @@ std::string_view trimmed(std::string_view text)
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-std::vector<std::string_view> split(std::string_view text, char separator)
+std::vector<std::string_view> split(std::string_view text, char separator, std::size_t most)
 {
     std::vector<std::string_view> pieces;
     std::size_t start = 0;
-    for (std::size_t end = text.find(separator); end != std::string_view::npos; end = text.find(separator, start)) {
+    for (std::size_t end = text.find(separator); end != std::string_view::npos && pieces.size() + 1 < most;
+         end = text.find(separator, start)) {
         pieces.push_back(text.substr(start, end - start));
         start = end + 1;
     }
@@ -115,7 +116,10 @@ std::int32_t toInt32(std::string_view text, std::source_location where)
     throw RuntimeError(isNumber ? ErrorNumber::Overflow : ErrorNumber::TypeMismatch, {}, where);
 }
 
-FieldList::FieldList(std::string text, char separator) : m_text(std::move(text)), m_fields(split(m_text, separator)) {}
+FieldList::FieldList(std::string text, char separator, std::size_t most)
+    : m_text(std::move(text)),
+      m_fields(split(m_text, separator, most))
+{}
 
 std::string_view FieldList::at(std::size_t index, std::source_location where) const
 {

@@ -13,7 +13,8 @@
 std::string_view trimmed(std::string_view text);
 
 /// The pieces between `separator`s; an empty text has one empty piece. The views point into `text`.
-std::vector<std::string_view> split(std::string_view text, char separator);
+/// @param most  how many pieces, at least 1; the last of them is the rest of the text then
+std::vector<std::string_view> split(std::string_view text, char separator, std::size_t most = std::string_view::npos);
 
 /// The pieces of `parts` with `separator` between them.
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
@@ -45,7 +46,10 @@ std::int32_t toInt32(std::string_view text, std::source_location where = std::so
 class FieldList
 {
 public:
-    FieldList(std::string text, char separator);
+    static constexpr std::size_t noLimit = std::string_view::npos;
+
+    /// @param most  how many fields are told apart; what stands behind the last of them belongs to it
+    FieldList(std::string text, char separator, std::size_t most = noLimit);
     FieldList(const FieldList&) = delete;
     FieldList& operator=(const FieldList&) = delete;
     ~FieldList() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Bounds.h"
+
 #include <QString>
 
 class AppFolder;
@@ -28,4 +30,6 @@ struct Client
     WindowRegistry& windows;
     /// Set once the user has confirmed quitting. Written by the frame.
     const bool& quitting;
+    /// How much is taken from the host.
+    const Bounds bounds = {};
 };

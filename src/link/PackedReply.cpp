@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "store/clsMFD.h"
 
 namespace {
 
@@ -16,4 +17,16 @@ PackedReply splitPackedReply(std::string_view body)
         throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "compressed reply");
     // Compressed bytes may hold the marker by chance, so what follows the first one is data, all of it.
     return {toInt32(body.substr(0, end)), body.substr(end + marker.size())};
+}
+
+ListText expandList(const PackedReply& packed, std::string_view separator, std::size_t maxBytes)
+{
+    ListText list{clsMFD::DecompressString(packed.data, packed.length)};
+    if (list.text.size() <= maxBytes)
+        return list;
+    const std::size_t end = list.text.rfind(separator, maxBytes);
+    list.text.resize(end == std::string::npos ? 0 : end);
+    list.text.shrink_to_fit();
+    list.isCut = true;
+    return list;
 }

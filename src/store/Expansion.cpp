@@ -8,9 +8,6 @@
 
 namespace {
 
-/// A byte of deflate holds at most four repetitions, each of at most 258 bytes.
-constexpr std::uint64_t maxExpansion = 4 * 258;
-
 using DecompressFunction = decltype(&libdeflate_deflate_decompress);
 
 struct FreeDecompressor
@@ -36,11 +33,12 @@ DecompressFunction functionFor(std::string_view data)
 
 } // namespace
 
-std::string expand(std::string_view data, std::uint32_t length)
+std::string expand(std::string_view data, std::uint32_t length, const Bounds& bounds)
 {
-    if (length > maxExpandedBytes)
+    if (length > bounds.logTextBytes)
         throw RuntimeError(ErrorNumber::OutOfMemory, "compressed text");
-    if (length > maxExpansion * data.size())
+    // A byte of deflate holds at most four repetitions, each of at most 258 bytes.
+    if (length > std::uint64_t{bounds.expansionFactor} * data.size())
         throw RuntimeError(ErrorNumber::InvalidFileFormat, "compressed text");
     if (data.empty())
         return {}; // nothing declared, nothing sent

@@ -2,9 +2,11 @@
 
 #include "base/Base64.h"
 #include "base/RaisedError.h"
+#include "link/PackedReply.h"
 #include "support/AddRow.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::string_literals;
 
 namespace {
 
@@ -66,6 +68,30 @@ class AdminRecordsTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void howManyRowsAreTaken_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<std::size_t>("bytes");
+        QTest::addColumn<std::string>("taken"); // rows, and "+" where there are more
+        addRow("as many as may be", "YQ==|YQ==||[-]Yg==|Yg==||[-][-]1[-]2"_ba, std::size_t{99}, "2 2"s);
+        addRow("one account more", "YQ==|YQ==||[-]Yg==|Yg==||[-]Yw==|Yw==||[-][-]1"_ba, std::size_t{99}, "2+ 1"s);
+        addRow("one line more", "YQ==|YQ==||[-][-]1[-]2[-]3"_ba, std::size_t{99}, "1 2+"s);
+        addRow("bytes end in the log", "YQ==|YQ==||[-][-]1[-]2"_ba, std::size_t{20}, "1 1+"s);
+        addRow("bytes end in the accounts", "YQ==|YQ==||[-]Yg==|Yg==||[-][-]1"_ba, std::size_t{20}, "1+ 0+"s);
+        addRow("an account of bars alone", "YQ==|YQ=="_ba + QByteArray(70, '|'), std::size_t{99}, "1 0"s);
+    }
+    void howManyRowsAreTaken()
+    {
+        QFETCH(const QByteArray, text);
+        QFETCH(const std::size_t, bytes);
+        const std::string data = qCompress(text, 9).mid(4).toStdString();
+        const AdminList list =
+            readAdmins({static_cast<std::int32_t>(text.size()), data}, {.listBytes = bytes, .listRows = 2});
+        const auto sum = [](std::size_t rows, bool isCut) { return std::to_string(rows) + (isCut ? "+" : ""); };
+        QVERIFY(!list.damage);
+        QTEST(sum(list.accounts.size(), list.areAccountsCut) + ' ' + sum(list.log.size(), list.isLogCut), "taken");
+    }
+
     void aTextIsSplitIntoAccountsAndLog_data()
     {
         QTest::addColumn<QByteArray>("text");
@@ -83,7 +109,7 @@ private Q_SLOTS:
         QFETCH(const QByteArray, text);
         QFETCH(const QByteArrayList, accounts);
         QFETCH(const QByteArrayList, log);
-        const AdminsText parts = splitAdminsText({text.constData(), static_cast<std::size_t>(text.size())});
+        const AdminsText parts = splitAdminsText({text.constData(), static_cast<std::size_t>(text.size())}, 3);
         const auto asList = [](const std::vector<std::string_view>& views) {
             QByteArrayList list;
             for (const std::string_view view : views)

@@ -11,6 +11,7 @@
 #include <QListWidget>
 #include <QTableView>
 #include <QTest>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <functional>
@@ -347,6 +348,58 @@ private Q_SLOTS:
             QVERIFY2(desk.boxes.onlyText().contains(error), qPrintable(desk.boxes.onlyText()));
         QVERIFY(desk.comeBack());
         QCOMPARE(desk.users().size(), 3);
+    }
+
+    void whatIsCutIsSaidBesideTheList_data()
+    {
+        QTest::addColumn<int>("most");
+        QTest::addColumn<bool>("areUsersCut");
+        QTest::addColumn<bool>("isLogCut");
+        QTest::newRow("all") << 3 << false << false;
+        QTest::newRow("one account too many") << 2 << true << false;
+        QTest::newRow("one line too many") << 1 << true << true;
+    }
+    void whatIsCutIsSaidBesideTheList()
+    {
+        QFETCH(const int, most);
+        AdminDesk desk;
+        desk.bounds.listRows = static_cast<std::size_t>(most);
+        QVERIFY(desk.openAdmins());
+        QCOMPARE(desk.users().size(), most);
+        QTEST(desk.control(u"lblUsersCut"_s).isVisible(), "areUsersCut");
+        QTEST(desk.control(u"lblLogCut"_s).isVisible(), "isLogCut");
+    }
+
+    void aLongListIsReadBesideTheWindow_data()
+    {
+        QTest::addColumn<bool>("isDropped");
+        QTest::newRow("shown") << false;
+        QTest::newRow("the link goes first") << true;
+    }
+    void aLongListIsReadBesideTheWindow()
+    {
+        QFETCH(const bool, isDropped);
+        constexpr int many = 6000;
+        AdminDesk desk;
+        QVERIFY(desk.openAdmins());
+        desk.tracker.answerNextWith("GetProfileAdmins",
+                                    practice::envelope(QByteArray("YQ==|YQ==||[-]").repeated(many)));
+        // In the turn of the answer, before any result can be taken.
+        const qsizetype asked = desk.requestCount("GetProfileAdmins");
+        connect(&desk.link(), &clsWinSock::replyHandled, &desk.frame(), [&] {
+            if (isDropped && desk.requestCount("GetProfileAdmins") > asked)
+                desk.core().wsMain.close();
+        });
+        QVERIFY(desk.answered("GetProfileAdmins", [&] {
+            desk.clickTab(u"tsSection"_s, u"Profile Manager"_s);
+            desk.clickTab(u"tsSection"_s, u"Server Manager"_s);
+        }));
+        if (!isDropped)
+            QTRY_COMPARE(desk.users().size(), many);
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::processEvents();
+        QCOMPARE(desk.users().size(), isDropped ? 0 : many);
+        QCOMPARE(desk.boxes.count(u"QRVRC Error!"_s), 0);
     }
 
     void nothingIsSavedWithoutItsOwnPrivileges_data()

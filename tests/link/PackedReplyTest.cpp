@@ -38,6 +38,26 @@ private Q_SLOTS:
         QTEST(reply ? reply->length : 0, "length");
         QCOMPARE(std::string(reply ? reply->data : std::string_view()), data);
     }
+
+    void howManyBytesOfAListAreTaken_data()
+    {
+        QTest::addColumn<std::size_t>("most");
+        QTest::addColumn<std::string>("taken");
+        QTest::addColumn<bool>("isCut");
+        QTest::newRow("all") << std::size_t{9} << "aa||b||cc"s << false;
+        QTest::newRow("one less") << std::size_t{8} << "aa||b"s << true;
+        QTest::newRow("up to a separator") << std::size_t{5} << "aa||b"s << true;
+        QTest::newRow("within one") << std::size_t{4} << "aa"s << true;
+        QTest::newRow("within the first element") << std::size_t{1} << ""s << true;
+    }
+    void howManyBytesOfAListAreTaken()
+    {
+        QFETCH(const std::size_t, most);
+        const std::string data = qCompress("aa||b||cc", 9).mid(4).toStdString();
+        const ListText list = expandList({9, data}, "||", most);
+        QTEST(list.text, "taken");
+        QTEST(list.isCut, "isCut");
+    }
 };
 
 QTEST_APPLESS_MAIN(PackedReplyTest)

@@ -77,6 +77,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("error");
         const std::string text = "Not hosting, not hosting, loading, hosting";
         const auto length = static_cast<quint32>(text.size());
+        const auto allowed = static_cast<quint32>(Bounds().logTextBytes);
         std::string changed = zlib(text);
         changed[10] = static_cast<char>(changed[10] ^ 0x10);
         QTest::newRow("one byte less declared") << zlib(text) << length - 1 << damaged;
@@ -88,8 +89,8 @@ private Q_SLOTS:
         QTest::newRow("not compressed") << text << length << damaged;
         QTest::newRow("one byte") << "x"s << 1u << damaged;
         QTest::newRow("nothing sent") << ""s << 1u << damaged;
-        QTest::newRow("more than it can hold") << zlib(text) << maxExpandedBytes << damaged;
-        QTest::newRow("more than allowed") << zlib(text) << maxExpandedBytes + 1 << tooLarge;
+        QTest::newRow("more than it can hold") << zlib(text) << allowed << damaged;
+        QTest::newRow("more than allowed") << zlib(text) << allowed + 1 << tooLarge;
         QTest::newRow("much more than declared") << zlib(std::string(3'000'000, ' ')) << 1000u << damaged;
     }
     void faultsAreRefused()

@@ -34,8 +34,11 @@ Desk::~Desk() = default;
 
 bool Desk::open()
 {
-    m_frame = std::make_unique<qrvrcMain>(Setup{
-        .folder = path(""), .makerHost = makerHost, .version = "3.0.1.0", .boxes = hasRealBoxes ? nullptr : &boxes});
+    m_frame = std::make_unique<qrvrcMain>(Setup{.folder = path(""),
+                                                .makerHost = makerHost,
+                                                .version = "3.0.1.0",
+                                                .boxes = hasRealBoxes ? nullptr : &boxes,
+                                                .bounds = bounds});
     if (!m_frame->MDIFormLoad())
         return false;
     m_frame->show();

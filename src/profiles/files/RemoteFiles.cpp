@@ -2,11 +2,16 @@
 
 #include "base/Base64.h"
 #include "base/Text.h"
+#include "link/PackedReply.h"
+
+#include <algorithm>
+#include <new>
 
 namespace {
 
 constexpr std::string_view entrySeparator = "||";
 constexpr std::size_t endingLength = 4; // characters
+constexpr std::size_t entryFields = 5;  // those of a backup, and what stands behind them
 
 std::string twoDigits(int number)
 {
@@ -15,10 +20,10 @@ std::string twoDigits(int number)
 
 } // namespace
 
-std::vector<std::string_view> splitFileList(std::string_view text)
+std::vector<std::string_view> splitFileList(std::string_view text, std::size_t most)
 {
     std::vector<std::string_view> entries;
-    while (!text.empty()) {
+    while (!text.empty() && entries.size() < most) {
         const std::size_t end = std::min(text.find(entrySeparator), text.size());
         if (end > 0)
             entries.push_back(text.substr(0, end));
@@ -27,9 +32,27 @@ std::vector<std::string_view> splitFileList(std::string_view text)
     return entries;
 }
 
+RemoteFileList readFileList(const PackedReply& packed, const RemoteFileType& type, const Bounds& bounds)
+{
+    RemoteFileList list;
+    try {
+        const ListText text = expandList(packed, entrySeparator, bounds.listBytes);
+        std::vector<std::string_view> entries = splitFileList(text.text, bounds.listRows + 1);
+        list.isCut = text.isCut || entries.size() > bounds.listRows;
+        entries.resize(std::min(entries.size(), bounds.listRows));
+        for (const std::string_view entry : entries)
+            list.files.push_back(decodeRemoteFile(entry, type));
+    } catch (const RuntimeError& error) {
+        list.damage = error;
+    } catch (const std::bad_alloc&) {
+        list = {.damage = RuntimeError(ErrorNumber::OutOfMemory, "list of files")};
+    }
+    return list;
+}
+
 RemoteFile decodeRemoteFile(std::string_view entry, const RemoteFileType& type)
 {
-    const FieldList fields(std::string(entry), '|');
+    const FieldList fields(std::string(entry), '|', entryFields);
     const std::size_t behindName = type.isBackup ? 2 : 1;
     return {
         .name = std::string(fields.at(0)),

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "base/Bounds.h"
+#include "base/RuntimeError.h"
 #include "link/Request.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,12 +52,25 @@ struct RemoteFile
     bool operator==(const RemoteFile&) const = default;
 };
 
-/// The entries of an expanded "GetFileList" text; empty ones are left out. Views into `text`.
-std::vector<std::string_view> splitFileList(std::string_view text);
+/// The first entries of an expanded "GetFileList" text; empty ones are left out. Views into `text`.
+std::vector<std::string_view> splitFileList(std::string_view text, std::size_t most);
 
 /// @param entry  file name, for backups game type, file date and file size, joined by "|"
 /// @throws RuntimeError SubscriptOutOfRange for fewer fields
 RemoteFile decodeRemoteFile(std::string_view entry, const RemoteFileType& type);
+
+struct PackedReply;
+
+/// What a "GetFileList" reply brought, as far as it could be read and is not cut.
+struct RemoteFileList
+{
+    std::vector<RemoteFile> files = {};
+    bool isCut = false;
+    std::optional<RuntimeError> damage; ///< what ended the list
+};
+
+/// Never throws, so that it can run in another thread.
+RemoteFileList readFileList(const PackedReply& packed, const RemoteFileType& type, const Bounds& bounds);
 
 /// What a file is, by the ending of its name; empty for an ending that is not known.
 std::string_view fileTypeText(std::string_view fileName);

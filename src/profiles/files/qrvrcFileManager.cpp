@@ -8,7 +8,7 @@
 #include "link/clsWinSock.h"
 #include "platform/system/CodePage.h"
 #include "profiles/viewer/qrvrcNotePad.h"
-#include "store/clsMFD.h"
+#include "ui/CutNote.h"
 #include "ui/ElidedLabel.h"
 #include "ui/Grid.h"
 #include "ui/ImageButton.h"
@@ -19,7 +19,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPointer>
-#include <QScopeGuard>
 #include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -55,6 +54,10 @@ constexpr int buttonWidth = 110;
 constexpr int lineHeight = 20;
 constexpr int lineGap = 2;
 
+/// Bytes of a list up to which it is read at once.
+constexpr std::int32_t maxDirectBytes = 64 * 1024;
+
+const QString readingList = u"Reading the list of files..."_s;
 const QString changedMeanwhile = u"The type or the dates were changed meanwhile. Get Files asks again."_s;
 
 std::string travelDateOf(const QDateEdit* picker)
@@ -112,6 +115,7 @@ void qrvrcFileManager::buildControls()
     cmdGetFiles = new ImageButton(u"cmdGetFiles"_s, u"Get Files"_s, m_client.pictures, this);
     mfgFM = new GridView(u"mfgFM"_s, this);
     mfgFM->setAccessibleName(u"Files"_s);
+    lblCut = new CutNote(u"lblCut"_s, this);
     lblHint =
         label(u"lblHint"_s, u"Double Left-Click an item in the list to download and view the contents of the file."_s);
     lblState = label(u"lblState"_s, {});
@@ -142,6 +146,7 @@ void qrvrcFileManager::layOut()
     page->addLayout(choices);
     page->addWidget(lblTitle);
     page->addWidget(mfgFM, 1);
+    page->addWidget(lblCut);
     page->addWidget(lblHint);
     page->addWidget(lblState);
     for (QLabel* line : std::initializer_list<QLabel*>{lblTitle, lblHint, lblState})
@@ -157,10 +162,11 @@ void qrvrcFileManager::wireSignals()
 {
     connect(cboFileType, &QComboBox::currentIndexChanged, this, &qrvrcFileManager::followFileType);
     for (const QDateEdit* picker : {dtpFrom, dtpTo})
-        connect(picker, &QDateEdit::dateChanged, this, [this] { m_wanted.reset(); });
+        connect(picker, &QDateEdit::dateChanged, this, [this] { forgetWish(); });
     connect(cmdGetFiles, &ImageButton::clicked, this, &qrvrcFileManager::chooseFiles);
     connect(mfgFM, &GridView::rowOpened, this, &qrvrcFileManager::openRow);
-    m_client.replies.on("GetFileList", this, [this](std::string_view body) { showList(body); });
+    m_client.replies.on("GetFileList", this,
+                        [this](std::string_view body, const ReplyOwner& owner) { takeList(body, owner); });
     m_client.replies.on("GetRemFile", this,
                         [this](std::string_view body, const ReplyOwner& owner) { takeFile(body, owner); });
 }
@@ -177,9 +183,10 @@ const RemoteFileType& qrvrcFileManager::chosenType() const
 
 void qrvrcFileManager::followFileType()
 {
-    m_wanted.reset();
+    forgetWish();
     mfgFM->setEmptyText(u"Choose a file type and dates, then press Get Files."_s);
     showFiles({}, chosenType());
+    lblCut->tell(false, 0);
     if (m_listedType->isBackup)
         mfgFM->setColumns(backupColumns);
     else
@@ -213,7 +220,9 @@ void qrvrcFileManager::getFiles()
         if (wasWanted || !isAnswered)
             m_wanted.reset();
         if (isAnswered)
-            lblState->setText(wasWanted || m_wanted ? QString() : changedMeanwhile);
+            lblState->setText(m_reading.isUnderWay()  ? readingList
+                              : wasWanted || m_wanted ? QString()
+                                                      : changedMeanwhile);
     }
 }
 
@@ -237,19 +246,49 @@ bool qrvrcFileManager::exchange(const Request& request, const QString& doing)
     return end == WaitEnd::Done;
 }
 
-void qrvrcFileManager::showList(std::string_view body)
+/// What was asked for is not what is chosen any more.
+void qrvrcFileManager::forgetWish()
+{
+    m_wanted.reset();
+    if (m_reading.isUnderWay())
+        lblState->setText(changedMeanwhile);
+    m_reading.drop();
+}
+
+void qrvrcFileManager::takeList(std::string_view body, const ReplyOwner& owner)
 {
     if (body.empty() || m_wanted != m_asked)
         return; // nothing to show, or nothing that is still wanted
-    mfgFM->setEmptyText(u"The list could not be read."_s);
-    std::vector<RemoteFile> files;
-    // An entry that cannot be read ends the list; those before it are shown all the same.
-    const auto show = qScopeGuard([&] { showFiles(std::move(files), *m_asked.type); });
-    const PackedReply packed = splitPackedReply(body);
-    const std::string text = clsMFD::DecompressString(packed.data, packed.length);
-    for (const std::string_view entry : splitFileList(text))
-        files.push_back(decodeRemoteFile(entry, *m_asked.type));
-    mfgFM->setEmptyText(u"There are no files of this type between these dates."_s);
+    m_reading.drop();
+    const RemoteFileType& type = *m_asked.type;
+    PackedReply packed;
+    try {
+        packed = splitPackedReply(body);
+    } catch (const RuntimeError& error) {
+        showList({.damage = error}, type);
+        return;
+    }
+    if (packed.length <= maxDirectBytes) {
+        showList(readFileList(packed, type, m_client.bounds), type);
+        return;
+    }
+    m_reading.start([packed, owner, &type, bounds = m_client.bounds] { return readFileList(packed, type, bounds); },
+                    [this, &type](RemoteFileList list) {
+                        lblState->clear();
+                        m_client.reporter.trap("HandleData", [&] { showList(std::move(list), type); });
+                    });
+}
+
+/// What cannot be read ends the list; what came before it is shown all the same.
+/// @throws RuntimeError for what ended it
+void qrvrcFileManager::showList(RemoteFileList list, const RemoteFileType& type)
+{
+    mfgFM->setEmptyText(list.damage ? u"The list could not be read."_s
+                                    : u"There are no files of this type between these dates."_s);
+    showFiles(std::move(list.files), type);
+    lblCut->tell(list.isCut, std::ssize(*m_files));
+    if (list.damage)
+        throw *list.damage;
 }
 
 /// @param type  of all of them

@@ -2,6 +2,7 @@
 
 #include "client/SelectedProfile.h"
 #include "link/ReplyAssembler.h"
+#include "platform/system/Background.h"
 #include "profiles/files/RemoteFiles.h"
 #include "ui/WorkingWindow.h"
 
@@ -10,6 +11,7 @@
 #include <string>
 #include <vector>
 
+class CutNote;
 class ElidedLabel;
 class GridView;
 class ImageButton;
@@ -41,7 +43,9 @@ private:
     void followFileType();
     void chooseFiles();
     void getFiles();
-    void showList(std::string_view body);
+    void forgetWish();
+    void takeList(std::string_view body, const ReplyOwner& owner);
+    void showList(RemoteFileList list, const RemoteFileType& type);
     void showFiles(std::vector<RemoteFile> files, const RemoteFileType& type);
     void openRow(int row);
     void viewFile(const QString& name, const std::string& path);
@@ -57,6 +61,7 @@ private:
     FileChoice m_asked;                 ///< by the request for a list that was sent last
     QString m_fetchedName;              ///< of the file that was asked for last
     bool m_isAsking = false;
+    NewestWork<RemoteFileList> m_reading;
 
     QLabel* lblFileType = nullptr;
     QComboBox* cboFileType = nullptr;
@@ -67,6 +72,7 @@ private:
     ElidedLabel* lblTitle = nullptr; ///< whose files
     ImageButton* cmdGetFiles = nullptr;
     GridView* mfgFM = nullptr;
+    CutNote* lblCut = nullptr;
     QLabel* lblHint = nullptr;
     QLabel* lblState = nullptr;
 };

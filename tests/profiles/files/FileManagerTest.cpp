@@ -244,6 +244,34 @@ private Q_SLOTS:
         }
     }
 
+    void aLongListIsReadBesideTheWindow_data()
+    {
+        QTest::addColumn<QString>("meanwhile");
+        QTest::addColumn<int>("rows");
+        QTest::newRow("nothing") << QString() << 6000;
+        QTest::newRow("another type") << u"Backup Files"_s << 0;
+    }
+    void aLongListIsReadBesideTheWindow()
+    {
+        QFETCH(const QString, meanwhile);
+        QFETCH(const int, rows);
+        Files files;
+        QVERIFY(files.open());
+        files.desk.tracker.answerNextWith("GetFileList",
+                                          practice::envelope(QByteArray("a.txt|29/11|1||").repeated(6000)));
+        // The type changes in the turn of the answer, before any result can be taken.
+        const auto once = connect(&files.desk.link(), &clsWinSock::replyHandled, this, [&] {
+            if (!meanwhile.isEmpty())
+                files.choose(meanwhile);
+        });
+        QVERIFY(files.getFiles());
+        disconnect(once);
+        QTRY_VERIFY(!files.state().contains(u"Reading"_s));
+        QCOMPARE(files.grid().rows().rowCount(), rows);
+        QCOMPARE(files.state().contains(u"changed meanwhile"_s), rows == 0);
+        QVERIFY(!files.desk.control(u"lblCut"_s).isVisible());
+    }
+
     void brokenListsAreToldOnce_data()
     {
         QTest::addColumn<QByteArray>("body");

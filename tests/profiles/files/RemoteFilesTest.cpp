@@ -2,6 +2,7 @@
 
 #include "base/Base64.h"
 #include "base/RaisedError.h"
+#include "link/PackedReply.h"
 #include "support/AddRow.h"
 
 using namespace std::string_literals;
@@ -24,9 +25,27 @@ private Q_SLOTS:
     {
         QFETCH(const std::string, text);
         std::string joined;
-        for (const std::string_view entry : splitFileList(text))
+        for (const std::string_view entry : splitFileList(text, 9))
             joined.append(joined.empty() ? "" : "~").append(entry);
         QTEST(joined, "entries");
+    }
+
+    void howManyFilesAreTaken_data()
+    {
+        QTest::addColumn<std::string>("text");
+        QTest::addColumn<int>("files");
+        QTest::addColumn<bool>("isCut");
+        addRow("as many as may be", "a|1|2||||b|1|2||"s, 2, false);
+        addRow("one more", "a|1|2||b|1|2||c|1|2"s, 2, true);
+    }
+    void howManyFilesAreTaken()
+    {
+        QFETCH(const std::string, text);
+        const std::string data = qCompress(QByteArray::fromStdString(text), 9).mid(4).toStdString();
+        const RemoteFileList list =
+            readFileList({static_cast<std::int32_t>(text.size()), data}, remoteFileTypes[0], {.listRows = 2});
+        QTEST(static_cast<int>(list.files.size()), "files");
+        QTEST(list.isCut, "isCut");
     }
 
     void entriesAreDecodedByTheirType_data()
