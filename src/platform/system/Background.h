@@ -69,19 +69,21 @@ private:
     void run(Work work)
     {
         m_isRunning = true;
-        m_watcher.setFuture(inBackground(std::move(work)));
+        m_watcher.setFuture(inBackground([work = std::move(work)] { return std::make_shared<Result>(work()); }));
     }
     void finish()
     {
         m_isRunning = false;
-        Result result = m_watcher.future().takeResult();
+        // Moved out of what the future keeps: taking it from the future would make the promise, which may still be
+        // alive in the other thread, finish once more.
+        Result result = std::move(*m_watcher.result());
         if (m_next)
             run(*std::exchange(m_next, {}));
         else if (const Take take = std::exchange(m_take, nullptr))
             take(std::move(result));
     }
 
-    QFutureWatcher<Result> m_watcher;
+    QFutureWatcher<std::shared_ptr<Result>> m_watcher;
     std::optional<Work> m_next;
     Take m_take; ///< of the newest; null when nothing is wanted
     bool m_isRunning = false;
