@@ -1,36 +1,24 @@
 #include "diagnostics/help/HelpBrowser.h"
 
 #include "base/RuntimeError.h"
+#include "diagnostics/help/HelpBounds.h"
 
 #include <QBuffer>
 #include <QImageReader>
 #include <QTextCursor>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int maxPictureSide = 4096; ///< pixels, either way
-
 QString bookScheme()
 {
     return u"book"_s;
-}
-
-QImage decodePicture(const QByteArray& bytes)
-{
-    static constexpr std::array formats{"gif", "png", "jpeg", "jpg", "bmp"};
-    QBuffer buffer;
-    buffer.setData(bytes);
-    QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    const bool isKnown = std::find(formats.begin(), formats.end(), reader.format()) != formats.end();
-    if (!isKnown || !size.isValid() || size.width() > maxPictureSide || size.height() > maxPictureSide)
-        return {};
-    return reader.read();
 }
 
 } // namespace
@@ -65,7 +53,7 @@ bool isInBook(const QUrl& address)
     return address.scheme() == bookScheme();
 }
 
-HelpBrowser::HelpBrowser(Source source) : m_source(std::move(source))
+HelpBrowser::HelpBrowser(Source source, const Bounds& bounds) : m_source(std::move(source)), m_bounds(bounds)
 {
     setOpenLinks(false);
 }
@@ -78,9 +66,11 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name)
     try {
         const std::string wanted = name.path(QUrl::FullyDecoded).toStdString();
         if (const std::optional<std::string> found = m_source(wanted)) {
+            if (isPage)
+                return laidOut(name, *found);
             const QByteArray bytes(found->data(), qsizetype(found->size()));
             if (type == QTextDocument::ImageResource)
-                return decodePicture(bytes);
+                return picture(bytes);
             return bytes;
         }
         if (isPage)
@@ -90,6 +80,42 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name)
         if (isPage)
             return messagePage(tr("This page cannot be read"), fromBook(error.description()));
     }
+    return {};
+}
+
+/// The page as it may be laid out.
+QString HelpBrowser::laidOut(const QUrl& name, const std::string& page)
+{
+    m_points = 0;
+    m_page = name;
+    if (name != std::exchange(m_asText, {}) && canBeLaidOut(page, m_bounds))
+        return fromBook(page);
+    const QString text = fromBook(pageAsText(page, m_bounds.helpPageBytes));
+    return u"<html><body><p><i>%1</i></p><pre style=\"white-space: pre-wrap\">%2</pre></body></html>"_s.arg(
+        tr("This page is too large to be laid out. This is its text."), text.toHtmlEscaped());
+}
+
+/// What the head of a picture says of its size is judged before anything is decoded.
+QImage HelpBrowser::picture(const QByteArray& bytes)
+{
+    static constexpr std::array formats{"gif", "png", "jpeg", "jpg", "bmp"};
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
+    const QSize size = reader.size();
+    if (std::find(formats.begin(), formats.end(), reader.format()) == formats.end() || size.isEmpty())
+        return {};
+    const bool wasWithin = m_points <= m_bounds.helpPicturePoints;
+    m_points += std::int64_t{size.width()} * size.height();
+    if (m_points <= m_bounds.helpPicturePoints)
+        return reader.read();
+    if (wasWithin) // once; behind the layout, which is asking for pictures
+        QTimer::singleShot(0, this, [this, page = m_page] {
+            if (page != m_page)
+                return;
+            m_asText = page;
+            reload();
+        });
     return {};
 }
 

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "base/Bounds.h"
+
 #include <QTextBrowser>
 #include <QUrl>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,7 +22,8 @@ bool isInBook(const QUrl& address);
 /// A page of our own, for what the book cannot show.
 QString messagePage(const QString& title, const QString& explanation);
 
-/// The page of the help viewer. It takes everything from the book and knows no other source.
+/// The page of the help viewer. It takes everything from the book and knows no other source. A page that is too much
+/// for the layout, by itself or by its pictures, is shown as text.
 class HelpBrowser : public QTextBrowser
 {
     Q_OBJECT
@@ -28,12 +32,19 @@ public:
     /// What the book holds under a name, or nothing; may throw RuntimeError.
     using Source = std::function<std::optional<std::string>(const std::string& name)>;
 
-    explicit HelpBrowser(Source source);
+    explicit HelpBrowser(Source source, const Bounds& bounds = {});
 
     QVariant loadResource(int type, const QUrl& name) override;
     /// Marks every place of the page in which one of `words` stands, until the page changes.
     void mark(const QStringList& words);
 
 private:
+    QString laidOut(const QUrl& name, const std::string& page);
+    QImage picture(const QByteArray& bytes);
+
     Source m_source;
+    const Bounds m_bounds;
+    QUrl m_page;               ///< the one that was asked for last
+    QUrl m_asText;             ///< the page whose pictures are too large
+    std::int64_t m_points = 0; ///< of the pictures of the page so far
 };

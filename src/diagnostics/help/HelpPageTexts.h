@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Bounds.h"
+
 #include <QHash>
 #include <QStringList>
 
@@ -10,7 +12,7 @@ class HelpPageTexts
 {
 public:
     /// Reads every page of the contents; one that is damaged has no text.
-    explicit HelpPageTexts(const HelpBook& book);
+    explicit HelpPageTexts(const HelpBook& book, const Bounds& bounds = {});
 
     /// Whether all of `words` stand on the page, in any letter case; parts of words count.
     /// @param page  as in the contents

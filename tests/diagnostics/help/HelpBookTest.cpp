@@ -1,6 +1,7 @@
 #include "diagnostics/help/HelpBook.h"
 #include "base/RuntimeError.h"
 #include "base/Text.h"
+#include "diagnostics/help/HelpBounds.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -78,6 +79,40 @@ private:
     }
 
 private Q_SLOTS:
+    void whatMayBeLaidOutIsBounded_data()
+    {
+        QTest::addColumn<QByteArray>("page");
+        QTest::addColumn<bool>("canBe");
+        const auto most = static_cast<qsizetype>(Bounds().helpPageBytes);
+        const QByteArray open = "<table><tr><TD>";
+        const QByteArray one = "<Table border='1'><tr><td>x</td></tr></TABLE>";
+        const auto row = [](const char* name, const QByteArray& page, bool canBe) {
+            QTest::newRow(name) << page << canBe;
+        };
+        row("as long as may be", QByteArray(most, 'x'), true);
+        row("a byte longer", QByteArray(most + 1, 'x'), false);
+        row("eight tables deep", open.repeated(8), true);
+        row("nine tables deep", open.repeated(9), false);
+        row("nine tables in a row", one.repeated(9), true);
+        row("one in each cell", (open + one.repeated(2)).repeated(8), false);
+        row("closed in a comment", (open + "<!-- </table> -->").repeated(9), false);
+        row("closed in an attribute", (open + "<a b='</table>'>").repeated(9), false);
+        row("closed in a style", "<style>" + (open + "</table>").repeated(9) + "</style>", false);
+        row("closed too often", "</table>" + open.repeated(9), false);
+    }
+    void whatMayBeLaidOutIsBounded()
+    {
+        QFETCH(const QByteArray, page);
+        QTEST(canBeLaidOut(page.toStdString(), Bounds()), "canBe");
+    }
+
+    void aPageThatIsNotLaidOutIsText()
+    {
+        QCOMPARE(pageAsText("<title>T</title><p class='>'>a &lt;b&gt;<!-- no --> &amp;lt;<br>c", 99),
+                 "\na <b> &lt;\nc");
+        QCOMPARE(pageAsText(std::string(1001, 'w'), 9999), std::string(1000, 'w') + "\nw");
+    }
+
     void initTestCase()
     {
         QFile file(shippedBook);

@@ -1,7 +1,10 @@
+#include "diagnostics/help/HelpBrowser.h"
 #include "diagnostics/help/qrvrcHelpViewer.h"
 
+#include <QBuffer>
 #include <QDesktopServices>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTemporaryDir>
@@ -113,6 +116,37 @@ private Q_SLOTS:
         desk.show(u"About.html"_s);
         QVERIFY(desk.page->toPlainText().contains(u"Where to begin"_s));
         QVERIFY(!desk.back->isEnabled());
+    }
+
+    void picturesBeyondTheBoundLeaveTheText_data()
+    {
+        QTest::addColumn<int>("pictures"); // of 100 points each
+        QTest::addColumn<bool>("isText");
+        QTest::newRow("as many as may be") << 3 << false;
+        QTest::newRow("one more") << 4 << true;
+    }
+    void picturesBeyondTheBoundLeaveTheText()
+    {
+        QFETCH(const int, pictures);
+        QFETCH(const bool, isText);
+        QByteArray picture;
+        QBuffer buffer(&picture);
+        QVERIFY(buffer.open(QBuffer::WriteOnly) && QImage(10, 10, QImage::Format_RGB32).save(&buffer, "PNG"));
+        std::string page = "<p>words</p>";
+        for (int number = 0; number < pictures; ++number)
+            page += "<img src='" + std::to_string(number) + ".png'>";
+        HelpBrowser browser(
+            [&](const std::string& name) { return name.ends_with(".png") ? picture.toStdString() : page; },
+            {.helpPicturePoints = 300});
+        browser.show();
+        browser.setSource(bookUrl(u"a.html"_s), QTextDocument::HtmlResource);
+        const auto hasText = [&browser] { return browser.toPlainText().contains(u"too large"_s); };
+        if (isText)
+            QTRY_VERIFY(hasText());
+        QCoreApplication::processEvents();
+        QCOMPARE(hasText(), isText);
+        QVERIFY(browser.toPlainText().contains(u"words"_s));
+        QCOMPARE(browser.source(), bookUrl(u"a.html"_s));
     }
 
     void aBookThatWasReplacedIsReadAnew()
