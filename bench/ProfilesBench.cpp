@@ -2,6 +2,7 @@
 
 #include "Painting.h"
 #include "QuietDesk.h"
+#include "base/Bounds.h"
 #include "practice/answers/Answers.h"
 #include "profiles/list/ProfileRecord.h"
 #include "profiles/list/qrvrcProfilesList.h"
@@ -99,7 +100,7 @@ void decodeProfiles(benchmark::State& state)
 {
     Replies& replies = repliesFor(state);
     for ([[maybe_unused]] const auto step : state) {
-        for (const ProfileElement& element : splitProfilesReply(replies.next()))
+        for (const ProfileElement& element : splitProfilesReply(replies.next(), Bounds().listRows).profiles)
             benchmark::DoNotOptimize(decodeProfileRecord(element.text));
     }
 }

@@ -4,6 +4,7 @@
 #include "QuietDesk.h"
 #include "TrackerThread.h"
 #include "app/qrvrcProgress.h"
+#include "base/Bounds.h"
 #include "profiles/list/ProfileRecord.h"
 #include "profiles/list/qrvrcProfilesList.h"
 #include "ui/Grid.h"
@@ -134,7 +135,7 @@ public:
         ask(m_request);
         const std::string_view reply(m_reply.constData(), static_cast<std::size_t>(m_reply.size()));
         std::vector<GridRow> rows;
-        for (const ProfileElement& element : splitProfilesReply(reply)) {
+        for (const ProfileElement& element : splitProfilesReply(reply, Bounds().listRows).profiles) {
             const ProfileRecord record = decodeProfileRecord(element.text);
             GridRow row;
             for (const std::string* text : {&record.id, &record.name, &record.modPicture, &record.players, &record.map,

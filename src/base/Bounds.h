@@ -40,6 +40,8 @@ struct Bounds
     std::size_t modPictureBytes = 64 * kibibyte;
     int modPictureSide = 512;
     std::size_t modPictures = 512;
+    /// Profiles that get a folder of their own.
+    std::size_t profileFolders = 10'000;
     /// Bytes of a help page, tables within tables, and points of its pictures together; beyond them it is shown as
     /// text.
     std::size_t helpPageBytes = 1 * mebibyte;

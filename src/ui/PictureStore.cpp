@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int scaledCacheKiB = 16 * 1024;
+constexpr int cacheKiB = 16 * 1024;
 
 bool isKnownFormat(const QByteArray& format)
 {
@@ -22,10 +22,12 @@ bool isKnownFormat(const QByteArray& format)
     return std::find(known.begin(), known.end(), format) != known.end();
 }
 
-bool isBounded(QSize size)
+/// The size is known from the head of a file: nothing is decoded before it has been judged.
+bool isAllowed(QImageReader& reader, int maxSide)
 {
-    return size.isValid() && !size.isEmpty() && size.width() <= PictureStore::maxSide &&
-           size.height() <= PictureStore::maxSide;
+    reader.setDecideFormatFromContent(true);
+    const QSize size = reader.size();
+    return isKnownFormat(reader.format()) && !size.isEmpty() && size.width() <= maxSide && size.height() <= maxSide;
 }
 
 } // namespace
@@ -33,51 +35,51 @@ bool isBounded(QSize size)
 PictureStore::PictureStore(const AppFolder& folder, MissingReport reportMissing)
     : m_folder(folder),
       m_reportMissing(std::move(reportMissing)),
-      m_scaled(scaledCacheKiB)
+      m_shown(cacheKiB)
 {}
 
-QPixmap PictureStore::picture(std::string_view layoutName)
+bool PictureStore::isPicture(std::string_view bytes, int maxSide)
 {
-    // Paint events come here, so what is known costs one look at the file and no search of the folder.
-    Source& source = m_sources[lowerAscii(layoutName)];
-    std::optional<FileStamp> stamp = stampOf(source.path);
-    if (!stamp) {
-        source = {};
-        try {
-            source.path = m_folder.path(layoutName);
-            stamp = stampOf(source.path);
-        } catch (const RuntimeError&) {
-            // A name that leaves the folder names no picture.
-        }
-    }
-    if (!stamp) {
-        report(layoutName);
-        return {};
-    }
-    if (source.stamp != *stamp) {
-        source.stamp = *stamp;
-        source.pixmap = decode(source.path);
-    }
-    if (source.pixmap.isNull())
-        report(layoutName);
-    return source.pixmap;
+    QByteArray content = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
+    QBuffer buffer(&content);
+    QImageReader reader(&buffer);
+    return isAllowed(reader, maxSide);
 }
 
 QPixmap PictureStore::scaled(std::string_view layoutName, QSize logical, qreal devicePixelRatio,
                              Qt::AspectRatioMode aspect)
 {
     const QSize pixels = (QSizeF(logical) * devicePixelRatio).toSize();
-    const QPixmap original = picture(layoutName);
-    if (original.isNull() || pixels.isEmpty())
+    if (pixels.isEmpty())
         return {};
-    const ScaledKey key{original.cacheKey(), pixels, qRound(devicePixelRatio * 100), aspect};
-    if (const QPixmap* known = m_scaled.object(key))
-        return *known;
-    QPixmap result = original.scaled(pixels, aspect, Qt::SmoothTransformation);
-    result.setDevicePixelRatio(devicePixelRatio);
-    const qsizetype costKiB = 1 + qsizetype(result.width()) * result.height() * 4 / 1024;
-    m_scaled.insert(key, new QPixmap(result), costKiB);
-    return result;
+    // Paint events come here, so what is known costs one look at the file and no search of the folder.
+    const Key key{QByteArray::fromStdString(lowerAscii(layoutName)), pixels, aspect};
+    const Shown* known = m_shown.object(key);
+    QPixmap found;
+    if (known && stampOf(known->path) == known->stamp) {
+        found = known->pixmap;
+    } else if (const std::optional<Shown> fresh = load(layoutName, pixels, aspect)) {
+        found = fresh->pixmap;
+        const qsizetype costKiB = 1 + qsizetype(found.width()) * found.height() * 4 / 1024;
+        m_shown.insert(key, new Shown(*fresh), costKiB);
+    }
+    if (found.isNull())
+        report(layoutName);
+    found.setDevicePixelRatio(devicePixelRatio);
+    return found;
+}
+
+std::optional<PictureStore::Shown> PictureStore::load(std::string_view layoutName, QSize pixels,
+                                                      Qt::AspectRatioMode aspect) const
+{
+    try {
+        const std::filesystem::path path = m_folder.path(layoutName);
+        if (const std::optional<FileStamp> stamp = stampOf(path))
+            return Shown{path, *stamp, decode(path, pixels, aspect)};
+    } catch (const RuntimeError&) {
+        // A name that leaves the folder names no picture.
+    }
+    return {};
 }
 
 std::optional<PictureStore::FileStamp> PictureStore::stampOf(const std::filesystem::path& path)
@@ -95,7 +97,7 @@ std::optional<PictureStore::FileStamp> PictureStore::stampOf(const std::filesyst
     return stamp;
 }
 
-QPixmap PictureStore::decode(const std::filesystem::path& path)
+QPixmap PictureStore::decode(const std::filesystem::path& path, QSize pixels, Qt::AspectRatioMode aspect)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -105,14 +107,11 @@ QPixmap PictureStore::decode(const std::filesystem::path& path)
         return {};
     QBuffer buffer(&content);
     QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
-    // The size is known from the head of the file; nothing is decoded before it has been judged.
-    if (!isKnownFormat(reader.format()) || !isBounded(reader.size()))
+    if (!isAllowed(reader, maxSide))
         return {};
-    const QImage image = reader.read();
-    if (!isBounded(image.size()))
-        return {};
-    return QPixmap::fromImage(image);
+    const QSize shown = reader.size().scaled(pixels, aspect);
+    reader.setScaledSize(shown.expandedTo({1, 1}));
+    return QPixmap::fromImage(reader.read());
 }
 
 void PictureStore::report(std::string_view layoutName)

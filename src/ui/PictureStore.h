@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QCache>
 #include <QObject>
 #include <QPixmap>
@@ -11,19 +12,21 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
 
 class AppFolder;
 
-/// The pictures of the application folder, by layout name such as "\imgs\butup.gif". Each is decoded once and again
-/// when its file has changed. The files may come from the host, so they are bounded and only GIF, PNG, JPEG and BMP
-/// contents are decoded, whatever a file's name says.
+/// The pictures of the application folder, by layout name such as "\imgs\butup.gif". Each is decoded at the size that
+/// it is shown in, and again when its file has changed; those that were shown last are kept. The files may come from
+/// the host, so they are bounded and only GIF, PNG, JPEG and BMP contents are decoded, whatever a file's name says.
 class PictureStore
 {
 public:
     static constexpr std::uintmax_t maxFileBytes = 1024 * 1024;
     static constexpr int maxSide = 2048; ///< pixels, either way
+
+    /// Whether these bytes begin like a picture that can be shown, of at most `maxSide` pixels either way.
+    static bool isPicture(std::string_view bytes, int maxSide);
 
     using MissingReport = std::function<void(const std::string& layoutName)>;
 
@@ -32,10 +35,8 @@ public:
     ///                       loop, never from inside the call that wanted it, so it may open a box; may be empty
     explicit PictureStore(const AppFolder& folder, MissingReport reportMissing = {});
 
-    /// The picture in its own size; null when there is none, when it breaks a bound or does not decode.
-    QPixmap picture(std::string_view layoutName);
-
-    /// The picture scaled smoothly to `logical` device-independent pixels at `devicePixelRatio`; null as above.
+    /// The picture scaled smoothly to `logical` device-independent pixels at `devicePixelRatio`; null when there
+    /// is none, when it breaks a bound or does not decode.
     QPixmap scaled(std::string_view layoutName, QSize logical, qreal devicePixelRatio,
                    Qt::AspectRatioMode aspect = Qt::IgnoreAspectRatio);
 
@@ -46,33 +47,33 @@ private:
         std::uintmax_t bytes = 0;
         bool operator==(const FileStamp&) const = default;
     };
-    struct Source
+    /// What is wanted of which picture.
+    struct Key
+    {
+        QByteArray name; ///< in lower case
+        QSize pixels;
+        Qt::AspectRatioMode aspect;
+        bool operator==(const Key&) const = default;
+        friend size_t qHash(const Key& key, size_t seed)
+        {
+            return qHashMulti(seed, key.name, key.pixels.width(), key.pixels.height(), key.aspect);
+        }
+    };
+    struct Shown
     {
         std::filesystem::path path;
         FileStamp stamp;
         QPixmap pixmap; ///< null when the file holds nothing that may be shown
     };
-    struct ScaledKey
-    {
-        qint64 source; ///< QPixmap::cacheKey of what was scaled
-        QSize pixels;
-        int ratioPercent;
-        Qt::AspectRatioMode aspect;
-        bool operator==(const ScaledKey&) const = default;
-        friend size_t qHash(const ScaledKey& key, size_t seed)
-        {
-            return qHashMulti(seed, key.source, key.pixels.width(), key.pixels.height(), key.ratioPercent, key.aspect);
-        }
-    };
 
+    std::optional<Shown> load(std::string_view layoutName, QSize pixels, Qt::AspectRatioMode aspect) const;
     static std::optional<FileStamp> stampOf(const std::filesystem::path& path);
-    static QPixmap decode(const std::filesystem::path& path);
+    static QPixmap decode(const std::filesystem::path& path, QSize pixels, Qt::AspectRatioMode aspect);
     void report(std::string_view layoutName);
 
     const AppFolder& m_folder;
     MissingReport m_reportMissing;
-    std::unordered_map<std::string, Source> m_sources; ///< by layout name in lower case
     std::unordered_set<std::string> m_reported;
-    QCache<ScaledKey, QPixmap> m_scaled; ///< costs in KiB
-    QObject m_reportContext;             ///< pending reports end with the store
+    QCache<Key, Shown> m_shown; ///< costs in KiB
+    QObject m_reportContext;    ///< pending reports end with the store
 };

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QTableView>
 #include <QTest>
+#include <QThreadPool>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -30,7 +31,11 @@ Desk::Desk(practice::World world) : tracker(std::move(world))
     tracker.world().supportPort = operatorSide.port();
 }
 
-Desk::~Desk() = default;
+Desk::~Desk()
+{
+    m_frame.reset();
+    QThreadPool::globalInstance()->waitForDone(); // what it left to other threads still works on the folder
+}
 
 bool Desk::open()
 {

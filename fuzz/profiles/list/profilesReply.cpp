@@ -28,7 +28,7 @@ void checkPicture(std::string_view entry)
 
 void checkReply(std::string_view body)
 {
-    for (const ProfileElement& element : splitProfilesReply(body)) {
+    for (const ProfileElement& element : splitProfilesReply(body, 1000).profiles) {
         check(liesIn(body, element.text) && liesIn(body, element.picture));
         check(!trimmed(element.text).empty() && element.text.find('_') == std::string_view::npos);
         check(element.picture.find_first_of("_|") == std::string_view::npos);
@@ -52,7 +52,7 @@ void checkRoundTrip(std::string_view text, std::string_view picture)
         spelledOut += std::to_string(static_cast<unsigned char>(byte)) + '/';
     const std::string body = "Profiles_" + base64::encode(join(encodedMap, "|")) + '_' + spelledOut;
 
-    const std::vector<ProfileElement> elements = splitProfilesReply(body);
+    const std::vector<ProfileElement> elements = splitProfilesReply(body, 1000).profiles;
     check(elements.size() == (text.empty() ? 0 : 1));
     if (elements.empty())
         return;

@@ -69,6 +69,35 @@ ErrorNumber numberOf(std::error_code fault, const fs::path& path)
     return ErrorNumber::DeviceInputOutput;
 }
 
+void writeWhole(const fs::path& file, std::string_view bytes, Access access, bool isFlushed, std::source_location where)
+{
+    const fs::path target = behindLinks(file);
+    std::error_code fault;
+    const fs::file_status old = fs::status(target, fault);
+    const bool replaces = fs::exists(old);
+    if (replaces && !fs::is_regular_file(old))
+        throw RuntimeError(ErrorNumber::PermissionDenied, PrivateName(bytesOf(file)), where);
+
+    TemporaryFile temporary{temporaryNameFor(target)};
+    DiskFile opened(temporary.path, DiskFile::Mode::CreateNew, replaces ? Access::OwnerOnly : access);
+    if (opened.fault()) {
+        temporary.kept = true; // not ours
+        throwFileError(opened.fault(), target, where);
+    }
+    fault = replaces && access != Access::OwnerOnly ? opened.takeRightsOf(target) : std::error_code();
+    if (!fault)
+        fault = opened.write(bytes);
+    if (!fault && isFlushed)
+        fault = opened.flush();
+    if (const std::error_code closing = opened.close(); !fault)
+        fault = closing;
+    if (!fault)
+        fault = renameOver(temporary.path, target);
+    if (fault)
+        throwFileError(fault, target, where);
+    temporary.kept = true;
+}
+
 } // namespace
 
 void throwFileError(std::error_code fault, const fs::path& path, std::source_location where)
@@ -118,31 +147,12 @@ std::string readBytes(const fs::path& file, std::size_t maxBytes, std::source_lo
 
 void writeBytes(const fs::path& file, std::string_view bytes, Access access, std::source_location where)
 {
-    const fs::path target = behindLinks(file);
-    std::error_code fault;
-    const fs::file_status old = fs::status(target, fault);
-    const bool replaces = fs::exists(old);
-    if (replaces && !fs::is_regular_file(old))
-        throw RuntimeError(ErrorNumber::PermissionDenied, PrivateName(bytesOf(file)), where);
+    writeWhole(file, bytes, access, true, where);
+}
 
-    TemporaryFile temporary{temporaryNameFor(target)};
-    DiskFile opened(temporary.path, DiskFile::Mode::CreateNew, replaces ? Access::OwnerOnly : access);
-    if (opened.fault()) {
-        temporary.kept = true; // not ours
-        throwFileError(opened.fault(), target, where);
-    }
-    fault = replaces && access != Access::OwnerOnly ? opened.takeRightsOf(target) : std::error_code();
-    if (!fault)
-        fault = opened.write(bytes);
-    if (!fault)
-        fault = opened.flush();
-    if (const std::error_code closing = opened.close(); !fault)
-        fault = closing;
-    if (!fault)
-        fault = renameOver(temporary.path, target);
-    if (fault)
-        throwFileError(fault, target, where);
-    temporary.kept = true;
+void writeCacheBytes(const fs::path& file, std::string_view bytes, std::source_location where)
+{
+    writeWhole(file, bytes, Access::AsUsual, false, where);
 }
 
 void appendBytes(const fs::path& file, std::string_view bytes, std::source_location where)

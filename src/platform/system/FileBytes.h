@@ -40,6 +40,10 @@ std::string readBytes(const std::filesystem::path& file, std::size_t maxBytes = 
 void writeBytes(const std::filesystem::path& file, std::string_view bytes, Access access = Access::AsUsual,
                 std::source_location where = std::source_location::current());
 
+/// The same for what can be fetched anew: it does not wait for the disk, so a loss of power may take the file.
+void writeCacheBytes(const std::filesystem::path& file, std::string_view bytes,
+                     std::source_location where = std::source_location::current());
+
 /// Adds `bytes` at the end of the file, which is created when missing. When they do not all fit, none are added.
 void appendBytes(const std::filesystem::path& file, std::string_view bytes,
                  std::source_location where = std::source_location::current());

@@ -37,16 +37,26 @@ ProfileGrid::ProfileGrid(const CodePage& codePage, ProfilePictures& pictures, QW
     connect(this, &QTableView::pressed, this, &ProfileGrid::noteChoice);
 }
 
-void ProfileGrid::showRecords(std::vector<ProfileRecord> records, bool hasNewPictures)
+void ProfileGrid::showRecords(std::vector<ProfileRecord> records)
+{
+    const RowMoves moves =
+        movesBetween(*m_records, records, [](const ProfileRecord& record) -> std::string_view { return record.id; });
+    m_records = std::make_shared<const std::vector<ProfileRecord>>(std::move(records));
+    replaceRows(moves);
+}
+
+void ProfileGrid::showNewPictures()
+{
+    RowMoves moves;
+    moves.newRowOf.resize(m_records->size());
+    std::iota(moves.newRowOf.begin(), moves.newRowOf.end(), 0);
+    moves.changed = moves.newRowOf;
+    replaceRows(moves);
+}
+
+void ProfileGrid::replaceRows(const RowMoves& moves)
 {
     const QScopedValueRollback filling(m_isFilling, true);
-    RowMoves moves =
-        movesBetween(*m_records, records, [](const ProfileRecord& record) -> std::string_view { return record.id; });
-    if (hasNewPictures) {
-        moves.changed.resize(records.size());
-        std::iota(moves.changed.begin(), moves.changed.end(), 0);
-    }
-    m_records = std::make_shared<const std::vector<ProfileRecord>>(std::move(records));
     const auto make = [this, shown = m_records](int row) { return rowFor(shown->at(static_cast<std::size_t>(row))); };
     rows().replaceRows(static_cast<int>(m_records->size()), make, moves);
 }

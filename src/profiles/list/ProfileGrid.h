@@ -22,8 +22,9 @@ public:
     ProfileGrid(const CodePage& codePage, ProfilePictures& pictures, QWidget* parent);
 
     /// Selection and scrolling stay with the profiles that go on.
-    /// @param hasNewPictures  whether rows look different that read the same
-    void showRecords(std::vector<ProfileRecord> records, bool hasNewPictures);
+    void showRecords(std::vector<ProfileRecord> records);
+    /// The same rows with pictures that have come behind them.
+    void showNewPictures();
     /// Leaves no rows. @param why  stands in the empty grid
     void clearRecords(const QString& why);
     /// Selects the profile with this id, or the first one when there is none such. No choice of the user's.
@@ -45,6 +46,7 @@ Q_SIGNALS:
 private:
     enum Column { Id, GameName, Mod, Players, Map, GameType, Timer, StatusText, Status, ColumnCount };
 
+    void replaceRows(const RowMoves& moves);
     GridRow rowFor(const ProfileRecord& record);
     void noteChoice();
     void askForMenu(int row, const QPoint& place);

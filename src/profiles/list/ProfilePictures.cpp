@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
+#include <initializer_list>
 
 namespace {
 
@@ -36,17 +36,31 @@ const StatusPicture* pictureOf(std::int32_t status)
                                                               : nullptr;
 }
 
-/// Whether the system would call a file of that name an image.
-bool isImageName(std::string_view name)
+bool endsAsOneOf(std::string_view name, std::initializer_list<std::string_view> endings)
 {
-    constexpr std::array<std::string_view, 9> endings{".gif", ".png", ".jpg",  ".jpeg", ".bmp",
-                                                      ".ico", ".tif", ".tiff", ".webp"};
     const std::string lower = lowerAscii(name);
     return std::any_of(endings.begin(), endings.end(),
                        [&](std::string_view ending) { return lower.ends_with(ending); });
 }
 
+/// Endings of the formats that can be shown.
+bool isUsualName(std::string_view name)
+{
+    return endsAsOneOf(name, {".gif", ".png", ".jpg", ".jpeg", ".bmp"});
+}
+
+/// Endings of other formats. A file of such a name can be shown when its content is of a usual one.
+bool isOtherName(std::string_view name)
+{
+    return endsAsOneOf(name, {".ico", ".tif", ".tiff", ".webp"});
+}
+
 } // namespace
+
+bool isImageName(std::string_view name)
+{
+    return isUsualName(name) || isOtherName(name);
+}
 
 ProfilePictures::ProfilePictures(const AppFolder& folder, PictureStore& pictures)
     : m_folder(folder),
@@ -56,21 +70,20 @@ ProfilePictures::ProfilePictures(const AppFolder& folder, PictureStore& pictures
 std::vector<std::string> ProfilePictures::heldPictures() const
 {
     std::vector<std::string> names = m_folder.fileNames("\\mods");
-    std::erase_if(names, [](const std::string& name) { return !isImageName(name); });
+    std::erase_if(names, [this](const std::string& name) {
+        return !isUsualName(name) && !(isOtherName(name) && canBeShown("\\mods\\" + name));
+    });
     return names;
 }
 
-void ProfilePictures::keepModPicture(std::string_view name, std::string_view entry) const
+bool ProfilePictures::canBeShown(const std::string& layoutName) const
 {
-    if (trimmed(name).empty())
-        return;
-    if (!isPlainFileName(name))
-        throw RuntimeError(ErrorNumber::PermissionDenied, name);
-    const std::string bytes = decodePictureBytes(entry);
-    if (bytes.empty())
-        return;
-    m_folder.makeFolder("\\mods");
-    writeBytes(m_folder.path("\\mods\\" + std::string(name)), bytes);
+    try {
+        const auto bytes = readBytesIfPresent(m_folder.path(layoutName), PictureStore::maxFileBytes);
+        return bytes && PictureStore::isPicture(*bytes, PictureStore::maxSide);
+    } catch (const RuntimeError&) {
+        return false; // too large, or not to be read
+    }
 }
 
 QPixmap ProfilePictures::modPicture(std::string_view name, qreal devicePixelRatio)
@@ -92,19 +105,4 @@ QString ProfilePictures::statusMeaning(std::int32_t status)
 {
     const StatusPicture* picture = pictureOf(status);
     return picture ? QString::fromUtf16(picture->meaning) : QString();
-}
-
-void ProfilePictures::makeProfileFolder(const std::string& id)
-{
-    if (m_profileFolders.contains(id))
-        return;
-    if (!isPlainFileName(id))
-        throw RuntimeError(ErrorNumber::PermissionDenied, id);
-    // An id has no letter case, so the folder needs no search among its neighbours, of which there may be thousands.
-    const std::filesystem::path folder = m_folder.path("\\profiles") / id;
-    std::error_code fault;
-    std::filesystem::create_directories(folder, fault);
-    if (fault)
-        throwFileError(fault, folder);
-    m_profileFolders.insert(id);
 }

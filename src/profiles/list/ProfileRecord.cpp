@@ -4,9 +4,15 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 
+namespace {
+
+constexpr std::size_t recordFields = 12; // those of a record, and what stands behind them
+
+} // namespace
+
 ProfileRecord decodeProfileRecord(std::string_view element)
 {
-    const FieldList fields(base64::decode(trimmed(element)), '|');
+    const FieldList fields(base64::decode(trimmed(element)), '|', recordFields);
     return {
         .id = std::string(fields.at(0)),
         .name = std::string(fields.at(1)),
@@ -21,18 +27,25 @@ ProfileRecord decodeProfileRecord(std::string_view element)
     };
 }
 
-std::vector<ProfileElement> splitProfilesReply(std::string_view body)
+ProfileElements splitProfilesReply(std::string_view body, std::size_t most)
 {
-    const std::vector<std::string_view> elements = split(body, '_');
-    const std::vector<std::string_view> pictures = split(elements.back(), '|');
-    std::vector<ProfileElement> profiles;
-    for (std::size_t index = 1; index + 1 < elements.size(); ++index) {
+    // One name in front, and the rest behind those that are taken.
+    std::vector<std::string_view> elements = split(body, '_', most + 2);
+    const std::size_t last = body.rfind('_');
+    ProfileElements found;
+    if (last == std::string_view::npos)
+        return found;
+    found.isCut = elements.back().find('_') != std::string_view::npos;
+    elements.pop_back();
+    const std::vector<std::string_view> pictures = split(body.substr(last + 1), '|', most + 1);
+    for (std::size_t index = 1; index < elements.size(); ++index) {
         if (trimmed(elements[index]).empty())
             continue;
         const std::size_t position = index - 1;
-        profiles.push_back({elements[index], position < pictures.size() ? pictures[position] : std::string_view()});
+        found.profiles.push_back(
+            {elements[index], position < pictures.size() ? pictures[position] : std::string_view()});
     }
-    return profiles;
+    return found;
 }
 
 std::string decodePictureBytes(std::string_view entry)

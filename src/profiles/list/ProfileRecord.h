@@ -3,6 +3,7 @@
 #include "client/SelectedProfile.h"
 #include "link/Request.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -39,8 +40,16 @@ struct ProfileElement
     std::string_view picture; ///< for `decodePictureBytes`; empty when the tracker sends none
 };
 
-/// The profiles of a "GetProfiles" reply in grid order. Blank ones are left out; the pictures keep their positions.
-std::vector<ProfileElement> splitProfilesReply(std::string_view body);
+/// The profiles of a "GetProfiles" reply in grid order, the first ones of them. Blank ones are left out; the pictures
+/// keep their positions.
+struct ProfileElements
+{
+    std::vector<ProfileElement> profiles;
+    bool isCut = false; ///< there are more
+};
+
+/// @param most  of the profiles that are taken
+ProfileElements splitProfilesReply(std::string_view body, std::size_t most);
 
 /// The bytes of a picture: decimal numbers separated by "/". The tracker ends an entry with "/", so the last piece is
 /// never a byte; empty pieces are skipped.

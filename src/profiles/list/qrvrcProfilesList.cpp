@@ -1,6 +1,7 @@
 #include "profiles/list/qrvrcProfilesList.h"
 
 #include "base/RuntimeError.h"
+#include "base/Text.h"
 #include "client/Client.h"
 #include "client/PermissionRecords.h"
 #include "client/SelectedProfile.h"
@@ -14,6 +15,7 @@
 #include "profiles/list/ProfileMenu.h"
 #include "profiles/list/ProfilePictures.h"
 #include "store/AppFolder.h"
+#include "ui/CutNote.h"
 #include "ui/ImageButton.h"
 
 #include <QApplication>
@@ -59,6 +61,22 @@ constexpr std::array legend{
     LegendEntry{u"ImgHM", u"lblHM", 2}, LegendEntry{u"imgSM", u"lblSM", 4},
 };
 
+/// Decodes a profile and notes what is to be kept for it.
+/// @throws RuntimeError as `decodeProfileRecord` does; PermissionDenied for an id or a picture that is no plain name
+ProfileRecord takeProfile(const ProfileElement& element, ProfileFiles::Wanted& files)
+{
+    ProfileRecord record = decodeProfileRecord(element.text);
+    const bool hasPicture = !trimmed(record.modPicture).empty();
+    for (const std::string& name : {record.id, hasPicture ? record.modPicture : record.id}) {
+        if (!isPlainFileName(name))
+            throw RuntimeError(ErrorNumber::PermissionDenied, name);
+    }
+    files.folders.push_back(record.id);
+    if (hasPicture && !element.picture.empty())
+        files.pictures.push_back({record.modPicture, element.picture});
+    return record;
+}
+
 } // namespace
 
 qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissions, const PluginTable& plugins,
@@ -70,7 +88,11 @@ qrvrcProfilesList::qrvrcProfilesList(Client& client, const Permissions& permissi
       m_pictures(std::make_unique<ProfilePictures>(client.folder, client.pictures)),
       m_actions(std::make_unique<ProfileActions>(client, *this, std::move(hooks))),
       m_refresh(std::make_unique<ListRefresh>(
-          client.link, [this] { return getProfilesRequest(m_client.link.user(), m_pictures->heldPictures()); }))
+          client.link, [this] { return getProfilesRequest(m_client.link.user(), m_pictures->heldPictures()); })),
+      m_files(
+          std::make_unique<ProfileFiles>(client.folder, client.bounds, [this](const ProfileFiles::Outcome& outcome) {
+              m_client.reporter.trap("HandleData", [&] { takeOutcome(outcome); });
+          }))
 {
     setObjectName(u"qrvrcProfilesList"_s);
     buildControls();
@@ -87,6 +109,7 @@ void qrvrcProfilesList::buildControls()
     fmeProfiles->setObjectName(u"fmeProfiles"_s);
     fgProfiles = new ProfileGrid(m_client.codePage, *m_pictures, fmeProfiles);
     fgProfiles->setEmptyText(u"Not connected."_s);
+    lblProfilesCut = new CutNote(u"lblProfilesCut"_s, fmeProfiles);
     mnuMain = new ProfileMenu(*fgProfiles, this);
     buildButtons();
     fmeLegend = new QGroupBox(u"Legend"_s, this);
@@ -116,6 +139,7 @@ void qrvrcProfilesList::layOut()
     auto* profiles = new QVBoxLayout(fmeProfiles);
     profiles->setContentsMargins(gridMargins);
     profiles->addWidget(fgProfiles);
+    profiles->addWidget(lblProfilesCut);
     layOutLegend();
 
     // Attach and Detach share a place, as Start and Stop do: of each pair one is shown.
@@ -177,7 +201,8 @@ void qrvrcProfilesList::wireSignals()
     connect(tmrRefresh, &QTimer::timeout, this, &qrvrcProfilesList::refreshQuietly);
     connect(&m_client.link, &clsWinSock::loginSucceeded, this, [this] { m_controls->reset(); });
     connect(&m_client.link, &clsWinSock::linkLost, this, &qrvrcProfilesList::followLoss);
-    m_client.replies.on("GetProfiles", this, [this](std::string_view body) { showProfiles(body); });
+    m_client.replies.on("GetProfiles", this,
+                        [this](std::string_view body, const ReplyOwner& owner) { showProfiles(body, owner); });
     wireActions();
 }
 
@@ -260,7 +285,8 @@ void qrvrcProfilesList::refreshQuietly()
     m_refresh->start({.asked = PendingRequest::Asked::ByClock});
 }
 
-void qrvrcProfilesList::showProfiles(std::string_view body)
+/// A profile that cannot be shown ends the list, and those before it are shown.
+void qrvrcProfilesList::showProfiles(std::string_view body, const ReplyOwner& owner)
 {
     const ListRefresh::Wish wish = m_refresh->takeWish();
     if (body.find('_') == std::string_view::npos) { // no list at all, not even an empty one
@@ -268,41 +294,53 @@ void qrvrcProfilesList::showProfiles(std::string_view body)
         return;
     }
     const bool isQuiet = wish.asked == PendingRequest::Asked::ByClock;
-    const std::vector<ProfileElement> elements = splitProfilesReply(body);
+    const ProfileElements elements = splitProfilesReply(body, m_client.bounds.listRows);
     std::vector<ProfileRecord> records;
-    const std::optional<RuntimeError> damage = take(elements, records);
+    ProfileFiles::Wanted files{.folders = {}, .pictures = {}, .owner = owner};
+    std::optional<RuntimeError> damage;
+    try {
+        for (const ProfileElement& element : elements.profiles)
+            records.push_back(takeProfile(element, files));
+    } catch (const RuntimeError& error) {
+        damage = error;
+    }
+    m_files->keep(std::move(files));
     m_selected.hasProfiles = !records.empty();
     fgProfiles->setEmptyText(u"The tracker has no profiles."_s);
-    // New pictures belong to rows that read the same.
-    fgProfiles->showRecords(std::move(records), std::any_of(elements.begin(), elements.end(), [](const auto& element) {
-                                return !element.picture.empty();
-                            }));
+    lblProfilesCut->tell(elements.isCut, std::ssize(records));
+    fgProfiles->showRecords(std::move(records));
     if (!isQuiet && wish.choice == fgProfiles->choices())
         fgProfiles->select(wish.profile);
     updateSelection();
-    const auto known = std::exchange(m_lastDamage, damage ? std::optional(damage->description()) : std::nullopt);
-    if (damage && !(isQuiet && known == m_lastDamage))
-        throw *damage;
+    tellDamage(damage, isQuiet, m_lastDamage);
 }
 
-/// Decodes the profiles and keeps what comes with them.
-/// @return what is wrong with the first one that cannot be shown; it ends the list, and those before it are shown
-std::optional<RuntimeError> qrvrcProfilesList::take(const std::vector<ProfileElement>& elements,
-                                                    std::vector<ProfileRecord>& records)
+void qrvrcProfilesList::takeOutcome(const ProfileFiles::Outcome& outcome)
 {
-    try {
-        records.reserve(elements.size());
-        m_client.folder.makeFolder("\\profiles");
-        for (const ProfileElement& element : elements) {
-            ProfileRecord record = decodeProfileRecord(element.text);
-            m_pictures->makeProfileFolder(record.id);
-            m_pictures->keepModPicture(record.modPicture, element.picture);
-            records.push_back(std::move(record));
-        }
-    } catch (const RuntimeError& error) {
-        return error;
-    }
-    return {};
+    if (outcome.hasNewPictures)
+        fgProfiles->showNewPictures();
+    if (outcome.leftOut > 0 && !std::exchange(m_isLeftOutTold, true))
+        m_client.reporter.ReportMsg(
+            MessageKind::Failed,
+            u"Pictures of mods that the tracker sent are left out: %1, the first of them '%2'. A picture is a GIF, "
+            u"PNG, "
+            u"JPEG or BMP file of at most %3 KiB and %4 points either way, and %5 of them are kept."_s
+                .arg(outcome.leftOut)
+                .arg(m_client.codePage.toText(outcome.firstLeftOut))
+                .arg(m_client.bounds.modPictureBytes / Bounds::kibibyte)
+                .arg(m_client.bounds.modPictureSide)
+                .arg(m_client.bounds.modPictures));
+    tellDamage(outcome.fault, true, m_lastFault);
+}
+
+/// @param told  what was told of the list before; nobody is told twice of what he has not asked for
+/// @throws RuntimeError the damage, unless it is known
+void qrvrcProfilesList::tellDamage(const std::optional<RuntimeError>& damage, bool isQuiet,
+                                   std::optional<std::string>& told)
+{
+    const auto known = std::exchange(told, damage ? std::optional(damage->description()) : std::nullopt);
+    if (damage && !(isQuiet && known == told))
+        throw *damage;
 }
 
 void qrvrcProfilesList::showNoProfiles(const QString& why)
@@ -318,6 +356,8 @@ void qrvrcProfilesList::followLoss()
     m_pressAim.reset();
     m_returnTo.reset();
     m_lastDamage.reset();
+    m_lastFault.reset();
+    lblProfilesCut->tell(false, 0);
     showNoProfiles(u"Not connected."_s);
 }
 

@@ -2,6 +2,7 @@
 
 #include "profiles/list/ListRefresh.h"
 #include "profiles/list/ProfileActions.h"
+#include "profiles/list/ProfileFiles.h"
 #include "ui/WorkingWindow.h"
 
 #include <memory>
@@ -10,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+class CutNote;
 class ImageButton;
 class ProfileControls;
 class ProfileGrid;
@@ -21,7 +23,6 @@ class RuntimeError;
 struct Client;
 struct Permissions;
 struct PluginTable;
-struct ProfileElement;
 struct SelectedProfile;
 
 /// The administrator's home window: every profile of the tracker with its live state, one grid row each.
@@ -71,8 +72,9 @@ private:
     void wireActions();
     void refreshQuietly();
     void reload(const std::optional<std::string>& profile, unsigned choice);
-    void showProfiles(std::string_view body);
-    std::optional<RuntimeError> take(const std::vector<ProfileElement>& elements, std::vector<ProfileRecord>& records);
+    void showProfiles(std::string_view body, const ReplyOwner& owner);
+    void takeOutcome(const ProfileFiles::Outcome& outcome);
+    void tellDamage(const std::optional<RuntimeError>& damage, bool isQuiet, std::optional<std::string>& told);
     void showNoProfiles(const QString& why);
     void followLoss();
     void updateSelection();
@@ -85,13 +87,17 @@ private:
     std::unique_ptr<ProfileControls> m_controls;
     std::unique_ptr<ProfileActions> m_actions;
     std::unique_ptr<ListRefresh> m_refresh;
-    std::optional<std::string> m_returnTo;   ///< id of the profile that a window was opened for
-    std::optional<ProfileAim> m_pressAim;    ///< what the button that went down last is about
+    std::optional<std::string> m_returnTo; ///< id of the profile that a window was opened for
+    std::optional<ProfileAim> m_pressAim;  ///< what the button that went down last is about
+    std::unique_ptr<ProfileFiles> m_files;
     std::optional<std::string> m_lastDamage; ///< of the newest list, as it was reported
+    std::optional<std::string> m_lastFault;  ///< the same of its files
+    bool m_isLeftOutTold = false;
 
     QGroupBox* fmeProfiles = nullptr;
     QGroupBox* fmeLegend = nullptr;
     ProfileGrid* fgProfiles = nullptr;
+    CutNote* lblProfilesCut = nullptr;
     ImageButton* cmdAttach = nullptr;
     ImageButton* cmdDetach = nullptr;
     ImageButton* cmdStart = nullptr;

@@ -78,9 +78,17 @@ private Q_SLOTS:
         QFETCH(const std::string, body);
         QFETCH(const Pairs, profiles);
         Pairs found;
-        for (const ProfileElement& element : splitProfilesReply(body))
+        for (const ProfileElement& element : splitProfilesReply(body, 9).profiles)
             found.emplace_back(element.text, element.picture);
         QVERIFY(found == profiles);
+    }
+
+    void howManyProfilesAreTaken()
+    {
+        QVERIFY(!splitProfilesReply("Profiles_A_B_1/|2/", 2).isCut);
+        const ProfileElements cut = splitProfilesReply("Profiles_A_B_C_1/|2/|3/", 2);
+        QVERIFY(cut.isCut && cut.profiles.size() == 2);
+        QVERIFY(cut.profiles[1].text == "B" && cut.profiles[1].picture == "2/");
     }
 
     void pictureBytesAreReadOrRefused_data()

@@ -4,11 +4,14 @@
 #include "support/AddRow.h"
 
 #include <QAbstractItemModel>
+#include <QBuffer>
 #include <QClipboard>
+#include <QImage>
 #include <QLabel>
 #include <QPixmap>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QThreadPool>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -58,6 +61,34 @@ void refreshWith(Desk& desk, const QByteArray& body)
 {
     desk.tracker.answerNextWith("GetProfiles", body);
     list(desk).FormReload();
+}
+
+/// Waits for what is done in other threads, and for what it leads to.
+void finishFiles()
+{
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+}
+
+/// A picture of these many points and, with zeros behind it, bytes.
+QByteArray pictureOf(QSize size, qsizetype bytes = 0)
+{
+    QByteArray content;
+    QBuffer buffer(&content);
+    buffer.open(QBuffer::WriteOnly);
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    image.save(&buffer, "PNG");
+    return content.leftJustified(bytes, '\0');
+}
+
+/// As a tracker spells bytes out.
+QByteArray spelled(const QByteArray& bytes)
+{
+    QByteArray text;
+    for (const char byte : bytes)
+        text += QByteArray::number(static_cast<unsigned char>(byte)) + '/';
+    return text;
 }
 
 constexpr int none = -1;
@@ -112,6 +143,7 @@ private Q_SLOTS:
         QCOMPARE(desk.column(1), (QStringList{u"Alpha"_s, u"Bravo"_s, u"Charlie"_s}));
         QCOMPARE(desk.column(4).value(1), QString());
         QCOMPARE(desk.grid().index(1, 0).data(Qt::UserRole).toInt(), 5);
+        finishFiles();
         QVERIFY(hasPicture(desk, 0, modColumn) && !hasPicture(desk, 1, modColumn));
         QVERIFY(hasPicture(desk, 0, statusColumn) && hasPicture(desk, 1, statusColumn));
         QCOMPARE(selectedId(desk), 1);
@@ -179,50 +211,103 @@ private Q_SLOTS:
         Desk desk;
         QVERIFY(desk.logIn());
         refreshWith(desk, reply({Sent{}}));
+        finishFiles();
         const QStringList before = contents(desk);
         refreshWith(desk, "Profiles_" + ::element({}) + '_' + element + '_' + ::element({}) + "_|71/73/70/|71/");
         QCOMPARE(list(desk).rowCount(), 1); // those before it stay
         QTRY_VERIFY(desk.boxes.onlyText().contains(error));
         QVERIFY(desk.boxes.onlyText().endsWith(u"Function/Sub: HandleData"_s));
+        finishFiles();
         QCOMPARE(contents(desk), before);
         QVERIFY(!std::filesystem::exists(desk.path("").parent_path() / "evil"));
     }
 
     void picturesAreKeptUnderTheirNames_data()
     {
+        QTest::addColumn<QByteArray>("name");
         QTest::addColumn<QByteArray>("held");
-        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("sent");
         QTest::addColumn<QByteArray>("kept");
-        addRow("new", QByteArray(), "71/73/70/"_ba, "GIF"_ba);
-        addRow("the last piece is no byte", QByteArray(), "71/73/70"_ba, "GI"_ba);
-        addRow("none sent, none held", QByteArray(), QByteArray(), QByteArray());
-        addRow("none sent, one held", "GIF89a"_ba, QByteArray(), "GIF89a"_ba);
-        addRow("a byte out of range keeps what is held", "GIF89a"_ba, "71/256/"_ba, "GIF89a"_ba);
+        QTest::addColumn<bool>("isTold"); // what is wrong
+        const QByteArray gif = "ctf.gif";
+        const QByteArray good = pictureOf({16, 16});
+        const QByteArray old = pictureOf({8, 8});
+        const auto most = static_cast<qsizetype>(Bounds().modPictureBytes);
+        const QByteArray widest = pictureOf({512, 512});
+        const QByteArray heaviest = pictureOf({16, 16}, most);
+        addRow("new", gif, QByteArray(), spelled(good), good, false);
+        addRow("in the place of another", gif, old, spelled(good), good, false);
+        addRow("none sent, none held", gif, QByteArray(), QByteArray(), QByteArray(), false);
+        addRow("none sent, one held", gif, old, QByteArray(), old, false);
+        addRow("a byte out of range", gif, old, "71/256/"_ba, old, true);
+        addRow("as many points as may be", gif, QByteArray(), spelled(widest), widest, false);
+        addRow("a point more", gif, QByteArray(), spelled(pictureOf({513, 1})), QByteArray(), true);
+        addRow("as many bytes as may be", gif, QByteArray(), spelled(heaviest), heaviest, false);
+        addRow("a byte more", gif, QByteArray(), spelled(pictureOf({16, 16}, most + 1)), QByteArray(), true);
+        addRow("a program by its name", "ctf.exe"_ba, QByteArray(), spelled(good), QByteArray(), true);
+        addRow("a program by its content", gif, QByteArray(), spelled("MZ\x90"), QByteArray(), true);
+        addRow("the last of all", "full.gif"_ba, QByteArray(), spelled(good), good, false);
+        addRow("one too many", "more.gif"_ba, QByteArray(), spelled(good), QByteArray(), true);
     }
     void picturesAreKeptUnderTheirNames()
     {
+        QFETCH(const QByteArray, name);
         QFETCH(const QByteArray, held);
-        QFETCH(const QByteArray, bytes);
+        QFETCH(const QByteArray, sent);
+        QFETCH(const QByteArray, kept);
         Desk desk;
+        desk.bounds.modPictures = name == "more.gif" ? 2 : 3; // two are the tracker's own
+        const QByteArray file = "\\mods\\" + name;
         if (!held.isEmpty())
-            desk.put("\\mods\\CTF.gif", held);
+            desk.put(file, held);
         QVERIFY(desk.logIn());
-        refreshWith(desk, reply({Sent{.picture = "ctf.gif", .bytes = bytes}}));
-        QTEST(desk.bytesOf("\\mods\\CTF.gif"), "kept");
-        QCOMPARE(hasPicture(desk, 0, modColumn), false); // three letters are no picture, and no fault
-        QCOMPARE(list(desk).rowCount(), bytes.contains("256") ? 0 : 1);
+        finishFiles();
+        for (int time = 0; time < 2; ++time) {
+            refreshWith(desk, reply({Sent{.picture = name, .bytes = sent}}));
+            finishFiles();
+            QCOMPARE(list(desk).rowCount(), 1);
+            QCOMPARE(desk.bytesOf(file), kept);
+            QCOMPARE(hasPicture(desk, 0, modColumn), !kept.isEmpty());
+            QTEST(desk.boxes.boxes.size() == 1, "isTold");
+        }
     }
 
     void heldPicturesAreNotAskedForAgain()
     {
         Desk desk;
         desk.put("\\mods\\readme.txt", "no picture");
+        desk.put("\\mods\\a.webp", "RIFF....WEBP"); // which cannot be shown
+        desk.put("\\mods\\b.ico", pictureOf({16, 16}));
         QVERIFY(desk.logIn());
-        QCOMPARE(desk.lastRequest("GetProfiles"), "GetProfiles_admin__VB6_");
+        QCOMPARE(desk.lastRequest("GetProfiles"), "GetProfiles_admin_" + "b.ico"_ba.toBase64() + "_VB6_");
+        finishFiles();
+        QVERIFY(hasPicture(desk, 0, modColumn) && hasPicture(desk, 2, modColumn));
         list(desk).FormReload();
         QCOMPARE(desk.lastRequest("GetProfiles"),
-                 "GetProfiles_admin_" + "desert.gif|islands.gif"_ba.toBase64() + "_VB6_");
-        QVERIFY(hasPicture(desk, 0, modColumn) && hasPicture(desk, 2, modColumn));
+                 "GetProfiles_admin_" + "b.ico|desert.gif|islands.gif"_ba.toBase64() + "_VB6_");
+    }
+
+    void howManyProfilesAreTaken_data()
+    {
+        QTest::addColumn<std::size_t>("rows");
+        QTest::addColumn<std::size_t>("folders");
+        addRow("all", std::size_t{3}, std::size_t{3});
+        addRow("a row less", std::size_t{2}, std::size_t{3});
+        addRow("a folder less", std::size_t{3}, std::size_t{2});
+    }
+    void howManyProfilesAreTaken()
+    {
+        QFETCH(const std::size_t, rows);
+        QFETCH(const std::size_t, folders);
+        Desk desk;
+        desk.bounds.listRows = rows;
+        desk.bounds.profileFolders = folders;
+        QVERIFY(desk.logIn());
+        finishFiles();
+        QCOMPARE(list(desk).rowCount(), static_cast<int>(rows));
+        QCOMPARE(desk.control(u"lblProfilesCut"_s).isVisible(), rows < 3);
+        QVERIFY(desk.exists("\\profiles\\2"));
+        QCOMPARE(desk.exists("\\profiles\\3"), std::min(rows, folders) == 3);
     }
 
     void aStatusOutOfRangeHasNoPictureAndIsKept()
@@ -278,6 +363,7 @@ private Q_SLOTS:
     {
         Desk desk(practice::World::many(80, 1));
         QVERIFY(desk.logIn());
+        finishFiles();
         auto& view = desk.control<QTableView>(u"fgProfiles"_s);
         desk.clickRow(40);
         QTest::keyClick(&view, Qt::Key_Right);
