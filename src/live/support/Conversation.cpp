@@ -1,29 +1,23 @@
 #include "live/support/Conversation.h"
 
+#include "base/LongWords.h"
 #include "base/Text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 constexpr std::string_view emptyLine = "\n\n";
-constexpr std::size_t longestWord = 1000;
 
 std::string asShown(std::string_view entry)
 {
     std::string shown;
     shown.reserve(entry.size() + emptyLine.size());
-    std::size_t word = 0;
     for (std::size_t at = 0; at < entry.size(); ++at) {
         if (entry[at] == '\r' && at + 1 < entry.size() && entry[at + 1] == '\n')
             continue;
-        const char shownAs = entry[at] == '\r' ? '\n' : entry[at];
-        word = shownAs == '\n' || shownAs == ' ' ? 0 : word + 1;
-        if (word > longestWord) {
-            shown += '\n';
-            word = 1;
-        }
-        shown += shownAs;
+        shown += entry[at] == '\r' ? '\n' : entry[at];
     }
     while (!shown.ends_with(emptyLine))
         shown += '\n';
@@ -37,31 +31,66 @@ std::optional<std::size_t> position(std::size_t offset)
 
 } // namespace
 
+Conversation::Entry Conversation::made(std::string_view entry)
+{
+    std::string text = asShown(entry);
+    const std::size_t laidOut = text.size() + longWords::breaksIn(text).size();
+    return {std::move(text), laidOut};
+}
+
 Conversation::Number Conversation::add(std::string_view entry)
 {
-    m_entries.push_back(asShown(entry));
-    const Number number = m_entries.size() - 1;
+    m_entries.push_back(made(entry));
+    m_bytes += m_entries.back().text.size();
+    const Number number = end() - 1;
     if (m_isFiltered)
         m_shown.push_back(number);
     m_isTextCurrent = false;
+    dropOldest();
     return number;
+}
+
+void Conversation::dropOldest()
+{
+    while (m_bytes > m_maxBytes && m_entries.size() > 1) {
+        m_bytes -= m_entries.front().text.size();
+        m_entries.pop_front();
+        if (!m_shown.empty() && m_shown.front() == m_first)
+            m_shown.pop_front();
+        ++m_first;
+    }
 }
 
 std::optional<TextSpan> Conversation::replace(Number number, std::string_view entry)
 {
-    std::string shown = asShown(entry);
-    m_entries[number].swap(shown);
-    if (m_isFiltered && !std::binary_search(m_shown.begin(), m_shown.end(), number))
-        return {};
-    m_isTextCurrent = false;
-    TextSpan span{0, shown.size()};
-    for (std::size_t at = shownCount(); at-- > 0;) {
-        const Number newer = m_isFiltered ? m_shown[at] : at;
-        if (newer == number)
-            break;
-        span.start += m_entries[newer].size();
+    Entry before = std::exchange(m_entries[number - m_first], made(entry));
+    m_bytes += this->entry(number).size() - before.text.size();
+    TextSpan span{0, before.laidOut};
+    const bool isShown = !m_isFiltered || std::binary_search(m_shown.begin(), m_shown.end(), number);
+    if (isShown) {
+        m_isTextCurrent = false;
+        for (std::size_t at = shownCount(); at-- > 0;) {
+            const Number newer = m_isFiltered ? m_shown[at] : m_first + at;
+            if (newer == number)
+                break;
+            span.start += m_entries[newer - m_first].laidOut;
+        }
     }
-    return span;
+    dropOldest();
+    return isShown ? std::optional(span) : std::nullopt;
+}
+
+std::size_t Conversation::laidOutSize() const
+{
+    std::size_t size = 0;
+    if (m_isFiltered) {
+        for (const Number number : m_shown)
+            size += m_entries[number - m_first].laidOut;
+    } else {
+        for (const Entry& entry : m_entries)
+            size += entry.laidOut;
+    }
+    return size;
 }
 
 bool Conversation::filter(Speaker who, std::string_view text, std::string_view user)
@@ -75,8 +104,8 @@ bool Conversation::filter(Speaker who, std::string_view text, std::string_view u
     if (isOff)
         return true;
     const std::string speaker = who == Speaker::User ? std::string(user) + " says:" : "Host says:";
-    for (Number number = 0; number < size(); ++number) {
-        const std::string_view said = m_entries[number];
+    for (Number number = m_first; number < end(); ++number) {
+        const std::string_view said = entry(number);
         if (said.find(text) != std::string_view::npos &&
             (who == Speaker::All || said.find(speaker) != std::string_view::npos))
             m_shown.push_back(number);
@@ -89,7 +118,7 @@ const std::string& Conversation::shownText() const
     if (!m_isTextCurrent) {
         m_text.clear();
         for (std::size_t at = shownCount(); at-- > 0;)
-            m_text += m_entries[m_isFiltered ? m_shown[at] : at];
+            m_text += entry(m_isFiltered ? m_shown[at] : m_first + at);
         m_isTextCurrent = true;
     }
     return m_text;

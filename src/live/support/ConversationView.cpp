@@ -1,10 +1,12 @@
 #include "live/support/ConversationView.h"
 
+#include "base/LongWords.h"
 #include "live/support/SupportDesk.h"
 #include "platform/system/CodePage.h"
 
 #include <QScrollBar>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -25,6 +27,21 @@ std::optional<std::size_t> positionOf(ConversationView::Search search, std::stri
         return findPrevious(text, what, selection);
     }
     return {};
+}
+
+/// Where the character at `offset` of the talk's text stands when its long words are broken.
+std::size_t laidOut(std::size_t offset, const std::vector<std::size_t>& breaks)
+{
+    return offset + static_cast<std::size_t>(std::upper_bound(breaks.begin(), breaks.end(), offset) - breaks.begin());
+}
+
+/// The other way round; a break itself counts as what stands behind it.
+std::size_t inTalk(std::size_t offset, const std::vector<std::size_t>& breaks)
+{
+    std::size_t before = 0;
+    while (before < breaks.size() && breaks[before] + before < offset)
+        ++before;
+    return offset - before;
 }
 
 } // namespace
@@ -55,35 +72,45 @@ const Conversation& ConversationView::conversation() const
 
 void ConversationView::showAll()
 {
-    setPlainText(m_codePage.toText(conversation().shownText()));
+    setPlainText(m_codePage.toText(longWords::broken(conversation().shownText())));
     moveCursor(QTextCursor::Start);
 }
 
 void ConversationView::addEntries(Conversation::Number first)
 {
     std::string text;
-    for (Conversation::Number number = conversation().size(); number-- > first;)
+    for (Conversation::Number number = conversation().end(); number-- > std::max(first, conversation().first());)
         text += conversation().entry(number);
-    insertText(0, 0, m_codePage.toText(text));
+    insertText(0, 0, text);
+    cutToSize();
 }
 
 void ConversationView::replaceEntry(Conversation::Number number, TextSpan span)
 {
-    insertText(static_cast<int>(span.start), static_cast<int>(span.length),
-               m_codePage.toText(conversation().entry(number)));
+    const bool isGone = number < conversation().first(); // it has become too long for those that came behind it
+    insertText(span.start, span.length, isGone ? std::string() : conversation().entry(number));
+    cutToSize();
+}
+
+/// Takes the oldest entries, which are gone, off the end.
+void ConversationView::cutToSize()
+{
+    const std::size_t size = conversation().laidOutSize();
+    if (const auto shown = static_cast<std::size_t>(document()->characterCount() - 1); shown > size)
+        insertText(size, shown - size, {});
 }
 
 /// Puts `text` in the place of `length` characters. What the user reads and has selected stays where it is, unless he
 /// reads the newest entry.
-void ConversationView::insertText(int at, int length, const QString& text)
+void ConversationView::insertText(std::size_t at, std::size_t length, const std::string& text)
 {
     QScrollBar* bar = verticalScrollBar();
     const int read = bar->value();
     const int before = bar->maximum();
     QTextCursor cursor(document());
-    cursor.setPosition(at);
-    cursor.setPosition(at + length, QTextCursor::KeepAnchor);
-    cursor.insertText(text);
+    cursor.setPosition(static_cast<int>(at));
+    cursor.setPosition(static_cast<int>(at + length), QTextCursor::KeepAnchor);
+    cursor.insertText(m_codePage.toText(longWords::broken(text)));
     bar->setValue(read == 0 ? 0 : read + bar->maximum() - before);
 }
 
@@ -92,22 +119,27 @@ void ConversationView::find(Search search, const QString& text)
     if (!m_codePage.firstForeign(text).isEmpty())
         return;
     const std::string wanted = m_codePage.toBytes(text);
-    if (const auto position = positionOf(search, conversation().shownText(), wanted, selection()))
-        select(static_cast<int>(*position - 1), static_cast<int>(wanted.size()));
+    const std::string& said = conversation().shownText();
+    const std::vector<std::size_t> breaks = longWords::breaksIn(said);
+    if (const auto position = positionOf(search, said, wanted, selection(breaks))) {
+        const std::size_t start = laidOut(*position - 1, breaks);
+        select(start, laidOut(*position - 1 + wanted.size() - 1, breaks) + 1 - start);
+    }
 }
 
-TextSpan ConversationView::selection() const
+/// What is selected, in characters of the talk's text, in which no words are broken.
+TextSpan ConversationView::selection(const std::vector<std::size_t>& breaks) const
 {
     const QTextCursor cursor = textCursor();
-    return {static_cast<std::size_t>(cursor.selectionStart()),
-            static_cast<std::size_t>(cursor.selectionEnd() - cursor.selectionStart())};
+    const std::size_t start = inTalk(static_cast<std::size_t>(cursor.selectionStart()), breaks);
+    return {start, inTalk(static_cast<std::size_t>(cursor.selectionEnd()), breaks) - start};
 }
 
-void ConversationView::select(int start, int length)
+void ConversationView::select(std::size_t start, std::size_t length)
 {
     QTextCursor cursor = textCursor();
-    cursor.setPosition(start);
-    cursor.setPosition(start + length, QTextCursor::KeepAnchor);
+    cursor.setPosition(static_cast<int>(start));
+    cursor.setPosition(static_cast<int>(start + length), QTextCursor::KeepAnchor);
     setTextCursor(cursor);
     setFocus();
 }

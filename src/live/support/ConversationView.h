@@ -4,6 +4,10 @@
 
 #include <QPlainTextEdit>
 
+#include <cstddef>
+#include <string>
+#include <vector>
+
 class CodePage;
 class SupportDesk;
 
@@ -20,7 +24,7 @@ public:
 
     /// Shows the talk anew, from the newest entry on.
     void showAll();
-    /// Puts the entries from `first` on in front of the others.
+    /// Puts the entries from `first` on in front of the others, and takes away those that are gone.
     void addEntries(Conversation::Number first);
     /// @param span  where the entry stands in the text that is shown
     void replaceEntry(Conversation::Number number, TextSpan span);
@@ -30,9 +34,10 @@ public:
 
 private:
     const Conversation& conversation() const;
-    void insertText(int at, int length, const QString& text);
-    TextSpan selection() const;
-    void select(int start, int length);
+    void insertText(std::size_t at, std::size_t length, const std::string& text);
+    void cutToSize();
+    TextSpan selection(const std::vector<std::size_t>& breaks) const;
+    void select(std::size_t start, std::size_t length);
 
     const SupportDesk& m_desk;
     const CodePage& m_codePage;

@@ -18,7 +18,8 @@ using namespace Qt::StringLiterals;
 SupportDesk::SupportDesk(Client& client, Winsock& wSupport, QObject* parent)
     : QObject(parent),
       m_client(client),
-      m_socket(wSupport)
+      m_socket(wSupport),
+      m_talks(client.bounds)
 {
     m_pause.setSingleShot(true);
     m_answer.setSingleShot(true);
@@ -197,11 +198,11 @@ void SupportDesk::takeIn(const std::vector<SupportText>& texts)
     if (texts.empty())
         return;
     Conversation& conversation = talk()->conversation;
-    Conversation::Number first = conversation.size();
+    Conversation::Number first = conversation.end();
     const auto tellAdded = [&] {
-        if (conversation.size() > first)
+        if (conversation.end() > first)
             Q_EMIT entriesAdded(first);
-        first = conversation.size();
+        first = conversation.end();
     };
     bool isDamaged = false;
     const QString statusBefore = m_hostStatus;
@@ -210,7 +211,7 @@ void SupportDesk::takeIn(const std::vector<SupportText>& texts)
             m_hostStatus = m_client.codePage.toText(text.value);
         } else if (text.kind == SupportText::Kind::Damaged) {
             isDamaged = true;
-        } else if (!text.continues || !m_lastHostEntry) {
+        } else if (!text.continues || !m_lastHostEntry || *m_lastHostEntry < conversation.first()) {
             m_lastHostEntry = conversation.add(text.value);
         } else {
             tellAdded(); // a replaced entry is looked for below those that are newer

@@ -2,6 +2,12 @@
 
 #include <algorithm>
 
+std::shared_ptr<SupportTalk> SupportTalks::fresh() const
+{
+    return std::make_shared<SupportTalk>(
+        SupportTalk{.account = {}, .conversation = Conversation(m_bounds), .draft = {}, .saveFile = {}});
+}
+
 bool SupportTalks::select(const Connection& account)
 {
     const bool isFirst = !current()->account;
@@ -11,7 +17,7 @@ bool SupportTalks::select(const Connection& account)
         });
     const bool isChange = found != m_talks.begin();
     if (found == m_talks.end()) {
-        m_talks.insert(m_talks.begin(), std::make_shared<SupportTalk>());
+        m_talks.insert(m_talks.begin(), fresh());
         m_talks.resize(std::min(m_talks.size(), maxTalks));
     } else {
         std::rotate(m_talks.begin(), found, found + 1);

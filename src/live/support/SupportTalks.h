@@ -25,6 +25,8 @@ public:
     /// A talk that is not among the last ones is forgotten, as all are at the end of the program.
     static constexpr std::size_t maxTalks = 4;
 
+    explicit SupportTalks(const Bounds& bounds = {}) : m_bounds(bounds), m_talks{fresh()} {}
+
     /// Never null. Whoever saves a talk keeps a share in it, because another account may log in meanwhile.
     const std::shared_ptr<SupportTalk>& current() const { return m_talks.front(); }
     /// Makes the talk of `account` the current one, unfiltered when that is a change. What was typed before anybody
@@ -33,5 +35,8 @@ public:
     bool select(const Connection& account);
 
 private:
-    std::vector<std::shared_ptr<SupportTalk>> m_talks{std::make_shared<SupportTalk>()}; ///< the newest first
+    std::shared_ptr<SupportTalk> fresh() const;
+
+    Bounds m_bounds;
+    std::vector<std::shared_ptr<SupportTalk>> m_talks; ///< the newest first
 };

@@ -282,8 +282,12 @@ void qrvrcSupport::showLink()
 void qrvrcSupport::showCount()
 {
     const Conversation& talk = conversation();
-    lblShown->setText(talk.isFiltered() ? u"Filter on: %1 of %2 messages"_s.arg(talk.shownCount()).arg(talk.size())
-                                        : QString());
+    QStringList notes;
+    if (talk.isFiltered())
+        notes += u"Filter on: %1 of %2 messages"_s.arg(talk.shownCount()).arg(talk.size());
+    if (talk.first() > 0)
+        notes += u"The oldest %1 are gone"_s.arg(talk.first());
+    lblShown->setText(notes.join(u" - "_s));
     txtMessages->setPlaceholderText(talk.isFiltered() ? u"No message matches the filter."_s
                                                       : u"Nothing has been said yet."_s);
 }

@@ -1,5 +1,7 @@
 #include "live/support/Conversation.h"
 
+#include "base/LongWords.h"
+
 #include <QTest>
 
 using Speaker = Conversation::Speaker;
@@ -30,13 +32,43 @@ private Q_SLOTS:
     {
         Conversation talk;
         talk.add("Host says:\r\none\r\n\r\n");
-        talk.add("Host says:\r\n" + std::string(1001, 'x'));
-        QVERIFY(talk.shownText().starts_with("Host says:\n" + std::string(1000, 'x') + "\nx\n\n"));
-        talk = Conversation();
-        talk.add("Host says:\r\none\r\n\r\n");
         talk.add("no line end");
         talk.add("old\rMac\nlines\r\n");
         QCOMPARE(talk.shownText(), "old\nMac\nlines\n\nno line end\n\nHost says:\none\n\n");
+    }
+
+    void longWordsAreBrokenForTheWidgetOnly()
+    {
+        Conversation talk;
+        const auto grows = talk.add(std::string(1001, 'x'));
+        QCOMPARE(talk.shownText(), std::string(1001, 'x') + "\n\n");
+        QCOMPARE(longWords::broken(talk.shownText()), std::string(1000, 'x') + "\nx\n\n");
+        QCOMPARE(talk.laidOutSize(), std::size_t(1004));
+        QCOMPARE(talk.replace(grows, "y"), TextSpan({0, 1004}));
+    }
+
+    void theOldestGo_data()
+    {
+        QTest::addColumn<std::size_t>("bytes");
+        QTest::addColumn<std::size_t>("gone");
+        QTest::addColumn<QByteArray>("shown"); // of a filter that fits the first and the last
+        QTest::newRow("as many as may be") << std::size_t(12) << std::size_t(0) << QByteArray("az\n\na1\n\n");
+        QTest::newRow("a byte less") << std::size_t(11) << std::size_t(1) << QByteArray("az\n\n");
+        QTest::newRow("less than one has") << std::size_t(1) << std::size_t(2) << QByteArray("az\n\n");
+    }
+    void theOldestGo()
+    {
+        QFETCH(const std::size_t, bytes);
+        QFETCH(const std::size_t, gone);
+        Conversation talk({.conversationBytes = bytes});
+        talk.add("a1");
+        talk.add("b2");
+        QCOMPARE(talk.add("az"), Conversation::Number(2));
+        QCOMPARE(talk.first(), gone);
+        talk.filter(Speaker::All, "a", "admin");
+        QTEST(QByteArray::fromStdString(talk.shownText()), "shown");
+        talk.replace(2, "a text of more than twelve bytes");
+        QVERIFY(talk.shownText().starts_with("a text") && talk.shownCount() == 1 && talk.first() == 2);
     }
 
     void aFilterKeepsWhatFits_data()

@@ -80,6 +80,25 @@ class SupportConsoleTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void theOldestGoAndTheConsoleSaysSo()
+    {
+        ChatDesk desk;
+        desk.bounds.conversationBytes = 1060;
+        QVERIFY(desk.openConsole());
+        const QByteArray word(1010, 'x');
+        desk.operatorSide.sendRaw(SupportSide::messageOf("one") + SupportSide::messageOf(word));
+        QTRY_COMPARE(desk.entries(), std::size_t(2));
+        QVERIFY(!desk.text(u"lblShown"_s).contains(u"gone"_s));
+        desk.control<QLineEdit>(u"txtSearch"_s).setText(QString(1010, u'x'));
+        desk.click(u"cmdSearch"_s);
+        QCOMPARE(desk.said().textCursor().selectedText().size(), 1011); // with the line that the word is broken over
+        desk.operatorSide.sendRaw(SupportSide::messageOf("three") + SupportSide::messageOf("four"));
+        QTRY_COMPARE(desk.support().talk()->conversation.first(), std::size_t(1));
+        QVERIFY(desk.said().toPlainText().startsWith(u"Host says:\nfour\n\nHost says:\nthree\n\nHost says:\nx"_s));
+        QVERIFY(desk.said().toPlainText().endsWith(u"xxx\n\n"_s));
+        QVERIFY(desk.text(u"lblShown"_s).contains(u"oldest 1 are gone"_s));
+    }
+
     void aChatGoesBothWays()
     {
         ChatDesk desk;
