@@ -159,10 +159,12 @@ void qrvrcRecovery::wireSignals()
 
 void qrvrcRecovery::loadProfileNames()
 {
+    QStringList names;
     for (const std::string& name : m_client.store.GetAllIniSections(m_client.folder.path(storeFile))) {
         if (!name.empty())
-            cboProfile->addItem(m_client.codePage.toText(name));
+            names += m_client.codePage.toText(name);
     }
+    cboProfile->addItems(names);
     if (cboProfile->count() == 0)
         lblNote->setText(u"There is no connection profile yet. The login window saves one with each connection."_s);
     cboProfile->setCurrentIndex(cboProfile->count() == 0 ? -1 : 0);
