@@ -45,7 +45,7 @@ std::size_t behindMarkup(std::string_view page, std::size_t start)
 
 /// Cells of the tables of a page, whether anything stands in them or not: the layout makes every row as wide as the
 /// widest one.
-constexpr std::size_t maxCells = 250'000;
+constexpr std::size_t maxCells = 10'000;
 
 /// The number behind an attribute's name, 0 when there is none.
 std::size_t spanAt(std::string_view text)
