@@ -25,7 +25,11 @@ practice::Account powerful(const practice::Account& like)
 void findTheWayIn(Act& act)
 {
     act.step(
-        u"a refused connection is told in a box"_s, [] { press(Qt::Key_Space); },
+        u"a refused connection is told in a box"_s,
+        [] {
+            press(Qt::Key_Tab); // past the tick, to Connect
+            press(Qt::Key_Space);
+        },
         [] { return boxSays(u"10061"_s) && textOf(u"lblStatus"_s, u"qrvrcLogin"_s) == u"Error"_s; });
     act.picture(u"login-error.png"_s);
     act.dismissBox();
