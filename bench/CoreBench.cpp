@@ -1,5 +1,4 @@
-#include "base/Base64.h"
-#include "base/RuntimeError.h"
+#include "CoreSubjects.h"
 #include "store/Expansion.h"
 
 #include <benchmark/benchmark.h>
@@ -68,60 +67,28 @@ void expansionLibrary(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(logBytes));
 }
 
-std::string randomBytes(std::size_t count)
+void measure(benchmark::State& state, const CoreSubject& subject)
 {
-    std::mt19937 random(2);
-    std::string bytes(count, '\0');
-    for (char& byte : bytes)
-        byte = static_cast<char>(random());
-    return bytes;
-}
-
-/// Decodes with one table of six-bit values, checking each group.
-std::string plainTableDecode(std::string_view text)
-{
-    static const std::array<std::uint8_t, 256> values = [] {
-        constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-        std::array<std::uint8_t, 256> table{};
-        table.fill(0xFF);
-        for (std::size_t i = 0; i < alphabet.size(); ++i)
-            table[static_cast<unsigned char>(alphabet[i])] = static_cast<std::uint8_t>(i);
-        return table;
-    }();
-    std::string bytes(text.size() / 4 * 3, '\0');
-    char* out = bytes.data();
-    const auto valueAt = [text](std::size_t at) { return std::uint32_t{values[static_cast<unsigned char>(text[at])]}; };
-    for (std::size_t at = 0; at + 4 <= text.size(); at += 4) {
-        const std::uint32_t a = valueAt(at);
-        const std::uint32_t b = valueAt(at + 1);
-        const std::uint32_t c = valueAt(at + 2);
-        const std::uint32_t d = valueAt(at + 3);
-        if (((a | b | c | d) & 0xC0u) != 0)
-            throw RuntimeError(ErrorNumber::TypeMismatch);
-        const std::uint32_t bits = a << 18 | b << 12 | c << 6 | d;
-        *out++ = static_cast<char>(bits >> 16);
-        *out++ = static_cast<char>(bits >> 8);
-        *out++ = static_cast<char>(bits);
-    }
-    return bytes;
-}
-
-void base64With(benchmark::State& state, std::string (*decode)(std::string_view))
-{
-    const std::string text = base64::encode(randomBytes(static_cast<std::size_t>(state.range(0))));
+    const std::function<bool()> turn = subject.prepare(static_cast<std::size_t>(state.range(0)));
+    bool isSound = true;
     for ([[maybe_unused]] const auto step : state)
-        benchmark::DoNotOptimize(decode(text));
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
-}
-
-void base64Sizes(benchmark::internal::Benchmark* row)
-{
-    row->Arg(300)->Arg(30000)->Arg(786432); // whole groups: the plain table knows no padding
+        isSound = turn() && isSound;
+    if (!isSound)
+        state.SkipWithError("what came out is wrong");
 }
 
 BENCHMARK(expansionOurs)->Name("expansion of 1 MiB: ours");
 BENCHMARK(expansionLibrary)->Name("expansion of 1 MiB: libdeflate itself");
-BENCHMARK_CAPTURE(base64With, ours, base64::decode)->Name("Base64 decode: ours")->Apply(base64Sizes);
-BENCHMARK_CAPTURE(base64With, plain, plainTableDecode)->Name("Base64 decode: plain table")->Apply(base64Sizes);
 
 } // namespace
+
+int main(int argc, char** argv)
+{
+    for (const CoreSubject& subject : coreSubjects()) {
+        auto* row = benchmark::RegisterBenchmark(subject.name.data(), measure, subject);
+        for (const std::size_t size : subject.sizes)
+            row->Arg(static_cast<std::int64_t>(size));
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}
