@@ -2,6 +2,7 @@
 
 #include "base/RuntimeError.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -46,11 +47,32 @@ std::uint32_t wordOf(const char* group)
            tables[2][static_cast<unsigned char>(group[2])] | tables[3][static_cast<unsigned char>(group[3])];
 }
 
+/// Two characters for each twelve bits, so that a group is two look-ups.
+constexpr auto pairs = [] {
+    std::array<std::array<char, 2>, alphabet.size() * alphabet.size()> table{};
+    for (std::size_t bits = 0; bits < table.size(); ++bits)
+        table[bits] = {alphabet[bits / alphabet.size()], alphabet[bits % alphabet.size()]};
+    return table;
+}();
+
+void encodeGroup(const char* bytes, char* out)
+{
+    const auto byteAt = [bytes](int index) { return std::uint32_t{static_cast<unsigned char>(bytes[index])}; };
+    const std::uint32_t bits = byteAt(0) << 16 | byteAt(1) << 8 | byteAt(2);
+    std::memcpy(out, pairs[bits >> 12].data(), 2);
+    std::memcpy(out + 2, pairs[bits & 0xFFFu].data(), 2);
+}
+
 std::size_t paddingOf(std::string_view wholeGroups)
 {
-    if (wholeGroups.back() != padding)
+    if (!wholeGroups.ends_with(padding))
         return 0;
     return wholeGroups[wholeGroups.size() - 2] == padding ? 2 : 1;
+}
+
+std::string_view wholeGroupsOf(std::string_view text)
+{
+    return text.substr(0, text.size() / groupChars * groupChars);
 }
 
 } // namespace
@@ -59,33 +81,39 @@ std::string base64::encode(std::string_view bytes)
 {
     std::string text((bytes.size() + groupBytes - 1) / groupBytes * groupChars, padding);
     char* out = text.data();
-    const auto byteAt = [bytes](std::size_t index) {
-        return index < bytes.size() ? std::uint32_t{static_cast<unsigned char>(bytes[index])} : 0u;
-    };
-    for (std::size_t at = 0; at < bytes.size(); at += groupBytes) {
-        const std::uint32_t bits = byteAt(at) << 16 | byteAt(at + 1) << 8 | byteAt(at + 2);
-        *out++ = alphabet[bits >> 18];
-        *out++ = alphabet[bits >> 12 & 63u];
-        if (at + 1 < bytes.size())
-            *out++ = alphabet[bits >> 6 & 63u];
-        if (at + 2 < bytes.size())
-            *out++ = alphabet[bits & 63u];
+    for (; bytes.size() >= groupBytes; bytes.remove_prefix(groupBytes), out += groupChars)
+        encodeGroup(bytes.data(), out);
+    if (!bytes.empty()) {
+        std::array<char, groupBytes> last{};
+        std::memcpy(last.data(), bytes.data(), bytes.size());
+        encodeGroup(last.data(), out);
+        std::fill(out + bytes.size() + 1, out + groupChars, padding);
     }
     return text;
 }
 
+std::size_t base64::decodedSize(std::string_view text)
+{
+    text = wholeGroupsOf(text);
+    return text.size() / groupChars * groupBytes - paddingOf(text);
+}
+
 std::string base64::decode(std::string_view text)
 {
-    const std::size_t groups = text.size() / groupChars;
-    if (groups == 0)
-        return {};
-    text = text.substr(0, groups * groupChars);
-    const std::size_t missing = paddingOf(text);
+    std::string bytes(decodedSize(text), '\0');
+    decode(text, bytes);
+    return bytes;
+}
 
-    std::string bytes(groups * groupBytes - missing, '\0');
+std::string_view base64::decode(std::string_view text, std::span<char> room)
+{
+    text = wholeGroupsOf(text);
+    if (text.empty())
+        return {};
+    const std::size_t missing = paddingOf(text);
     const char* in = text.data();
-    const char* const lastGroup = in + (groups - 1) * groupChars;
-    char* out = bytes.data();
+    const char* const lastGroup = in + text.size() - groupChars;
+    char* out = room.data();
     std::uint32_t seen = 0; // faults are gathered and looked at once
     for (; in != lastGroup; in += groupChars, out += groupBytes) {
         const std::uint32_t word = wordOf(in);
@@ -101,5 +129,5 @@ std::string base64::decode(std::string_view text)
     std::memcpy(out, &word, groupBytes - missing);
     if (((seen | word) & faultMask) != 0)
         throw RuntimeError(ErrorNumber::TypeMismatch, "Base64");
-    return bytes;
+    return {room.data(), static_cast<std::size_t>(out - room.data()) + groupBytes - missing};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,5 +15,13 @@ std::string encode(std::string_view bytes);
 /// behind the last whole group of four are not looked at.
 /// @throws RuntimeError TypeMismatch for a character that is not in the alphabet, or a "=" that is not padding
 std::string decode(std::string_view text);
+
+/// What `decode` makes of a text, without looking at its characters: the bytes that it needs room for.
+std::size_t decodedSize(std::string_view text);
+
+/// The same into the front of `room`, which has decodedSize(text) bytes and more. Nothing behind them is touched.
+/// @return the bytes in `room`
+/// @throws RuntimeError as above; the front of `room` is then of no use
+std::string_view decode(std::string_view text, std::span<char> room);
 
 } // namespace base64

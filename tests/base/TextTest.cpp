@@ -114,6 +114,9 @@ private Q_SLOTS:
             const QByteArray text = bytes.toBase64();
             QCOMPARE(base64::encode(bytes.toStdString()), text.toStdString());
             QCOMPARE(base64::decode(text.toStdString()), bytes.toStdString());
+            std::string room(static_cast<std::size_t>(length) + 1, '~');
+            QCOMPARE(base64::decode(text.toStdString(), room), std::string_view(room).substr(0, room.size() - 1));
+            QCOMPARE(room, bytes.toStdString() + '~');
             bytes.append(static_cast<char>(length * 7 + length / 256));
         }
     }
