@@ -93,14 +93,13 @@ template <typename Fields>
 std::size_t splitInto(Fields& fields, std::string_view text)
 {
     std::size_t count = 0;
-    std::size_t start = 0;
-    for (std::size_t at = 0; at < text.size() && count < fields.size() - 1; ++at) {
-        if (text[at] == '_') {
-            fields[count++] = text.substr(start, at - start);
-            start = at + 1;
-        }
+    for (auto start = text.begin(); count < fields.size();) {
+        const auto end = std::find(start, text.end(), '_');
+        fields[count++] = std::string_view(start, end);
+        if (end == text.end())
+            break;
+        start = end + 1;
     }
-    fields[count++] = text.substr(start);
     return count;
 }
 

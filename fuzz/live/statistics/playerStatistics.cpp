@@ -4,6 +4,8 @@
 #include "base/Base64.h"
 #include "base/Text.h"
 
+#include <algorithm>
+
 namespace {
 
 bool isRowError(std::optional<ErrorNumber> error)
@@ -75,7 +77,7 @@ void checkRecords(std::string_view input)
     const std::string body = join(sections, "[-][-]");
     PlayerStatistics statistics;
     check(!raisedBy([&] { statistics.read(body); }));
-    check(statistics.players() == players);
+    check(std::ranges::equal(statistics.players(), players));
     checkReply(body);
 }
 

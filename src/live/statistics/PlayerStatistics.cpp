@@ -38,20 +38,30 @@ void forEachItem(std::string_view section, Take take)
     }
 }
 
-void readRecords(std::string_view section, std::vector<std::string>& records)
-{
-    forEachItem(section, [&records](std::string_view item) { records.push_back(base64::decode(item)); });
-}
-
 } // namespace
 
 void PlayerStatistics::read(std::string_view body)
 {
+    const std::size_t most = body.size() / 4 * 3; // Base64 is longer by a third, and there is more than Base64
+    m_room = std::make_unique_for_overwrite<char[]>(most);
+    m_free = {m_room.get(), most};
     std::optional<std::string_view> rest = body;
     readRecords(nextSection(rest), m_players);
     m_statistics.reserve(m_players.size());
     readStatistics(nextSection(rest));
     readRecords(nextSection(rest), m_weapons);
+}
+
+std::string_view PlayerStatistics::decoded(std::string_view text)
+{
+    const std::string_view bytes = base64::decode(text, m_free);
+    m_free = m_free.subspan(bytes.size());
+    return bytes;
+}
+
+void PlayerStatistics::readRecords(std::string_view section, std::vector<std::string_view>& records)
+{
+    forEachItem(section, [&](std::string_view item) { records.push_back(decoded(item)); });
 }
 
 void PlayerStatistics::readStatistics(std::string_view section)
@@ -62,8 +72,7 @@ void PlayerStatistics::readStatistics(std::string_view section)
         if (middle == std::string_view::npos)
             throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "statistics without a record");
         const std::string_view record = item.substr(middle + 1);
-        m_statistics.push_back(
-            {base64::decode(item.substr(0, middle)), base64::decode(record.substr(0, record.find('_')))});
+        m_statistics.push_back({decoded(item.substr(0, middle)), decoded(record.substr(0, record.find('_')))});
     });
 }
 

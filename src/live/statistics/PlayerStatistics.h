@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -19,16 +21,16 @@ public:
     PlayerStatistics& operator=(const PlayerStatistics&) = delete;
     ~PlayerStatistics() = default;
 
-    /// Reads the three sections of a reply one after the other.
+    /// Reads the three sections of a reply one after the other; to be called once.
     /// @param body  lists joined by "[-][-]"; their items, joined by "|", are Base64, empty ones are skipped
     /// @throws RuntimeError SubscriptOutOfRange for a missing section and for statistics without a record, TypeMismatch
     ///         for what is no Base64; what was read before stays
     void read(std::string_view body);
 
     /// Player records in the tracker's order.
-    const std::vector<std::string>& players() const { return m_players; }
+    const std::vector<std::string_view>& players() const { return m_players; }
     /// Weapon records of all players in the tracker's order.
-    const std::vector<std::string>& weapons() const { return m_weapons; }
+    const std::vector<std::string_view>& weapons() const { return m_weapons; }
     /// The statistics record that is kept under a player's key. The tracker sends one for each; were there several, the
     /// one at `likely` comes before the first.
     /// @param likely  place in the list that is looked at first: that of the player among the players
@@ -38,15 +40,19 @@ public:
 private:
     struct Entry
     {
-        std::string key;
-        std::string record;
+        std::string_view key;
+        std::string_view record;
     };
 
+    std::string_view decoded(std::string_view text);
+    void readRecords(std::string_view section, std::vector<std::string_view>& records);
     void readStatistics(std::string_view section);
 
-    std::vector<std::string> m_players;
+    std::unique_ptr<char[]> m_room; ///< holds all that was decoded; everything below points into it
+    std::span<char> m_free;         ///< the rest of it
+    std::vector<std::string_view> m_players;
     std::vector<Entry> m_statistics;
-    std::vector<std::string> m_weapons;
+    std::vector<std::string_view> m_weapons;
     /// Places in m_statistics by key; made when a record is not where it is likely to be.
     mutable std::unordered_map<std::string_view, std::size_t> m_places;
 };

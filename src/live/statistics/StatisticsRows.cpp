@@ -10,16 +10,20 @@
 
 namespace {
 
-/// The fields of one record, as far as any table knows them. Points into the record.
+/// The fields of one record, as far as they are looked at. Points into the record.
+template <std::size_t mostFields>
 class Fields
 {
 public:
     explicit Fields(std::string_view record)
     {
-        std::size_t start = 0;
-        while (start <= record.size() && m_count < m_fields.size()) {
-            const std::size_t end = std::min(record.find('_', start), record.size());
-            m_fields[m_count++] = record.substr(start, end - start);
+        // Fields are so short that a call for each of them would cost more than the search.
+        auto start = record.begin();
+        while (m_count < m_fields.size()) {
+            const auto end = std::find(start, record.end(), '_');
+            m_fields[m_count++] = std::string_view(start, end);
+            if (end == record.end())
+                break;
             start = end + 1;
         }
     }
@@ -34,8 +38,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t mostFields = 36; // of a Joint Operations weapon record
-
     std::array<std::string_view, mostFields> m_fields;
     std::size_t m_count = 0;
 };
@@ -47,6 +49,7 @@ struct PlayerLayout
     std::size_t seconds;
 };
 
+constexpr std::size_t playerFields = 32; // of the longer layout
 constexpr PlayerLayout deltaForcePlayers{{23, 2, 3, 13, 14, 15, 16, 9, 24}, 25};
 constexpr PlayerLayout jointOperationsPlayers{{0, 3, 5, 31, 14, 15, 30, 7, 22}, 28};
 
@@ -61,6 +64,7 @@ struct WeaponLayout
     std::size_t seconds;
 };
 
+constexpr std::size_t weaponFields = 36; // of the longer layout
 constexpr WeaponLayout deltaForceWeapons{
     .player = 0, .weapon = 1, .shots = 5, .kills = 4, .experience = 6, .seconds = 3};
 constexpr WeaponLayout jointOperationsWeapons{
@@ -87,12 +91,13 @@ struct PlayerIdentity
 PlayerIdentity identityOf(std::string_view record, GameFamily family)
 {
     constexpr std::size_t longForm = 5;
-    const Fields fields(record);
+    const Fields<longForm> fields(record);
     PlayerIdentity player;
     if (fields.size() >= longForm) {
         player.name = base64::decode(fields.at(0));
         player.slot = fields.at(1);
         player.team = fields.at(2);
+        player.key.reserve(record.size()); // Base64 is longer than what it stands for
         player.key.append(player.name).append(1, '_').append(player.slot).append(1, '_').append(player.team);
         player.key.append(1, '_').append(base64::decode(fields.at(3)));
         return player;
@@ -119,7 +124,7 @@ GameFamily familyOf(std::string_view gameVersion)
 PlayerRow playerRow(const PlayerStatistics& statistics, std::size_t index, GameFamily family)
 {
     PlayerIdentity player = identityOf(statistics.players().at(index), family);
-    const Fields fields(statistics.statisticsOf(player.key, index));
+    const Fields<playerFields> fields(statistics.statisticsOf(player.key, index));
     const PlayerLayout& layout = family == GameFamily::DeltaForce ? deltaForcePlayers : jointOperationsPlayers;
     PlayerRow row;
     row.slot = player.slot;
@@ -136,7 +141,7 @@ std::optional<WeaponRow> weaponRow(const PlayerStatistics& statistics, std::size
 {
     const bool isJoint = family == GameFamily::JointOperations;
     const WeaponLayout& layout = isJoint ? jointOperationsWeapons : deltaForceWeapons;
-    const Fields fields(statistics.weapons().at(index));
+    const Fields<weaponFields> fields(statistics.weapons().at(index));
     if (base64::decode(fields.at(layout.player)) != player)
         return {};
     WeaponRow row;
