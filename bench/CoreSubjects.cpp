@@ -79,8 +79,11 @@ std::function<bool()> gathering(std::size_t size)
 {
     return [whole = make(size), size, assembler = std::make_shared<ReplyAssembler>()] {
         eachChunk(whole, [&assembler](std::string_view chunk) { assembler->add(chunk); });
-        const std::optional<Reply> reply = assembler->take();
-        return reply && reply->text.size() > size;
+        std::optional<Reply> reply = assembler->take();
+        const bool isWhole = reply && reply->text.size() > size;
+        if (isWhole)
+            assembler->reuse(std::move(reply->text));
+        return isWhole;
     };
 }
 

@@ -11,23 +11,25 @@ namespace {
 constexpr std::size_t prefixBytes = 7;
 constexpr std::string_view startMarker = "[ST]";
 constexpr std::string_view endMarker = "[ND]";
+constexpr std::string_view successStart = "[ST]Success_";
+constexpr std::string_view failureText = "Login Failed";
+
+/// A length that a prefix announces makes room for no more than this; what is longer must show it.
+constexpr std::size_t mostForeseen = std::size_t{64} << 20;
+constexpr std::size_t furtherDigits = 2; // no reply has more
+/// Room of a reply that is kept for the next one.
+constexpr std::size_t mostKept = std::size_t{2} << 20;
+
+/// The room for a reply of which `prefix` and the digits in front of `rest`, which stay in it, tell the length.
+std::size_t roomFor(std::int32_t prefix, std::string_view rest)
+{
+    auto length = static_cast<std::size_t>(prefix);
+    for (; !rest.empty() && rest.front() >= '0' && rest.front() <= '9' && length < mostForeseen; rest.remove_prefix(1))
+        length = length * 10 + static_cast<std::size_t>(rest.front() - '0');
+    return std::min(length, mostForeseen) + furtherDigits;
+}
 
 } // namespace
-
-void GrowingSearch::look(std::string_view text)
-{
-    if (m_end != nowhere)
-        return;
-    for (std::size_t at = text.find(m_pattern[m_rare], m_from + m_rare); at != nowhere;
-         at = text.find(m_pattern[m_rare], at + 1)) {
-        if (text.substr(at - m_rare, m_pattern.size()) == m_pattern) {
-            m_end = at - m_rare + m_pattern.size();
-            return;
-        }
-    }
-    if (text.size() >= m_pattern.size())
-        m_from = text.size() - m_pattern.size() + 1; // the pattern may have begun in what stands at the end
-}
 
 void ReplyAssembler::add(std::string_view chunk)
 {
@@ -35,46 +37,88 @@ void ReplyAssembler::add(std::string_view chunk)
         reset();
         throw RuntimeError(ErrorNumber::OutOfMemory, "the reply is larger than 256 MiB");
     }
+    if (!m_prefixRead)
+        chunk.remove_prefix(readPrefix(chunk));
     m_buffer.append(chunk);
-    if (!m_prefixRead && m_buffer.size() >= prefixBytes)
-        startReply();
     if (m_prefixRead) {
-        for (GrowingSearch* search : {&m_end, &m_failure, &m_success})
-            search->look(m_buffer);
+        lookForMarkers();
+        lookForFailure();
     }
 }
 
-void ReplyAssembler::startReply()
+/// @return how much of `chunk` it took
+std::size_t ReplyAssembler::readPrefix(std::string_view chunk)
 {
+    const std::size_t count = std::min(prefixBytes - m_buffer.size(), chunk.size());
+    m_buffer.append(chunk, 0, count);
+    if (m_buffer.size() < prefixBytes)
+        return count;
     m_prefixRead = true;
-    const std::string_view prefix = std::string_view(m_buffer).substr(0, prefixBytes);
     // A prefix that is no number stays in the buffer: it may hold the start of a message, and what lies before
     // "[ST]" is skipped anyway.
-    if (!isNumeric(prefix))
-        return;
-    m_expected = toInt32(prefix);
-    m_buffer.erase(0, prefixBytes);
-    m_buffer.reserve(static_cast<std::size_t>(m_expected)); // seven digits: at most 10 MB
+    if (!isNumeric(m_buffer))
+        return count;
+    m_expected = toInt32(m_buffer);
+    m_buffer.clear();
+    m_buffer.reserve(roomFor(m_expected, chunk.substr(count)));
+    return count;
+}
+
+/// Looks at every byte once for what all markers begin with. One that is cut off by the end waits for more.
+void ReplyAssembler::lookForMarkers()
+{
+    const std::string_view text = m_buffer;
+    std::size_t at = text.find(endMarker.front(), m_markersFrom);
+    for (; at != nowhere; at = text.find(endMarker.front(), at + 1)) {
+        const std::string_view found = text.substr(at, successStart.size());
+        if (found.starts_with(endMarker))
+            m_end = at + endMarker.size();
+        else if (found == successStart)
+            m_success = std::min(m_success, at);
+        else if (endMarker.starts_with(found) || successStart.starts_with(found))
+            break;
+    }
+    m_markersFrom = std::min(at, text.size());
+}
+
+/// A login failure stands anywhere, without a marker. A blank is the rarest of its letters: Base64 has none.
+void ReplyAssembler::lookForFailure()
+{
+    const std::string_view text = m_buffer;
+    constexpr std::size_t blank = failureText.find(' ');
+    for (std::size_t at = text.find(' ', m_failureFrom + blank); at != nowhere; at = text.find(' ', at + 1)) {
+        if (text.substr(at - blank).starts_with(failureText))
+            m_failure = std::min(m_failure, at - blank);
+    }
+    m_failureFrom = text.size() - std::min(text.size(), failureText.size() - 1); // it may have begun there
 }
 
 std::optional<Reply> ReplyAssembler::take()
 {
-    if (m_end.end() == GrowingSearch::nowhere)
+    if (m_end == nowhere)
         return {};
-    const std::size_t end = m_buffer.rfind(endMarker) + endMarker.size();
-    const std::string rest = m_buffer.substr(end);
-    Reply reply{.text = std::move(m_buffer), .kind = kindUpTo(end)};
-    reply.text.resize(end);
+    const std::string rest = m_buffer.substr(m_end);
+    Reply reply{.text = std::move(m_buffer), .kind = kind()};
+    reply.text.resize(m_end);
     reset();
     add(rest);
     return reply;
 }
 
-ReplyKind ReplyAssembler::kindUpTo(std::size_t end) const
+void ReplyAssembler::reuse(std::string text)
 {
-    if (m_failure.end() <= end)
+    if (text.capacity() > mostKept || text.capacity() <= m_buffer.capacity())
+        return;
+    text.assign(m_buffer);
+    m_buffer.swap(text);
+}
+
+/// Of the reply that ends at the last end marker, in which no text that is looked for overlaps another.
+ReplyKind ReplyAssembler::kind() const
+{
+    if (m_failure < m_end)
         return ReplyKind::LoginFailed;
-    return m_success.end() <= end ? ReplyKind::LoginSucceeded : ReplyKind::Messages;
+    return m_success < m_end ? ReplyKind::LoginSucceeded : ReplyKind::Messages;
 }
 
 void ReplyAssembler::reset()

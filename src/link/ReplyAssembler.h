@@ -22,28 +22,6 @@ struct Reply
 /// The text in which a message body stands. Who keeps it keeps the body without copying it.
 using ReplyOwner = std::shared_ptr<const std::string>;
 
-/// Finds where a text stands first in another one that grows, looking at every byte once.
-class GrowingSearch
-{
-public:
-    static constexpr std::size_t nowhere = std::string_view::npos;
-
-    /// @param pattern  a literal
-    /// @param rare     offset of its rarest character, which is looked for first. Most of a reply is Base64.
-    constexpr GrowingSearch(std::string_view pattern, std::size_t rare) : m_pattern(pattern), m_rare(rare) {}
-
-    /// @param text  what was given before, and more
-    void look(std::string_view text);
-    /// The offset behind the first place found, or `nowhere`.
-    std::size_t end() const { return m_end; }
-
-private:
-    std::string_view m_pattern;
-    std::size_t m_rare;
-    std::size_t m_from = 0; ///< the pattern does not begin before this offset
-    std::size_t m_end = nowhere;
-};
-
 /// Gathers the tracker's replies from the chunks in which they arrive, in time linear in their size. A reply is seven
 /// characters of decimal length and one or more messages "[ST]"..."[ND]"; it is complete as soon as an "[ND]" is there.
 /// A length of 10 MB and more has further digits, which are skipped with all else that stands before "[ST]".
@@ -59,6 +37,10 @@ public:
     /// The complete reply, or nothing. What stands behind it stays for the next one.
     std::optional<Reply> take();
 
+    /// Takes the text of a reply back that nobody needs any more, so that the next one finds its room. That of a large
+    /// reply is given back to the system.
+    void reuse(std::string text);
+
     /// The number in the prefix of the reply under way; 0 between replies and when the prefix is no number.
     std::int32_t expectedLength() const { return m_expected; }
     /// Bytes gathered of the reply under way, without its prefix.
@@ -66,16 +48,22 @@ public:
     void reset();
 
 private:
-    void startReply();
-    ReplyKind kindUpTo(std::size_t end) const;
+    static constexpr std::size_t nowhere = std::string_view::npos;
+
+    std::size_t readPrefix(std::string_view chunk);
+    void lookForMarkers();
+    void lookForFailure();
+    ReplyKind kind() const;
 
     std::string m_buffer;
     std::int32_t m_expected = 0;
     bool m_prefixRead = false;
     // All that must be known of a reply is looked for while it arrives: a large one is not gone through at its end.
-    GrowingSearch m_end{"[ND]", 0};
-    GrowingSearch m_failure{"Login Failed", 5};
-    GrowingSearch m_success{"[ST]Success_", 0};
+    std::size_t m_markersFrom = 0; ///< nothing before is a marker that was not seen
+    std::size_t m_failureFrom = 0;
+    std::size_t m_end = nowhere;     ///< behind the last end marker
+    std::size_t m_success = nowhere; ///< where the first login success begins
+    std::size_t m_failure = nowhere; ///< where the first login failure begins
 };
 
 /// The bodies of the messages in a complete reply, in order: for each piece that ends at an "[ND]", the text between

@@ -7,6 +7,7 @@
 
 #include <QTimer>
 
+#include <atomic>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -172,7 +173,12 @@ void clsWinSock::receive(std::string_view chunk)
     while (std::optional<Reply> reply = m_assembler.take()) {
         m_progressOpen = false;
         Q_EMIT replyComplete();
-        handleReply(std::move(*reply));
+        const auto text = std::make_shared<std::string>(std::move(reply->text));
+        handleReply(reply->kind, text);
+        if (text.use_count() == 1 && isConnected()) {            // nobody keeps a view of it
+            std::atomic_thread_fence(std::memory_order_acquire); // nor has a thread that let it go a read left
+            m_assembler.reuse(std::move(*text));
+        }
         m_isSupportAwaited = false;
         Q_EMIT replyHandled();
     }
@@ -195,10 +201,9 @@ void clsWinSock::tellProgress()
         Q_EMIT progress(0, received, true);
 }
 
-void clsWinSock::handleReply(Reply reply)
+void clsWinSock::handleReply(ReplyKind kind, const ReplyOwner& text)
 {
-    const ReplyOwner text = std::make_shared<const std::string>(std::move(reply.text));
-    switch (reply.kind) {
+    switch (kind) {
     case ReplyKind::LoginFailed:
         close();
         Q_EMIT loginFailed(loginFailureText(*text));

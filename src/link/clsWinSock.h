@@ -138,7 +138,7 @@ private:
     void setPhase(LinkPhase phase);
     void receive(std::string_view chunk);
     void tellProgress();
-    void handleReply(Reply reply);
+    void handleReply(ReplyKind kind, const ReplyOwner& text);
     void handleMessages(const ReplyOwner& text);
     bool leavesAfterFault();
     void acceptLogin(const std::string& reply);

@@ -93,6 +93,21 @@ private Q_SLOTS:
         QCOMPARE(assembler.received(), std::size_t{2});
     }
 
+    void aTextTakenBackGivesItsRoomToTheNextReply()
+    {
+        ReplyAssembler assembler;
+        assembler.add("0000100[ST]" + std::string(92, 'x') + "[ND]0000014[ST]ne");
+        std::optional<Reply> first = assembler.take();
+        QVERIFY(first);
+        const char* const room = first->text.data();
+        assembler.reuse(std::move(first->text));
+        QCOMPARE(assembler.received(), std::size_t{6});
+        assembler.add("xt[ND]");
+        const std::optional<Reply> next = assembler.take();
+        QCOMPARE(textOf(next), "[ST]next[ND]"s);
+        QVERIFY(next->text.data() == room);
+    }
+
     void theLengthIsKnownFromTheSeventhByteToTheEnd()
     {
         ReplyAssembler assembler;
