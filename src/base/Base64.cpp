@@ -84,8 +84,7 @@ std::string base64::encode(std::string_view bytes)
     for (; bytes.size() >= groupBytes; bytes.remove_prefix(groupBytes), out += groupChars)
         encodeGroup(bytes.data(), out);
     if (!bytes.empty()) {
-        std::array<char, groupBytes> last{};
-        std::memcpy(last.data(), bytes.data(), bytes.size());
+        const std::array<char, groupBytes> last = {bytes[0], bytes.size() > 1 ? bytes[1] : '\0', '\0'};
         encodeGroup(last.data(), out);
         std::fill(out + bytes.size() + 1, out + groupChars, padding);
     }
