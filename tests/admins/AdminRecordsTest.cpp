@@ -70,9 +70,8 @@ class AdminRecordsTest : public QObject
 private Q_SLOTS:
     void howManyRowsAreTaken_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<std::size_t>("bytes");
-        QTest::addColumn<std::string>("taken"); // rows, and "+" where there are more
+        // taken: rows, and "+" where there are more
+        addColumns<QByteArray, std::size_t, std::string>("text", "bytes", "taken");
         addRow("as many as may be", "YQ==|YQ==||[-]Yg==|Yg==||[-][-]1[-]2"_ba, std::size_t{99}, "2 2"s);
         addRow("one account more", "YQ==|YQ==||[-]Yg==|Yg==||[-]Yw==|Yw==||[-][-]1"_ba, std::size_t{99}, "2+ 1"s);
         addRow("one line more", "YQ==|YQ==||[-][-]1[-]2[-]3"_ba, std::size_t{99}, "1 2+"s);
@@ -94,9 +93,7 @@ private Q_SLOTS:
 
     void aTextIsSplitIntoAccountsAndLog_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArrayList>("accounts");
-        QTest::addColumn<QByteArrayList>("log");
+        addColumns<QByteArray, QByteArrayList, QByteArrayList>("text", "accounts", "log");
         addRow("empty", ""_ba, QByteArrayList(), QByteArrayList());
         addRow("both", "a|b[-]c[-][-]l1[-]l2"_ba, QByteArrayList{"a|b", "c"}, QByteArrayList{"l1", "l2"});
         addRow("no log part", "a[-]c"_ba, QByteArrayList{"a", "c"}, QByteArrayList());
@@ -166,9 +163,7 @@ private Q_SLOTS:
 
     void aRestrictionAndWhatFollowsItExcludeEachOther_data()
     {
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<int>("row");
-        QTest::addColumn<QByteArray>("after");
+        addColumns<QByteArray, int, QByteArray>("before", "row", "after");
         addRow("grant", "Spp-"_ba, 1, "SPp-"_ba);
         addRow("take back", "SPp-"_ba, 1, "Spp-"_ba);
         addRow("a restriction clears what follows", "SPrPpP-"_ba, 2, "SPRppp-"_ba);
@@ -206,9 +201,7 @@ private Q_SLOTS:
 
     void fieldsThatCannotBeSentAreNamed_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QByteArray>("password");
-        QTest::addColumn<QByteArray>("fault");
+        addColumns<QByteArray, QByteArray, QByteArray>("name", "password", "fault");
         addRow("good", "bob"_ba, "p|w"_ba, ""_ba);
         addRow("nothing", ""_ba, ""_ba, "Username field is empty!"_ba);
         addRow("blank name", " "_ba, "pw"_ba, "Username field is empty!"_ba);

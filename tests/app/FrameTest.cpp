@@ -3,10 +3,10 @@
 #include "link/Ask.h"
 #include "link/Request.h"
 #include "platform/system/FileBytes.h"
+#include "support/AddRow.h"
 #include "support/Desk.h"
 
 #include <QLabel>
-#include <QTest>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -120,11 +120,7 @@ private Q_SLOTS:
 
     void waitingUpdatesAreHandedOver_data()
     {
-        QTest::addColumn<QStringList>("files");
-        QTest::addColumn<bool>("updater");
-        QTest::addColumn<bool>("goesOn");
-        QTest::addColumn<bool>("folderStays");
-        QTest::addColumn<int>("boxes");
+        addColumns<QStringList, bool, bool, bool, int>("files", "updater", "goesOn", "folderStays", "boxes");
         const QString plan = u"updates.ini"_s;
         QTest::newRow("no file") << QStringList() << true << true << false << 0;
         QTest::newRow("the list of updates alone") << QStringList{plan} << true << true << false << 0;

@@ -1,9 +1,9 @@
+#include "support/AddRow.h"
 #include "support/Desk.h"
 #include "ui/WorkingWindow.h"
 
 #include <QApplication>
 #include <QDesktopServices>
-#include <QTest>
 #include <QTextBrowser>
 #include <QWindow>
 
@@ -79,9 +79,7 @@ private Q_SLOTS:
 
     void sectionsWithoutATopicSaySo_data()
     {
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("text");
+        addColumns<QString, QString, QString>("section", "title", "text");
         const QString missing = u"This help file for this section appears to be missing!"_s;
         QTest::newRow("windows without help") << u"IGNORE"_s << QString() << QString();
         QTest::newRow("no section") << QString() << u"Failed!"_s

@@ -1,9 +1,9 @@
+#include "support/AddRow.h"
 #include "support/Desk.h"
 
 #include <QLabel>
 #include <QProgressBar>
 #include <QSignalSpy>
-#include <QTest>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -37,8 +37,7 @@ class ProgressTest : public QObject
 private Q_SLOTS:
     void aLargeReplyOpensTheWindowUntilItIsComplete_data()
     {
-        QTest::addColumn<QByteArray>("prefix");
-        QTest::addColumn<bool>("opens");
+        addColumns<QByteArray, bool>("prefix", "opens");
         QTest::newRow("511") << "0000511"_ba << false;
         QTest::newRow("512") << "0000512"_ba << false;
         QTest::newRow("513") << "0000513"_ba << true;
@@ -109,9 +108,7 @@ private Q_SLOTS:
 
     void theUserMayStopIt_data()
     {
-        QTest::addColumn<bool>("yes");
-        QTest::addColumn<bool>("completes");
-        QTest::addColumn<bool>("stops");
+        addColumns<bool, bool, bool>("yes", "completes", "stops");
         QTest::newRow("yes") << true << false << true;
         QTest::newRow("no") << false << false << false;
         QTest::newRow("yes, when all is there") << true << true << false;

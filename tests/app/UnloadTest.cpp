@@ -1,4 +1,5 @@
 #include "live/support/SupportDesk.h"
+#include "support/AddRow.h"
 #include "support/Desk.h"
 #include "ui/WindowRegistry.h"
 
@@ -13,7 +14,6 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QTabBar>
-#include <QTest>
 #include <QTimer>
 
 #include <algorithm>
@@ -66,10 +66,7 @@ class UnloadTest : public QObject
 private Q_SLOTS:
     void aWindowOutlivesItsBox_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<Step>("openBox");
-        QTest::addColumn<Step>("close");
-        QTest::addColumn<bool>("staysBehindBox");
+        addColumns<QString, Step, Step, bool>("name", "openBox", "close", "staysBehindBox");
         const Step openWeapons = [](Desk&, const Pane& window) { pressTab(window.control<QTabBar>(u"tsMain"_s), 1); };
         const Step getFiles = [](Desk& desk, const Pane& window) {
             auto& from = window.control<QDateEdit>(u"dtpFrom"_s);

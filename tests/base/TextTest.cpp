@@ -2,6 +2,7 @@
 
 #include "base/Base64.h"
 #include "base/RaisedError.h"
+#include "support/AddRow.h"
 
 #include <QtTest>
 
@@ -14,10 +15,7 @@ class TextTest : public QObject
 private Q_SLOTS:
     void numbersAreReadOrRefused_data()
     {
-        QTest::addColumn<std::string>("text");
-        QTest::addColumn<bool>("numeric");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<int>("value");
+        addColumns<std::string, bool, int, int>("text", "numeric", "error", "value");
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
         constexpr int overflow = numberOf(ErrorNumber::Overflow);
         QTest::newRow("blanks around") << " \t42 "s << true << 0 << 42;
@@ -79,9 +77,7 @@ private Q_SLOTS:
 
     void base64IsDecodedOrRefused_data()
     {
-        QTest::addColumn<std::string>("text");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<std::string>("bytes");
+        addColumns<std::string, int, std::string>("text", "error", "bytes");
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
         QTest::newRow("empty") << ""s << 0 << ""s;
         QTest::newRow("two missing") << "QQ=="s << 0 << "A"s;

@@ -15,9 +15,7 @@ class PermissionRecordsTest : public QObject
 private Q_SLOTS:
     void aPrivilegeStringBecomesRecords_data()
     {
-        QTest::addColumn<std::string>("text");
-        QTest::addColumn<bool>("isSuper");
-        QTest::addColumn<Records>("records");
+        addColumns<std::string, bool, Records>("text", "isSuper", "records");
         addRow("super", "Super"s, true, Records());
         addRow("super with a tail is not super", "Super|Profiles|Edit Profiles=1"s, false,
                Records{{"Profiles", {{"Edit Profiles", "1"}}, {}}});
@@ -71,9 +69,7 @@ private Q_SLOTS:
 
     void aPluginIsRestrictedUnlessARecordNamesIt_data()
     {
-        QTest::addColumn<std::string>("text");
-        QTest::addColumn<std::string>("plugin");
-        QTest::addColumn<bool>("restricted");
+        addColumns<std::string, std::string, bool>("text", "plugin", "restricted");
         const auto named = "User|BHD Auto Start|Restrict Access=0"s;
         addRow("super", "Super"s, "Anything"s, false);
         addRow("no records", "User"s, "Chat Relay"s, true);

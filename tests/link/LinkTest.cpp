@@ -1,3 +1,4 @@
+#include "support/AddRow.h"
 #include "support/LinkRig.h"
 
 #include <QSignalSpy>
@@ -20,9 +21,7 @@ class LinkTest : public QObject
 private Q_SLOTS:
     void everyWaitEndsWhateverTheTrackerDoes_data()
     {
-        QTest::addColumn<Fault>("fault");
-        QTest::addColumn<int>("end");
-        QTest::addColumn<int>("handled");
+        addColumns<Fault, int, int>("fault", "end", "handled");
         constexpr int replied = int(WaitEnd::Done);
         constexpr int dropped = int(WaitEnd::Broken);
         constexpr int timedOut = int(WaitEnd::TimedOut);
@@ -147,14 +146,11 @@ private Q_SLOTS:
 
     void loginRepliesCountWheneverTheyCome_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("loggedIn");
-        QTest::addColumn<QString>("told");
-        QTest::newRow("a success") << "Success_a_b_U3VwZXI=_8001"_ba << true << QString();
-        QTest::newRow("a failure") << "a_Login Failed: kicked._b"_ba << false << u"a_Login Failed: kicked._b"_s;
-        QTest::newRow("a success with too few fields")
-            << "Success_a_b"_ba << false
-            << u"The tracker's answer to the login cannot be understood. The connection was closed."_s;
+        addColumns<QByteArray, bool, QString>("body", "loggedIn", "told");
+        addRow("a success", "Success_a_b_U3VwZXI=_8001"_ba, true, QString());
+        addRow("a failure", "a_Login Failed: kicked._b"_ba, false, u"a_Login Failed: kicked._b"_s);
+        addRow("a success with too few fields", "Success_a_b"_ba, false,
+               u"The tracker's answer to the login cannot be understood. The connection was closed."_s);
     }
     void loginRepliesCountWheneverTheyCome()
     {
@@ -180,9 +176,7 @@ private Q_SLOTS:
 
     void aHostThatKeepsBreakingTheProtocolIsLeft_data()
     {
-        QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<int>("times");
-        QTest::addColumn<bool>("isLeft");
+        addColumns<QByteArray, int, bool>("message", "times", "isLeft");
         QTest::newRow("just below") << "Plugin"_ba << 19 << false;
         QTest::newRow("just there") << "Plugin"_ba << 20 << true;
         QTest::newRow("a plugin that fails on sound messages") << "Plugin_x_y"_ba << 40 << false;

@@ -1,6 +1,7 @@
 #include "link/PackedReply.h"
 
 #include "base/RaisedError.h"
+#include "support/AddRow.h"
 
 #include <optional>
 
@@ -13,21 +14,17 @@ class PackedReplyTest : public QObject
 private Q_SLOTS:
     void lengthAndDataStandAroundTheMarker_data()
     {
-        QTest::addColumn<std::string>("body");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<int>("length");
-        QTest::addColumn<std::string>("data");
+        addColumns<std::string, int, int, std::string>("body", "error", "length", "data");
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
-        QTest::newRow("usual") << "12[-]Quorvane[-]abc"s << 0 << 12 << "abc"s;
-        QTest::newRow("no data") << "0[-]Quorvane[-]"s << 0 << 0 << ""s;
-        QTest::newRow("marker within the data") << "3[-]Quorvane[-]a[-]Quorvane[-]b"s << 0 << 3 << "a[-]Quorvane[-]b"s;
-        QTest::newRow("no marker") << "True"s << subscript << 0 << ""s;
-        QTest::newRow("half a marker") << "3[-]Quorvane"s << subscript << 0 << ""s;
-        QTest::newRow("no length") << "[-]Quorvane[-]abc"s << mismatch << 0 << ""s;
-        QTest::newRow("words for a length") << "many[-]Quorvane[-]abc"s << mismatch << 0 << ""s;
-        QTest::newRow("a length beyond 32 bits")
-            << "4294967297[-]Quorvane[-]abc"s << numberOf(ErrorNumber::Overflow) << 0 << ""s;
+        addRow("usual", "12[-]Quorvane[-]abc"s, 0, 12, "abc"s);
+        addRow("no data", "0[-]Quorvane[-]"s, 0, 0, ""s);
+        addRow("marker within the data", "3[-]Quorvane[-]a[-]Quorvane[-]b"s, 0, 3, "a[-]Quorvane[-]b"s);
+        addRow("no marker", "True"s, subscript, 0, ""s);
+        addRow("half a marker", "3[-]Quorvane"s, subscript, 0, ""s);
+        addRow("no length", "[-]Quorvane[-]abc"s, mismatch, 0, ""s);
+        addRow("words for a length", "many[-]Quorvane[-]abc"s, mismatch, 0, ""s);
+        addRow("a length beyond 32 bits", "4294967297[-]Quorvane[-]abc"s, numberOf(ErrorNumber::Overflow), 0, ""s);
     }
     void lengthAndDataStandAroundTheMarker()
     {
@@ -41,9 +38,7 @@ private Q_SLOTS:
 
     void howManyBytesOfAListAreTaken_data()
     {
-        QTest::addColumn<std::size_t>("most");
-        QTest::addColumn<std::string>("taken");
-        QTest::addColumn<bool>("isCut");
+        addColumns<std::size_t, std::string, bool>("most", "taken", "isCut");
         QTest::newRow("all") << std::size_t{9} << "aa||b||cc"s << false;
         QTest::newRow("one less") << std::size_t{8} << "aa||b"s << true;
         QTest::newRow("up to a separator") << std::size_t{5} << "aa||b"s << true;

@@ -1,3 +1,4 @@
+#include "support/AddRow.h"
 #include "support/LinkRig.h"
 
 #include <QEventLoop>
@@ -117,8 +118,7 @@ private Q_SLOTS:
 
     void aHandlerThatFailsIsReportedAndHoldsNothingUp_data()
     {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<QString>("error");
+        addColumns<int, QString>("kind", "error");
         QTest::newRow("an error of ours") << 0 << u"Error 13: Type mismatch"_s;
         QTest::newRow("the library's") << 1 << u"Error 51: Internal error: stop"_s;
         QTest::newRow("no memory") << 2 << u"Error 7: Out of memory"_s;
@@ -153,9 +153,7 @@ private Q_SLOTS:
 
     void aPluginMessageAnswersNothingButARawRequest_data()
     {
-        QTest::addColumn<Request>("request");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<int>("answers");
+        addColumns<Request, QByteArray, int>("request", "body", "answers");
         const QByteArray news = "Plugin_qrvStats_a_b";
         QTest::newRow("in front of the answer") << profilesRequest << twoMessages(news, "profiles") << 1;
         QTest::newRow("in front of it, twice") << profilesRequest << twoMessages(news, twoMessages(news, "x")) << 1;

@@ -42,8 +42,7 @@ private Q_SLOTS:
     void howAReplyIsCutUpMakesNoDifference_data()
     {
         using Bodies = std::vector<std::string>;
-        QTest::addColumn<std::string>("bytes");
-        QTest::addColumn<Bodies>("bodies");
+        addColumns<std::string, Bodies>("bytes", "bodies");
         addRow("one message", "0000011[ST]abc[ND]"s, Bodies{"abc"});
         addRow("nothing in it", "0000008[ST][ND]"s, Bodies{""});
         addRow("two replies", "0000009[ST]A[ND]0000009[ST]B[ND]"s, Bodies{"A", "B"});
@@ -139,8 +138,7 @@ private Q_SLOTS:
 
     void loginRepliesAreRecognisedAnywhere_data()
     {
-        QTest::addColumn<std::string>("reply");
-        QTest::addColumn<int>("kind");
+        addColumns<std::string, int>("reply", "kind");
         addRow("failure", "[ST]Login Failed: wrong password.[ND]"s, int(ReplyKind::LoginFailed));
         addRow("failure far inside", "[ST]a[ND][ST]b_Login Failed_c[ND]"s, int(ReplyKind::LoginFailed));
         addRow("failure in front of success", "[ST]Success_a_b_c_1[ND][ST]Login Failed[ND]"s,
@@ -175,10 +173,7 @@ private Q_SLOTS:
 
     void aSuccessGivesPrivilegesAndPort_data()
     {
-        QTest::addColumn<std::string>("reply");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<std::string>("privileges");
-        QTest::addColumn<int>("port");
+        addColumns<std::string, int, std::string, int>("reply", "error", "privileges", "port");
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
         addRow("as it should be", "[ST]Success_a_b_U3VwZXI=_8000[ND]"s, 0, "U3VwZXI="s, 8000);

@@ -15,9 +15,7 @@ class StatusReplyTest : public QObject
 private Q_SLOTS:
     void aStatusReplyNamesTheTrackersPlugins_data()
     {
-        QTest::addColumn<std::string>("body");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<Plugins>("plugins");
+        addColumns<std::string, int, Plugins>("body", "error", "plugins");
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
         addRow("three and four fields", "Status_QUJD-1-REVG|R0hJ-2-SktM-x"s, 0, Plugins{{"ABC", {}}, {"GHI", "x"}});
@@ -47,11 +45,7 @@ private Q_SLOTS:
 
     void aPluginMessageNamesItsComponent_data()
     {
-        QTest::addColumn<std::string>("body");
-        QTest::addColumn<bool>("isOne");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<std::string>("component");
-        QTest::addColumn<std::string>("payload");
+        addColumns<std::string, bool, int, std::string, std::string>("body", "isOne", "error", "component", "payload");
         addRow("payload with separators", "Plugin_qrvStats_a_b"s, true, 0, "qrvrcStats"s, "a_b"s);
         addRow("every occurrence is renamed", "Plugin_qrvXqrvY_p"s, true, 0, "qrvrcXqrvrcY"s, "p"s);
         addRow("other letter case stays", "Plugin_QRVStats_p"s, true, 0, "QRVStats"s, "p"s);

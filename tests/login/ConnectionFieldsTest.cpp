@@ -1,6 +1,7 @@
 #include "login/ConnectionFields.h"
 
 #include "base/RaisedError.h"
+#include "support/AddRow.h"
 
 using namespace std::string_literals;
 
@@ -11,28 +12,24 @@ class ConnectionFieldsTest : public QObject
 private Q_SLOTS:
     void theFirstFaultIsTold_data()
     {
-        QTest::addColumn<ConnectionFields>("fields");
-        QTest::addColumn<std::string>("fault");
-        QTest::newRow("all is there") << ConnectionFields{"n", "h", "1", "u", "p"} << ""s;
-        QTest::newRow("nothing is there") << ConnectionFields{} << "Profile Name field is empty!"s;
-        QTest::newRow("blanks are nothing")
-            << ConnectionFields{" \t", "h", "1", "u", "p"} << "Profile Name field is empty!"s;
-        QTest::newRow("no host and nothing behind it")
-            << ConnectionFields{"n", " ", "", "", ""} << "Host field is empty!"s;
-        QTest::newRow("no port") << ConnectionFields{"n", "h", "", "", ""} << "Port field is empty!"s;
-        QTest::newRow("no user name") << ConnectionFields{"n", "h", "1", " ", ""} << "Username field is empty!"s;
-        QTest::newRow("no password") << ConnectionFields{"n", "h", "1", "u", ""} << "Password field is empty!"s;
-        QTest::newRow("a password of blanks")
-            << ConnectionFields{"n", "h", "1", "u", "  "} << "Password field is empty!"s;
-        QTest::newRow("the entry for new profiles")
-            << ConnectionFields{"New Profile", "h", "1", "u", "p"} << "Please choose another Profile Name!"s;
+        addColumns<ConnectionFields, std::string>("fields", "fault");
+        addRow("all is there", ConnectionFields{"n", "h", "1", "u", "p"}, ""s);
+        addRow("nothing is there", ConnectionFields{}, "Profile Name field is empty!"s);
+        addRow("blanks are nothing", ConnectionFields{" \t", "h", "1", "u", "p"}, "Profile Name field is empty!"s);
+        addRow("no host and nothing behind it", ConnectionFields{"n", " ", "", "", ""}, "Host field is empty!"s);
+        addRow("no port", ConnectionFields{"n", "h", "", "", ""}, "Port field is empty!"s);
+        addRow("no user name", ConnectionFields{"n", "h", "1", " ", ""}, "Username field is empty!"s);
+        addRow("no password", ConnectionFields{"n", "h", "1", "u", ""}, "Password field is empty!"s);
+        addRow("a password of blanks", ConnectionFields{"n", "h", "1", "u", "  "}, "Password field is empty!"s);
+        addRow("the entry for new profiles", ConnectionFields{"New Profile", "h", "1", "u", "p"},
+               "Please choose another Profile Name!"s);
         for (const char character : {'[', ']', '\n', '\r'}) {
             QTest::addRow("a name with character %d", character)
                 << ConnectionFields{std::string("a") + character, "h", "1", "u", "p"}
                 << "The Profile Name cannot hold brackets or line breaks!"s;
         }
-        QTest::newRow("the entry for new profiles, spelt otherwise")
-            << ConnectionFields{" new profile", "h", "1", "u", "p"} << "Please choose another Profile Name!"s;
+        addRow("the entry for new profiles, spelt otherwise", ConnectionFields{" new profile", "h", "1", "u", "p"},
+               "Please choose another Profile Name!"s);
     }
     void theFirstFaultIsTold()
     {
@@ -60,9 +57,7 @@ private Q_SLOTS:
 
     void hostsAreDottedAddressesOrNames_data()
     {
-        QTest::addColumn<std::string>("host");
-        QTest::addColumn<bool>("isAddress");
-        QTest::addColumn<std::string>("connected");
+        addColumns<std::string, bool, std::string>("host", "isAddress", "connected");
         QTest::newRow("address") << "10.0.0.7"s << true << "10.0.0.7"s;
         QTest::newRow("values are not looked at") << "999.1.1.1"s << true << "999.1.1.1"s;
         QTest::newRow("three parts") << "10.0.7"s << false << "10.0.7"s;
@@ -86,8 +81,7 @@ private Q_SLOTS:
 
     void portsAreNumbersInRange_data()
     {
-        QTest::addColumn<std::string>("text");
-        QTest::addColumn<int>("port");
+        addColumns<std::string, int>("text", "port");
         QTest::newRow("lowest") << "1"s << 1;
         QTest::newRow("highest") << "65535"s << 65535;
         QTest::newRow("blanks around") << " 80 "s << 80;

@@ -1,8 +1,8 @@
+#include "support/AddRow.h"
 #include "support/Desk.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -50,24 +50,20 @@ private Q_SLOTS:
 
     void aLoginThatFailsIsToldOnce_data()
     {
-        QTest::addColumn<Fault>("fault");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("told");
-        QTest::newRow("refused") << Fault::none() << QByteArray() << u"Login Failed: wrong password."_s;
-        QTest::newRow("refused in markup")
-            << Fault::none() << "Login Failed: <b>no</b>"_ba << u"Login Failed: <b>no</b>"_s;
-        QTest::newRow("refused byte by byte") << Fault::chunks(1) << QByteArray() << u"Login Failed: wrong password."_s;
-        QTest::newRow("nonsense") << Fault::garbage() << QByteArray() << noAnswer;
-        QTest::newRow("nothing in it") << Fault::emptyBody() << QByteArray() << noAnswer;
-        QTest::newRow("success without privileges") << Fault::none() << "Success_a"_ba << notUnderstood;
-        QTest::newRow("success without a port") << Fault::none() << "Success_a_b_U3VwZXI=_x"_ba << notUnderstood;
-        QTest::newRow("privileges that are no Base64")
-            << Fault::none() << "Success_a_b_Su!er===_8000"_ba << notUnderstood;
-        QTest::newRow("silent") << Fault::never() << QByteArray() << noAnswer;
-        QTest::newRow("silent in the length") << Fault::silentAfter(4) << QByteArray() << noAnswer;
-        QTest::newRow("closed at once") << Fault::cutOffAfter(0) << QByteArray() << closed;
-        QTest::newRow("closed in the reply") << Fault::cutOffAfter(15) << QByteArray() << closed;
-        QTest::newRow("reset") << Fault::reset() << QByteArray() << closed;
+        addColumns<Fault, QByteArray, QString>("fault", "body", "told");
+        addRow("refused", Fault::none(), QByteArray(), u"Login Failed: wrong password."_s);
+        addRow("refused in markup", Fault::none(), "Login Failed: <b>no</b>"_ba, u"Login Failed: <b>no</b>"_s);
+        addRow("refused byte by byte", Fault::chunks(1), QByteArray(), u"Login Failed: wrong password."_s);
+        addRow("nonsense", Fault::garbage(), QByteArray(), noAnswer);
+        addRow("nothing in it", Fault::emptyBody(), QByteArray(), noAnswer);
+        addRow("success without privileges", Fault::none(), "Success_a"_ba, notUnderstood);
+        addRow("success without a port", Fault::none(), "Success_a_b_U3VwZXI=_x"_ba, notUnderstood);
+        addRow("privileges that are no Base64", Fault::none(), "Success_a_b_Su!er===_8000"_ba, notUnderstood);
+        addRow("silent", Fault::never(), QByteArray(), noAnswer);
+        addRow("silent in the length", Fault::silentAfter(4), QByteArray(), noAnswer);
+        addRow("closed at once", Fault::cutOffAfter(0), QByteArray(), closed);
+        addRow("closed in the reply", Fault::cutOffAfter(15), QByteArray(), closed);
+        addRow("reset", Fault::reset(), QByteArray(), closed);
     }
     void aLoginThatFailsIsToldOnce()
     {
@@ -98,8 +94,7 @@ private Q_SLOTS:
 
     void aServerOfAnotherKindIsNoTracker_data()
     {
-        QTest::addColumn<QByteArray>("greeting");
-        QTest::addColumn<QString>("told");
+        addColumns<QByteArray, QString>("greeting", "told");
         QTest::newRow("a web server") << "HTTP/1.1 400 Bad Request\r\nConnection: keep-alive\r\n\r\n"_ba << noAnswer;
         QTest::newRow("one that talks first") << "220 ready [ND] 250 [ND]"_ba << noAnswer;
     }

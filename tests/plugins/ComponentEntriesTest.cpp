@@ -1,8 +1,7 @@
 #include "plugins/ComponentEntries.h"
 
 #include "base/RuntimeError.h"
-
-#include <QTest>
+#include "support/AddRow.h"
 
 class ComponentEntriesTest : public QObject
 {
@@ -19,9 +18,7 @@ private Q_SLOTS:
 
     void anEntryIsTestedByItsClassAndListedByItsType_data()
     {
-        QTest::addColumn<QByteArray>("entry");
-        QTest::addColumn<QByteArray>("progId");
-        QTest::addColumn<QByteArray>("line");
+        addColumns<QByteArray, QByteArray, QByteArray>("entry", "progId", "line");
         const auto row = [](const char* entry, const char* progId, const char* line) {
             QTest::newRow(entry) << QByteArray(entry) << QByteArray(progId) << QByteArray(line);
         };
@@ -66,16 +63,13 @@ private Q_SLOTS:
 
     void theReportNamesTheSystemAndEveryLine_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QByteArray>("version");
-        QTest::addColumn<QByteArray>("expected");
-        QTest::newRow("name with the place of its files")
-            << QByteArray(" Windows Vista |C:\\Windows|") << QByteArray("6.0.6002")
-            << QByteArray("Windows Vista, 6.0, 6002, 2.1");
-        QTest::newRow("more than three parts")
-            << QByteArray("Linux") << QByteArray("6.1.0-18-amd64.x") << QByteArray("Linux, 6.1, 0-18-amd64, 2.1");
-        QTest::newRow("one part") << QByteArray("Linux") << QByteArray("6") << QByteArray("Linux, 6, , 2.1");
-        QTest::newRow("nothing known") << QByteArray() << QByteArray() << QByteArray(", , , 2.1");
+        addColumns<QByteArray, QByteArray, QByteArray>("name", "version", "expected");
+        addRow("name with the place of its files", QByteArray(" Windows Vista |C:\\Windows|"), QByteArray("6.0.6002"),
+               QByteArray("Windows Vista, 6.0, 6002, 2.1"));
+        addRow("more than three parts", QByteArray("Linux"), QByteArray("6.1.0-18-amd64.x"),
+               QByteArray("Linux, 6.1, 0-18-amd64, 2.1"));
+        addRow("one part", QByteArray("Linux"), QByteArray("6"), QByteArray("Linux, 6, , 2.1"));
+        addRow("nothing known", QByteArray(), QByteArray(), QByteArray(", , , 2.1"));
     }
     void theReportNamesTheSystemAndEveryLine()
     {

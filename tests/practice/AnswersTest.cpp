@@ -1,7 +1,6 @@
 #include "practice/answers/Answers.h"
 #include "Caller.h"
-
-#include <QTest>
+#include "support/AddRow.h"
 
 using namespace practice;
 using namespace Qt::StringLiterals;
@@ -29,10 +28,8 @@ private Q_SLOTS:
 
     void aStartIsAcknowledgedOrRefused_data()
     {
-        QTest::addColumn<QByteArray>("user");
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArray>("reply");
-        QTest::addColumn<int>("started"); // for this profile; 0 for none
+        // started: for this profile; 0 for none
+        addColumns<QByteArray, QByteArray, QByteArray, int>("user", "text", "reply", "started");
         const auto row = [](const char* tag, const QByteArray& user, const QByteArray& text, const QByteArray& reply,
                             int started) { QTest::newRow(tag) << user << text << reply << started; };
         const QByteArray done = "";

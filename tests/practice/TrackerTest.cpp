@@ -13,9 +13,8 @@ class TrackerTest : public QObject
 private Q_SLOTS:
     void aLoginIsAnsweredByItsAccount_data()
     {
-        QTest::addColumn<QByteArray>("user");
-        QTest::addColumn<QByteArray>("password");
-        QTest::addColumn<QByteArray>("privileges"); // how they begin; empty when the login fails
+        // privileges: how they begin; empty when the login fails
+        addColumns<QByteArray, QByteArray, QByteArray>("user", "password", "privileges");
         addRow("super", "admin"_ba, "admin"_ba, "Super"_ba);
         addRow("some", "moderator"_ba, "moderator"_ba, "User|Profiles|Edit Profiles=0|Attach Profiles to Games=1|"_ba);
         addRow("none", "guest"_ba, "guest"_ba, "User|Profiles|Edit Profiles=0|Attach Profiles to"_ba);
@@ -51,9 +50,7 @@ private Q_SLOTS:
 
     void aFaultDoesWhatItsNameSays_data()
     {
-        QTest::addColumn<Fault>("fault");
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<bool>("closes");
+        addColumns<Fault, QByteArray, bool>("fault", "bytes", "closes");
         const QByteArray whole = "0000013[ST]a_b_c[ND]";
         addRow("none", Fault::none(), whole, false);
         addRow("late", Fault::late(std::chrono::milliseconds(1)), whole, false);
@@ -97,11 +94,9 @@ private Q_SLOTS:
 
     void anActionNeedsItsPrivilege_data()
     {
-        QTest::addColumn<QByteArray>("user");
-        QTest::addColumn<QByteArray>("request");
-        QTest::addColumn<QByteArray>("reply");
-        QTest::addColumn<int>("firstProcess"); // of profile 1 afterwards
-        QTest::addColumn<int>("secondProcess");
+        // firstProcess: of profile 1 afterwards
+        addColumns<QByteArray, QByteArray, QByteArray, int, int>("user", "request", "reply", "firstProcess",
+                                                                 "secondProcess");
         addRow("super attaches", "admin"_ba, "Attach_admin_VB6_2_200"_ba, "True"_ba, 100, 200);
         addRow("moderator attaches", "moderator"_ba, "Attach_moderator_VB6_2_200"_ba, "True"_ba, 100, 200);
         addRow("guest attaches", "guest"_ba, "Attach_guest_VB6_2_200"_ba, "False"_ba, 100, 0);

@@ -95,9 +95,8 @@ private Q_SLOTS:
 
     void aFileInUnicodeIsReadAndLosesNothing_data()
     {
-        QTest::addColumn<std::string>("bytes");
-        QTest::addColumn<std::string>("section");
-        QTest::addColumn<std::string>("written"); // after k=2 was set; empty when that is refused
+        // written: after k=2 was set; empty when that is refused
+        addColumns<std::string, std::string, std::string>("bytes", "section", "written");
         addRow("low byte first", "\xFF\xFE[\0\xE9\0]\0\n\0k\0=\0001\0\n\0"s, "\xE9"s, "[\xE9]\nk=2\n"s);
         addRow("high byte first", "\xFE\xFF\0[\0\xE9\0]\0\n\0k\0=\0001\0\n"s, "\xE9"s, "[\xE9]\nk=2\n"s);
         addRow("half a character at the end", "\xFE\xFF\0[\0s\0]\0\n\0k\0=\0001\0\n\0"s, "s"s, "[s]\nk=2\n"s);
@@ -280,8 +279,7 @@ private Q_SLOTS:
 
     void webAddressesAreBroughtIntoForm_data()
     {
-        QTest::addColumn<std::string>("typed");
-        QTest::addColumn<std::string>("address");
+        addColumns<std::string, std::string>("typed", "address");
         addRow("plain", "http://stats.example/php"s, "http://stats.example/php"s);
         addRow("no scheme", " stats.example:8080/ "s, "http://stats.example:8080"s);
         addRow("scheme in capitals", "HTTPS://Stats.example//"s, "https://Stats.example"s);

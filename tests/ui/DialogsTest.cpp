@@ -1,13 +1,13 @@
 #include "ui/Dialogs.h"
 
 #include "diagnostics/report/TrappedError.h"
+#include "support/AddRow.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTest>
 #include <QTimer>
 
 #include <memory>
@@ -94,8 +94,7 @@ private Q_SLOTS:
 
     void aQuestionIsAnsweredYesOnlyByYes_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<bool>("answer");
+        addColumns<int, bool>("key", "answer");
         QTest::newRow("Enter takes the default") << int(Qt::Key_Return) << false;
         QTest::newRow("Escape") << int(Qt::Key_Escape) << false;
         QTest::newRow("closed") << 0 << false;
@@ -142,9 +141,7 @@ private Q_SLOTS:
 
     void aTrappedErrorShowsTheOutcomeOfItsReport_data()
     {
-        QTest::addColumn<bool>("atOnce");
-        QTest::addColumn<bool>("delivered");
-        QTest::addColumn<QString>("line");
+        addColumns<bool, bool, QString>("atOnce", "delivered", "line");
         QTest::newRow("at once") << true << true << u"Error Report Sent: Yes"_s;
         QTest::newRow("later") << false << true << u"Error Report Sent: Yes"_s;
         QTest::newRow("failed") << false << false << u"Error Report Sent: Failed!"_s;

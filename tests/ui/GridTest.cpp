@@ -1,4 +1,5 @@
 #include "ui/Grid.h"
+#include "support/AddRow.h"
 #include "ui/CopyActions.h"
 
 #include <QAction>
@@ -10,7 +11,6 @@
 #include <QMenu>
 #include <QProxyStyle>
 #include <QSignalSpy>
-#include <QTest>
 #include <QTextDocumentFragment>
 #include <QToolTip>
 
@@ -63,9 +63,7 @@ class GridTest : public QObject
 private Q_SLOTS:
     void textsFromOutsideAreOneLineOfPlainText_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("looksLike");
-        QTest::addColumn<bool>("same");
+        addColumns<QString, QString, bool>("text", "looksLike", "same");
         QTest::newRow("markup is not interpreted") << u"<!-- nothing -->"_s << QString() << false;
         QTest::newRow("nor are entities") << u"&lt;x"_s << u"<x"_s << false;
         QTest::newRow("line breaks") << u"a\r\nb\tc"_s << u"a  b c"_s << true;

@@ -1,9 +1,9 @@
+#include "support/AddRow.h"
 #include "support/Desk.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QSpinBox>
-#include <QTest>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -43,11 +43,8 @@ class OptionsTest : public QObject
 private Q_SLOTS:
     void whatIsStoredIsInForce_data()
     {
-        QTest::addColumn<QByteArray>("stored");
-        QTest::addColumn<QString>("location");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<bool>("isOtherEnabled");
-        QTest::addColumn<bool>("isAutomatic");
+        addColumns<QByteArray, QString, QString, bool, bool>("stored", "location", "shown", "isOtherEnabled",
+                                                             "isAutomatic");
         const auto section = [](const QString& lines) { return "[Settings]\r\n" + lines.toLatin1(); };
         QTest::newRow("nothing") << QByteArray() << QString() << QString() << false << false;
         QTest::newRow("empty") << section(u"UpdateUrl=\r\n"_s) << first << first << false << false;
@@ -109,8 +106,7 @@ private Q_SLOTS:
 
     void ownSettingsThatMakeNoSenseAreNotStored_data()
     {
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("text");
+        addColumns<QString, QString>("field", "text");
         QTest::newRow("no web host") << u"txtMakerHost"_s << u"ftp://host"_s;
         QTest::newRow("no host at all") << u"txtMakerHost"_s << u"maker"_s;
         QTest::newRow("half a key") << u"txtUpdateKey"_s << u"2Vtr74XT"_s;

@@ -1,11 +1,11 @@
 #include "updates/UpdateAgent.h"
+#include "support/AddRow.h"
 #include "updates/NewsDesk.h"
 #include "updates/UpdateHouse.h"
 
 #include <QComboBox>
 #include <QDateTime>
 #include <QPlainTextEdit>
-#include <QTest>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -24,15 +24,12 @@ class UpdateAgentTest : public QObject
 private Q_SLOTS:
     void theStartAsksAndTells_data()
     {
-        QTest::addColumn<bool>("core");
-        QTest::addColumn<bool>("plugin");
-        QTest::addColumn<QString>("sentence");
-        QTest::newRow("both")
-            << true << true
-            << u"There is updates available for the QRVRC Core Components and QRVRC Plugins Available."_s;
-        QTest::newRow("core") << true << false << u"There is updates available for the QRVRC Core Components."_s;
-        QTest::newRow("plugins") << false << true << u"There is updates available for the QRVRC Plugins Available."_s;
-        QTest::newRow("neither") << false << false << QString();
+        addColumns<bool, bool, QString>("core", "plugin", "sentence");
+        addRow("both", true, true,
+               u"There is updates available for the QRVRC Core Components and QRVRC Plugins Available."_s);
+        addRow("core", true, false, u"There is updates available for the QRVRC Core Components."_s);
+        addRow("plugins", false, true, u"There is updates available for the QRVRC Plugins Available."_s);
+        addRow("neither", false, false, QString());
     }
     void theStartAsksAndTells()
     {

@@ -2,11 +2,11 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "diagnostics/help/HelpBounds.h"
+#include "support/AddRow.h"
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <map>
 #include <optional>
@@ -83,8 +83,7 @@ private:
 private Q_SLOTS:
     void whatMayBeLaidOutIsBounded_data()
     {
-        QTest::addColumn<QByteArray>("page");
-        QTest::addColumn<bool>("canBe");
+        addColumns<QByteArray, bool>("page", "canBe");
         const auto most = static_cast<qsizetype>(Bounds().helpPageBytes);
         const QByteArray open = "<table><tr><TD>";
         const QByteArray one = "<Table border='1'><tr><td>x</td></tr></TABLE>";
@@ -177,8 +176,7 @@ private Q_SLOTS:
 
     void aNameIsFoundHoweverItIsWritten_data()
     {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<bool>("found");
+        addColumns<QByteArray, bool>("name", "found");
         QTest::newRow("leading slash") << QByteArray("/Login.html") << true;
         QTest::newRow("backslash") << QByteArray("\\Login.html") << true;
         QTest::newRow("other case") << QByteArray("LOGIN.HTML") << true;

@@ -3,11 +3,11 @@
 #include "link/InterfaceLock.h"
 #include "platform/system/FileBytes.h"
 #include "practice/web/WebSide.h"
+#include "support/AddRow.h"
 #include "support/RecordingDialogs.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -79,9 +79,7 @@ private Q_SLOTS:
 
     void onlyAOneFromThePageIsADelivery_data()
     {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<bool>("delivered");
+        addColumns<QByteArray, int, bool>("answer", "status", "delivered");
         QTest::newRow("one") << "1"_ba << 200 << true;
         QTest::newRow("one among others") << "11"_ba << 200 << false;
         QTest::newRow("zero") << "0"_ba << 200 << false;
@@ -116,10 +114,9 @@ private Q_SLOTS:
 
     void howManyAndHowOften_data()
     {
-        QTest::addColumn<int>("different"); // errors, while a box is open
-        QTest::addColumn<int>("times");     // of each
-        QTest::addColumn<int>("boxes");
-        QTest::addColumn<int>("reports");
+        // different: errors, while a box is open
+        // times: of each
+        addColumns<int, int, int, int>("different", "times", "boxes", "reports");
         QTest::newRow("equal ones") << 1 << 100 << 1 << 1;
         QTest::newRow("all reports of a minute") << 5 << 3 << 5 << 5;
         QTest::newRow("one report more") << 6 << 1 << 6 << 5;

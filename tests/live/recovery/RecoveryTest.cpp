@@ -2,6 +2,7 @@
 
 #include "platform/system/FileBytes.h"
 #include "practice/links/RecoveryTool.h"
+#include "support/AddRow.h"
 #include "support/ClientRig.h"
 #include "support/Pane.h"
 
@@ -111,10 +112,9 @@ private Q_SLOTS:
 
     void whatCannotBeSentOpensNoConnection_data()
     {
-        QTest::addColumn<QString>("port"); // empty for the tool's own
-        QTest::addColumn<QString>("profile");
-        QTest::addColumn<int>("option"); // -1 for none
-        QTest::addColumn<bool>("isBoxed");
+        // port: empty for the tool's own
+        // option: -1 for none
+        addColumns<QString, QString, int, bool>("port", "profile", "option", "isBoxed");
         for (const QString& port : {u"0"_s, u"65536"_s, u"http"_s, u"-1"_s, u" "_s, u"4294967297"_s, u"7€"_s})
             QTest::addRow("port %s", qPrintable(port)) << port << u"Home"_s << 2 << true;
         QTest::newRow("no password") << QString() << u"Nameless"_s << 2 << false;
@@ -144,22 +144,19 @@ private Q_SLOTS:
 
     void everyAnswerEndsTheWait_data()
     {
-        QTest::addColumn<Manner>("manner");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("text");
+        addColumns<Manner, QString, QString>("manner", "title", "text");
         const QString done = u"The tracker is running already."_s;
         QString garbage;
         for (int value = 0; value < 256; ++value)
             garbage += CodePage().toText(std::string(1, static_cast<char>(value)));
-        QTest::newRow("pieces") << Manner::Pieces << u"QRVRC"_s << done;
-        QTest::newRow("no end, and silence") << Manner::Endless << u"QRVRC"_s << done;
-        QTest::newRow("no end, and closed") << Manner::CutOff << u"QRVRC"_s << done;
-        QTest::newRow("garbage") << Manner::Garbage << u"QRVRC"_s << garbage;
-        QTest::newRow("closed at once") << Manner::CloseOnly << u"Connection Error"_s
-                                        << u"The QRV Recovery tool closed the connection without an answer.\r\n\r\n"_s +
-                                               nobodyKnows;
-        QTest::newRow("silent") << Manner::Silent << u"Connection Error"_s
-                                << u"The QRV Recovery tool did not answer.\r\n\r\n"_s + nobodyKnows;
+        addRow("pieces", Manner::Pieces, u"QRVRC"_s, done);
+        addRow("no end, and silence", Manner::Endless, u"QRVRC"_s, done);
+        addRow("no end, and closed", Manner::CutOff, u"QRVRC"_s, done);
+        addRow("garbage", Manner::Garbage, u"QRVRC"_s, garbage);
+        addRow("closed at once", Manner::CloseOnly, u"Connection Error"_s,
+               u"The QRV Recovery tool closed the connection without an answer.\r\n\r\n"_s + nobodyKnows);
+        addRow("silent", Manner::Silent, u"Connection Error"_s,
+               u"The QRV Recovery tool did not answer.\r\n\r\n"_s + nobodyKnows);
     }
     void everyAnswerEndsTheWait()
     {

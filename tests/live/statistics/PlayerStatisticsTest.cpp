@@ -54,10 +54,7 @@ class PlayerStatisticsTest : public QObject
 private Q_SLOTS:
     void whatPrecedesAFaultStays_data()
     {
-        QTest::addColumn<std::string>("body");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<int>("players");
-        QTest::addColumn<int>("weapons");
+        addColumns<std::string, int, int, int>("body", "error", "players", "weapons");
         const std::string players = list({"a", "b"});
         const std::string one = entry("k", "1_2");
         addRow("whole", players + "[-][-]" + one + "[-][-]" + list({"w"}), 0, 2, 1);
@@ -82,10 +79,7 @@ private Q_SLOTS:
 
     void theNumberOfFieldsTellsTheFormOfAPlayer_data()
     {
-        QTest::addColumn<GameFamily>("family");
-        QTest::addColumn<std::string>("player");
-        QTest::addColumn<std::string>("key");
-        QTest::addColumn<int>("error");
+        addColumns<GameFamily, std::string, std::string, int>("family", "player", "key", "error");
         const std::string key = "Gh_o|st\xE9_1_2_ID";
         const std::string longForm = ghost + "_1_2_" + base64::encode("ID") + "_0";
         using enum GameFamily;
@@ -137,9 +131,7 @@ private Q_SLOTS:
 
     void shortStatisticsRaise_data()
     {
-        QTest::addColumn<GameFamily>("family");
-        QTest::addColumn<std::string>("record");
-        QTest::addColumn<int>("error");
+        addColumns<GameFamily, std::string, int>("family", "record", "error");
         using enum GameFamily;
         addRow("all that is shown", DeltaForce, counted(26), 0);
         addRow("time is missing", DeltaForce, counted(25), subscript);
@@ -160,11 +152,8 @@ private Q_SLOTS:
 
     void weaponsAreThoseOfOnePlayer_data()
     {
-        QTest::addColumn<GameFamily>("family");
-        QTest::addColumn<std::string>("record");
-        QTest::addColumn<std::string>("player");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<Texts>("cells"); // none when it is another player's
+        // cells: none when it is another player's
+        addColumns<GameFamily, std::string, std::string, int, Texts>("family", "record", "player", "error", "cells");
         const std::string name = "Gh_o|st\xE9";
         using enum GameFamily;
         const auto row = [](const char* tag, GameFamily family, const std::string& record, const std::string& player,
@@ -211,8 +200,7 @@ private Q_SLOTS:
 
     void secondsReadAsTimes_data()
     {
-        QTest::addColumn<int>("seconds");
-        QTest::addColumn<std::string>("text");
+        addColumns<int, std::string>("seconds", "text");
         addRow("none", 0, "00:00:00"s);
         addRow("below a minute", 59, "00:00:59"s);
         addRow("an hour, two minutes, five seconds", 3725, "01:02:05"s);

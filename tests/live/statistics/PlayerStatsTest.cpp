@@ -1,5 +1,6 @@
 #include "live/statistics/qrvrcPlayerStats.h"
 
+#include "support/AddRow.h"
 #include "support/Desk.h"
 #include "ui/GridView.h"
 
@@ -7,7 +8,6 @@
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTableView>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -71,21 +71,16 @@ class PlayerStatsTest : public QObject
 private Q_SLOTS:
     void everyPlayerAndWeaponIsARow_data()
     {
-        QTest::addColumn<int>("profile");
-        QTest::addColumn<QByteArray>("request");
-        QTest::addColumn<QStringList>("player");
-        QTest::addColumn<QStringList>("weapon");
+        addColumns<int, QByteArray, QStringList, QStringList>("profile", "request", "player", "weapon");
         const auto numbers = [](const QString& name, const QString& slot, const QString& team) {
             return QStringList{slot,   name,   team,   u"40"_s, u"3"_s,  u"1"_s,       u"0"_s,
                                u"0"_s, u"0"_s, u"0"_s, u"0"_s,  u"30"_s, u"01:02:05"_s};
         };
-        QTest::newRow("delta force") << int(Alpha) << "GetPlayerStats_admin_VB6_1"_ba
-                                     << numbers(u"Ghost"_s, u"0"_s, u"1"_s)
-                                     << QStringList{u"1"_s, u"M4 Carbine"_s, u"Stand"_s,   u"40"_s,
-                                                    u"3"_s, u"0"_s,          u"00:02:00"_s};
-        QTest::newRow("joint operations")
-            << int(Charlie) << "GetPlayerStats_admin_VB6_3"_ba << numbers(u"K\u00F6nig"_s, u"0"_s, u"1"_s)
-            << QStringList{u"1"_s, u"M4 Carbine"_s, u"N/A"_s, u"40"_s, u"3"_s, u"0"_s, u"00:02:00"_s};
+        addRow("delta force", int(Alpha), "GetPlayerStats_admin_VB6_1"_ba, numbers(u"Ghost"_s, u"0"_s, u"1"_s),
+               QStringList{u"1"_s, u"M4 Carbine"_s, u"Stand"_s, u"40"_s, u"3"_s, u"0"_s, u"00:02:00"_s});
+        addRow("joint operations", int(Charlie), "GetPlayerStats_admin_VB6_3"_ba,
+               numbers(u"K\u00F6nig"_s, u"0"_s, u"1"_s),
+               QStringList{u"1"_s, u"M4 Carbine"_s, u"N/A"_s, u"40"_s, u"3"_s, u"0"_s, u"00:02:00"_s});
     }
     void everyPlayerAndWeaponIsARow()
     {
@@ -131,8 +126,7 @@ private Q_SLOTS:
 
     void theProfileIsTheOneThatItWasOpenedFor_data()
     {
-        QTest::addColumn<int>("id");
-        QTest::addColumn<Fault>("fault");
+        addColumns<int, Fault>("id", "fault");
         QTest::newRow("answered late") << 3 << Fault::none();
         QTest::newRow("news in front") << 3 << Fault::newsFirst();
         QTest::newRow("number 0") << 0 << Fault::none();
@@ -189,9 +183,8 @@ private Q_SLOTS:
 
     void badAnswersAreToldOnceAndChangeLittle_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<int>("rows"); // two were shown before
-        QTest::addColumn<QString>("box");
+        // rows: two were shown before
+        addColumns<QByteArray, int, QString>("body", "rows", "box");
         const auto b = [](const QByteArray& text) { return text.toBase64(); };
         const QByteArray record = "0_1_2_3_4_5_6_7_8_9_10_11_12_13_14_15_16_17_18_19_20_21_22_23_24_25";
         const QByteArray players = b("0_1_" + b("Ghost")) + '|' + b("1_2_" + b("Raven"));

@@ -1,8 +1,7 @@
 #include "live/support/Conversation.h"
 
 #include "base/LongWords.h"
-
-#include <QTest>
+#include "support/AddRow.h"
 
 using Speaker = Conversation::Speaker;
 
@@ -49,9 +48,8 @@ private Q_SLOTS:
 
     void theOldestGo_data()
     {
-        QTest::addColumn<std::size_t>("bytes");
-        QTest::addColumn<std::size_t>("gone");
-        QTest::addColumn<QByteArray>("shown"); // of a filter that fits the first and the last
+        // shown: of a filter that fits the first and the last
+        addColumns<std::size_t, std::size_t, QByteArray>("bytes", "gone", "shown");
         QTest::newRow("as many as may be") << std::size_t(12) << std::size_t(0) << QByteArray("az\n\na1\n\n");
         QTest::newRow("a byte less") << std::size_t(11) << std::size_t(1) << QByteArray("az\n\n");
         QTest::newRow("less than one has") << std::size_t(1) << std::size_t(2) << QByteArray("az\n\n");
@@ -73,18 +71,13 @@ private Q_SLOTS:
 
     void aFilterKeepsWhatFits_data()
     {
-        QTest::addColumn<Speaker>("who");
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArray>("shown");
-        QTest::newRow("host") << Speaker::Host << QByteArray("map")
-                              << QByteArray("Host says:\nlast map\n\nHost says:\nthe map is on\n\n");
-        QTest::newRow("user") << Speaker::User << QByteArray("new")
-                              << QByteArray("admin says:\nwhich map?\n\nThe new map?\n\n");
-        QTest::newRow("all, letter case")
-            << Speaker::All << QByteArray("Map") << QByteArray("Host says:\nMap three\n\n");
-        QTest::newRow("nothing fits") << Speaker::User << QByteArray("three") << QByteArray();
-        QTest::newRow("blanks inside count")
-            << Speaker::All << QByteArray(" map ") << QByteArray("Host says:\nthe map is on\n\n");
+        addColumns<Speaker, QByteArray, QByteArray>("who", "text", "shown");
+        addRow("host", Speaker::Host, QByteArray("map"),
+               QByteArray("Host says:\nlast map\n\nHost says:\nthe map is on\n\n"));
+        addRow("user", Speaker::User, QByteArray("new"), QByteArray("admin says:\nwhich map?\n\nThe new map?\n\n"));
+        addRow("all, letter case", Speaker::All, QByteArray("Map"), QByteArray("Host says:\nMap three\n\n"));
+        addRow("nothing fits", Speaker::User, QByteArray("three"), QByteArray());
+        addRow("blanks inside count", Speaker::All, QByteArray(" map "), QByteArray("Host says:\nthe map is on\n\n"));
     }
     void aFilterKeepsWhatFits()
     {
@@ -125,9 +118,8 @@ private Q_SLOTS:
 
     void aSearchGoesForthAndBack_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArray>("what");
-        QTest::addColumn<QList<int>>("positions"); // from 1
+        // positions: from 1
+        addColumns<QByteArray, QByteArray, QList<int>>("text", "what", "positions");
         QTest::newRow("first character") << QByteArray("Host, Host, host") << QByteArray("Host") << QList<int>{1, 7};
         QTest::newRow("one letter") << QByteArray("aab a") << QByteArray("a") << QList<int>{1, 2, 5};
         QTest::newRow("at the very end") << QByteArray("x map") << QByteArray("map") << QList<int>{3};

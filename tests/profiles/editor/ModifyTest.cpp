@@ -1,5 +1,7 @@
 #include "profiles/editor/EditorUser.h"
 
+#include "support/AddRow.h"
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using practice::Fault;
@@ -87,9 +89,7 @@ private Q_SLOTS:
 
     void badInputIsNamedBeforeItIsSent_data()
     {
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("box");
+        addColumns<QString, QString, QString>("field", "text", "box");
         const QString players = u"'Minimum number of players' must be a number!"_s;
         const QString minutes = u"'Minimum number of minutes' must be a number!"_s;
         QTest::newRow("letters") << u"txtPadnum"_s << u"4x"_s << players;
@@ -161,8 +161,7 @@ private Q_SLOTS:
 
     void openingAnewAsksForWhatWasNotSaved_data()
     {
-        QTest::addColumn<QString>("changed");
-        QTest::addColumn<bool>("discards");
+        addColumns<QString, bool>("changed", "discards");
         QTest::newRow("nothing") << QString() << true;
         QTest::newRow("a field, kept") << u"txtSrHost"_s << false;
         QTest::newRow("a field, discarded") << u"txtSrHost"_s << true;
@@ -224,8 +223,7 @@ private Q_SLOTS:
 
     void theProfileIsTheOneThatItWasOpenedFor_data()
     {
-        QTest::addColumn<int>("id");
-        QTest::addColumn<Fault>("fault");
+        addColumns<int, Fault>("id", "fault");
         QTest::newRow("answered late") << 2 << Fault::none();
         QTest::newRow("news in front") << 2 << Fault::newsFirst();
         QTest::newRow("number 0") << 0 << Fault::none();

@@ -72,8 +72,7 @@ private Q_SLOTS:
     void listsAreSplitAsTheTrackerJoinsThem_data()
     {
         using List = std::vector<std::string>;
-        QTest::addColumn<std::string>("text");
-        QTest::addColumn<List>("entries");
+        addColumns<std::string, List>("text", "entries");
         addRow("empty", ""s, List{});
         addRow("blank", " \t"s, List{});
         addRow("one", "http://a:1"s, List{"http://a:1"});
@@ -93,10 +92,7 @@ private Q_SLOTS:
 
     void aBrokenReplyKeepsWhatCameBefore_data()
     {
-        QTest::addColumn<std::string>("body");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<std::string>("name");
-        QTest::addColumn<int>("connectOnStart");
+        addColumns<std::string, int, std::string, int>("body", "error", "name", "connectOnStart");
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
         const auto with = [](std::size_t element, const std::string& value) {
@@ -126,9 +122,7 @@ private Q_SLOTS:
 
     void answersAreJudged_data()
     {
-        QTest::addColumn<std::string>("system");
-        QTest::addColumn<std::string>("answer");
-        QTest::addColumn<bool>("isYes");
+        addColumns<std::string, std::string, bool>("system", "answer", "isYes");
         addRow("in capitals", "Classic"s, "<b>NO DATA SENT</b>"s, true);
         addRow("imported", ""s, "x\nStats Imported"s, true);
         addRow("another page", "Classic"s, "Welcome"s, false);

@@ -17,12 +17,9 @@ class ScriptCheckTest : public QObject
 private Q_SLOTS:
     void scriptsAreCheckedBeforeTheyJoin_data()
     {
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<QString>("id");
-        QTest::addColumn<QString>("system");
-        QTest::addColumn<bool>("validates");
-        QTest::addColumn<QStringList>("boxes"); // title and beginning of each
-        QTest::addColumn<QList<QByteArray>>("asked");
+        // boxes: title and beginning of each
+        addColumns<QString, QString, QString, bool, QStringList, QList<QByteArray>>("folder", "id", "system",
+                                                                                    "validates", "boxes", "asked");
         const QString classic = u"Quorvane Classic"_s;
         const QString alpha = u"Quorvane Alpha"_s;
         const QString question = u"Link Validated: The URL you entered is valid and the Quorvane Serverside Scripts "

@@ -32,9 +32,7 @@ private Q_SLOTS:
 
     void howManyFilesAreTaken_data()
     {
-        QTest::addColumn<std::string>("text");
-        QTest::addColumn<int>("files");
-        QTest::addColumn<bool>("isCut");
+        addColumns<std::string, int, bool>("text", "files", "isCut");
         addRow("as many as may be", "a|1|2||||b|1|2||"s, 2, false);
         addRow("one more", "a|1|2||b|1|2||c|1|2"s, 2, true);
     }
@@ -50,10 +48,8 @@ private Q_SLOTS:
 
     void entriesAreDecodedByTheirType_data()
     {
-        QTest::addColumn<std::size_t>("type");
-        QTest::addColumn<std::string>("entry");
-        QTest::addColumn<std::string>("fields"); // name, game type, date, size
-        QTest::addColumn<int>("error");
+        // fields: name, game type, date, size
+        addColumns<std::size_t, std::string, std::string, int>("type", "entry", "fields", "error");
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
         addRow("log", std::size_t{0}, "a.txt|05/03/2009|1 KB"s, "a.txt~~05/03/2009~1 KB"s, 0);
         addRow("backup", std::size_t{1}, "a.bma|Coop|05/03/2009|1 KB|more"s, "a.bma~Coop~05/03/2009~1 KB"s, 0);

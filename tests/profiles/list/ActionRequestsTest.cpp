@@ -13,8 +13,7 @@ class ActionRequestsTest : public QObject
 private Q_SLOTS:
     void anOutcomeIsToldFromAProcessList_data()
     {
-        QTest::addColumn<bool>("isOutcome");
-        QTest::addColumn<int>("elements");
+        addColumns<bool, int>("isOutcome", "elements");
         const auto row = [](const char* body, bool isOutcome, int elements) { addRow(body, isOutcome, elements); };
         row("True", true, 1);
         row("False", true, 1);
@@ -36,10 +35,7 @@ private Q_SLOTS:
 
     void aProcessIsDecoded_data()
     {
-        QTest::addColumn<std::string>("element");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<std::string>("id");
-        QTest::addColumn<std::string>("name");
+        addColumns<std::string, int, std::string, std::string>("element", "error", "id", "name");
         const auto of = [](const char* text) { return base64::encode(text); };
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);

@@ -1,5 +1,7 @@
 #include "profiles/list/ActionUser.h"
 
+#include "support/AddRow.h"
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using practice::Fault;
@@ -47,17 +49,14 @@ private Q_SLOTS:
 
     void oddAnswersToAttach_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QStringList>("ids");
-        QTest::addColumn<QStringList>("boxes"); // a part of each
+        // boxes: a part of each
+        addColumns<QByteArray, QStringList, QStringList>("body", "ids", "boxes");
         const QString none = u"There is no process on the host"_s;
-        QTest::newRow("no processes") << ""_ba << QStringList() << QStringList(none);
-        QTest::newRow("blank elements") << "_MXxh_ _MnxicA==_"_ba << QStringList{u"1"_s, u"2"_s} << QStringList();
-        QTest::newRow("the second is no Base64")
-            << "MXxh_%%%%_MXxh"_ba << QStringList(u"1"_s) << QStringList(u"Error 13: "_s);
-        QTest::newRow("the second has one field")
-            << "MXxh_MQ==_MXxh"_ba << QStringList(u"1"_s) << QStringList(u"Error 9: "_s);
-        QTest::newRow("garbage") << "%%%%"_ba << QStringList() << QStringList{u"Error 13: "_s, none};
+        addRow("no processes", ""_ba, QStringList(), QStringList(none));
+        addRow("blank elements", "_MXxh_ _MnxicA==_"_ba, QStringList{u"1"_s, u"2"_s}, QStringList());
+        addRow("the second is no Base64", "MXxh_%%%%_MXxh"_ba, QStringList(u"1"_s), QStringList(u"Error 13: "_s));
+        addRow("the second has one field", "MXxh_MQ==_MXxh"_ba, QStringList(u"1"_s), QStringList(u"Error 9: "_s));
+        addRow("garbage", "%%%%"_ba, QStringList(), QStringList{u"Error 13: "_s, none});
     }
     void oddAnswersToAttach()
     {
@@ -114,11 +113,8 @@ private Q_SLOTS:
 
     void aDropLeavesEverythingUsable_data()
     {
-        QTest::addColumn<QString>("control");
-        QTest::addColumn<int>("row");
-        QTest::addColumn<QByteArray>("request");
-        QTest::addColumn<int>("step"); // 1 for the request behind the picker
-        QTest::addColumn<Fault>("fault");
+        // step: 1 for the request behind the picker
+        addColumns<QString, int, QByteArray, int, Fault>("control", "row", "request", "step", "fault");
         const QList<std::pair<const char*, Fault>> faults{
             {"cut off", Fault::cutOffAfter(9)}, {"reset", Fault::reset()}, {"never", Fault::never()}};
         for (const auto& [name, fault] : faults) {

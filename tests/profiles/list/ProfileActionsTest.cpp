@@ -1,6 +1,7 @@
 #include "profiles/list/ProfileActions.h"
 
 #include "profiles/list/ActionUser.h"
+#include "support/AddRow.h"
 
 #include <QLabel>
 
@@ -93,9 +94,8 @@ private Q_SLOTS:
 
     void anActionIsSentOnceHoweverOftenItIsChosen_data()
     {
-        QTest::addColumn<QString>("control");
-        QTest::addColumn<QByteArray>("request");
-        QTest::addColumn<bool>("runsOn"); // whether the game's process is still there
+        // runsOn: whether the game's process is still there
+        addColumns<QString, QByteArray, bool>("control", "request", "runsOn");
         QTest::newRow("detach") << u"cmdDetach"_s << "Detach_admin_VB6_1"_ba << true;
         QTest::newRow("stop") << u"cmdStop"_s << "StopGame_admin_VB6_1"_ba << false;
     }
@@ -134,8 +134,7 @@ private Q_SLOTS:
 
     void aProfileIsDeletedWhenTheUserIsSure_data()
     {
-        QTest::addColumn<QString>("control");
-        QTest::addColumn<bool>("answer");
+        addColumns<QString, bool>("control", "answer");
         QTest::newRow("the key, Yes") << u"Delete"_s << true;
         QTest::newRow("the key, No") << u"Delete"_s << false;
         QTest::newRow("the menu, Yes") << u"mnuDelete"_s << true;
@@ -183,19 +182,15 @@ private Q_SLOTS:
 
     void windowsOpenForTheProfilesTheyAreFor_data()
     {
-        QTest::addColumn<QString>("control");
-        QTest::addColumn<QByteArray>("profiles");
-        QTest::addColumn<QString>("window");
-        QTest::addColumn<QString>("refusal");
+        addColumns<QString, QByteArray, QString, QString>("control", "profiles", "window", "refusal");
         const QString attached = u"You cannot modify a profile that is attached to a game."_s;
         const QString idle = u"You must select a profile that is hosting!"_s;
         const QString editor = u"qrvrcModify"_s;
         const QString statistics = u"qrvrcPlayerStats"_s;
-        QTest::newRow("editor, blank players") << u"cmdModify"_s << reply("  ", "Map", "2") << editor << QString();
-        QTest::newRow("editor, attached") << u"cmdModify"_s << reply("0/32", "", "0") << editor << attached;
-        QTest::newRow("editor by menu, attached") << u"mnuModify"_s << reply("1/2", "Map", "2") << editor << attached;
-        QTest::newRow("statistics, loading without a map")
-            << u"mnuPlayers"_s << reply("1/2", "", "1") << statistics << idle;
+        addRow("editor, blank players", u"cmdModify"_s, reply("  ", "Map", "2"), editor, QString());
+        addRow("editor, attached", u"cmdModify"_s, reply("0/32", "", "0"), editor, attached);
+        addRow("editor by menu, attached", u"mnuModify"_s, reply("1/2", "Map", "2"), editor, attached);
+        addRow("statistics, loading without a map", u"mnuPlayers"_s, reply("1/2", "", "1"), statistics, idle);
     }
     void windowsOpenForTheProfilesTheyAreFor()
     {

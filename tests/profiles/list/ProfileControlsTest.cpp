@@ -55,9 +55,8 @@ class ProfileControlsTest : public QObject
 private Q_SLOTS:
     void controlsFollowAccountRowAndPlugin_data()
     {
-        QTest::addColumn<QString>("user");
-        QTest::addColumn<bool>("plugin");
-        QTest::addColumn<QStringList>("states"); // of Alpha, Bravo, Charlie and Delta
+        // states: of Alpha, Bravo, Charlie and Delta
+        addColumns<QString, bool, QStringList>("user", "plugin", "states");
         addRow("super", u"admin"_s, false,
                QStringList{u"-D--M aDstMk"_s, u"A---M AdstMk"_s, u"-D--M aDstMk"_s, u"A---M AdstMk"_s});
         addRow("super, game-start plugin", u"admin"_s, true,
@@ -89,9 +88,7 @@ private Q_SLOTS:
 
     void oddPrivilegesAreTakenAsWritten_data()
     {
-        QTest::addColumn<QByteArray>("privileges");
-        QTest::addColumn<QString>("hosting");
-        QTest::addColumn<QString>("notHosting");
+        addColumns<QByteArray, QString, QString>("privileges", "hosting", "notHosting");
         addRow("no section for profiles", "User|Options|View Options=1"_ba, u"a---m adstmk"_s, u"a---m adstmk"_s);
         addRow("no privileges at all", "User"_ba, u"a---m adstmk"_s, u"a---m adstmk"_s);
         addRow("a value that is neither 0 nor 1", "User|Profiles|Attach Profiles to Games=2|Edit Profiles=7"_ba,

@@ -2,6 +2,7 @@
 
 #include "base/Base64.h"
 #include "base/RaisedError.h"
+#include "support/AddRow.h"
 
 using namespace std::string_literals;
 
@@ -32,8 +33,7 @@ private Q_SLOTS:
 
     void brokenRecordsRaise_data()
     {
-        QTest::addColumn<std::string>("element");
-        QTest::addColumn<int>("error");
+        addColumns<std::string, int>("element", "error");
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
         constexpr int subscript = numberOf(ErrorNumber::SubscriptOutOfRange);
         const auto fields = [](const char* map, const char* status, const char* end) {
@@ -60,8 +60,7 @@ private Q_SLOTS:
     void profilesKeepTheirPictures_data()
     {
         using Pairs = std::vector<std::pair<std::string, std::string>>;
-        QTest::addColumn<std::string>("body");
-        QTest::addColumn<Pairs>("profiles");
+        addColumns<std::string, Pairs>("body", "profiles");
         QTest::newRow("two") << "Profiles_A_B_1/|2/"s << Pairs{{"A", "1/"}, {"B", "2/"}};
         QTest::newRow("a blank element keeps its picture's place")
             << "Profiles_A_ _C_1/|2/|3/"s << Pairs{{"A", "1/"}, {"C", "3/"}};
@@ -93,9 +92,7 @@ private Q_SLOTS:
 
     void pictureBytesAreReadOrRefused_data()
     {
-        QTest::addColumn<std::string>("entry");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<std::string>("bytes");
+        addColumns<std::string, int, std::string>("entry", "error", "bytes");
         constexpr int mismatch = numberOf(ErrorNumber::TypeMismatch);
         constexpr int overflow = numberOf(ErrorNumber::Overflow);
         QTest::newRow("whole") << "71/73/70/"s << 0 << "GIF"s;
