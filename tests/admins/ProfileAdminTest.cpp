@@ -1,3 +1,4 @@
+#include "support/AddRow.h"
 #include "support/Desk.h"
 
 #include "admins/AccountDrafts.h"
@@ -10,9 +11,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QTableView>
-#include <QTest>
 #include <QThreadPool>
-#include <QTimer>
 
 #include <functional>
 
@@ -60,8 +59,6 @@ public:
         clickTab(u"tsSection"_s, u"Server Manager"_s);
         return QTest::qWaitFor([&] { return users().size() == 3; });
     }
-    /// Runs `act` from the event loop: inside the wait that the next action starts.
-    void meanwhile(const std::function<void()>& act) { QTimer::singleShot(0, &frame(), act); }
     /// Shows the accounts of that profile and does not wait for them.
     void show(const ChosenProfile& profile)
     {
@@ -100,11 +97,10 @@ public:
     QAbstractItemModel& boxRows() { return *control<QTableView>(u"lstSections"_s).model(); }
     int rowOf(const QString& privilege)
     {
-        for (int row = 0; row < boxRows().rowCount(); ++row) {
-            if (boxRows().index(row, 1).data() == privilege)
-                return row;
-        }
-        qFatal("there is no privilege %s", qPrintable(privilege));
+        const qsizetype row = pane().column(u"lstSections"_s, 1).indexOf(privilege);
+        if (row < 0)
+            qFatal("there is no privilege %s", qPrintable(privilege));
+        return static_cast<int>(row);
     }
     bool isGranted(const QString& privilege)
     {
@@ -138,6 +134,16 @@ public:
     }
     /// The profile that the newest request of that name is about.
     QByteArray profileOf(const QByteArray& request) const { return lastRequest(request).split('_').value(3); }
+};
+
+/// The same with the window open for the administrator.
+struct OpenDesk : AdminDesk
+{
+    OpenDesk()
+    {
+        if (!openAdmins())
+            qFatal("the accounts are not shown");
+    }
 };
 
 } // namespace
@@ -182,8 +188,7 @@ private Q_SLOTS:
 
     void anAccountGoesThroughItsWholeLife()
     {
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         desk.make(u"bob"_s, u"pw \u00e9"_s);
         desk.click(u"cmdAddUser"_s);
         const practice::Account* bob = desk.tracker.world().account("bob");
@@ -213,8 +218,7 @@ private Q_SLOTS:
 
     void onlyABoxIsToggled()
     {
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         const auto& view = desk.control<QTableView>(u"lstSections"_s);
         const int row = desk.rowOf(edit);
         const auto box = [&](int at) { return desk.boxRows().index(at, 0); };
@@ -240,8 +244,7 @@ private Q_SLOTS:
 
     void whatCannotBeSentIsSaid()
     {
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         desk.make(u"bob\u4e00"_s, QString());
         desk.click(u"cmdAddUser"_s);
         desk.fill(u"txtPass"_s, u"pw"_s);
@@ -255,8 +258,7 @@ private Q_SLOTS:
 
     void whatWasTypedSurvivesARefresh()
     {
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         desk.make(u"bob"_s, u"pw"_s);
         desk.selectUser(u"guest"_s);
         desk.click(u"cmdKickUser"_s);
@@ -284,12 +286,9 @@ private Q_SLOTS:
 
     void deniedPrivilegesDisable_data()
     {
-        QTest::addColumn<QString>("user");
-        QTest::addColumn<QStringList>("enabled");
-        QTest::addColumn<int>("users");
-        QTest::newRow("all but a few") << u"moderator"_s << QStringList{u"cmdKickUser"_s, u"fmeLog"_s, u"lstLog"_s}
-                                       << 3;
-        QTest::newRow("none") << u"guest"_s << QStringList() << 0;
+        addColumns<QString, QStringList, int>("user", "enabled", "users");
+        addRow("all but a few", u"moderator"_s, QStringList{u"cmdKickUser"_s, u"fmeLog"_s, u"lstLog"_s}, 3);
+        addRow("none", u"guest"_s, QStringList(), 0);
     }
     void deniedPrivilegesDisable()
     {
@@ -315,21 +314,16 @@ private Q_SLOTS:
 
     void oddListsAreShownAsFarAsTheyGo_data()
     {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QStringList>("users");
-        QTest::addColumn<int>("lines");
-        QTest::addColumn<QString>("error");
+        addColumns<QByteArray, QStringList, int, QString>("body", "users", "lines", "error");
         const QStringList all{u"admin"_s, u"moderator"_s, u"guest"_s};
         const QByteArray good = practice::envelope("YQ==|YQ==|1.2.3.4|on[-]Yg==|Yg==||[-][-]line");
-        QTest::newRow("True") << "True"_ba << all << 2 << QString();
-        QTest::newRow("empty") << ""_ba << all << 2 << QString();
-        QTest::newRow("good") << good << QStringList{u"a"_s, u"b"_s} << 1 << QString();
-        QTest::newRow("no marker") << "False"_ba << QStringList() << 0 << u"Error 9: "_s;
-        QTest::newRow("no length") << "x[-]Quorvane[-]y"_ba << QStringList() << 0 << u"Error 13: "_s;
-        QTest::newRow("wrong length") << "9" + good << QStringList() << 0 << u"Error 321: "_s;
-        QTest::newRow("second account has two fields")
-            << practice::envelope("YQ==|YQ==||[-]Yg==|Yg==[-]Yw==|Yw==||[-][-]line") << QStringList{u"a"_s} << 1
-            << u"Error 9: "_s;
+        addRow("True", "True"_ba, all, 2, QString());
+        addRow("empty", ""_ba, all, 2, QString());
+        addRow("good", good, QStringList{u"a"_s, u"b"_s}, 1, QString());
+        addRow("no marker", "False"_ba, QStringList(), 0, u"Error 9: "_s);
+        addRow("wrong length", "9" + good, QStringList(), 0, u"Error 321: "_s);
+        addRow("second account has two fields", practice::envelope("YQ==|YQ==||[-]Yg==|Yg==[-]Yw==|Yw==||[-][-]line"),
+               QStringList{u"a"_s}, 1, u"Error 9: "_s);
     }
     void oddListsAreShownAsFarAsTheyGo()
     {
@@ -337,8 +331,7 @@ private Q_SLOTS:
         QFETCH(const QStringList, users);
         QFETCH(const int, lines);
         QFETCH(const QString, error);
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         desk.tracker.answerNextWith("GetProfileAdmins", body);
         QVERIFY(desk.comeBack());
         QCOMPARE(desk.users(), users);
@@ -352,9 +345,7 @@ private Q_SLOTS:
 
     void whatIsCutIsSaidBesideTheList_data()
     {
-        QTest::addColumn<int>("most");
-        QTest::addColumn<bool>("areUsersCut");
-        QTest::addColumn<bool>("isLogCut");
+        addColumns<int, bool, bool>("most", "areUsersCut", "isLogCut");
         QTest::newRow("all") << 3 << false << false;
         QTest::newRow("one account too many") << 2 << true << false;
         QTest::newRow("one line too many") << 1 << true << true;
@@ -380,8 +371,7 @@ private Q_SLOTS:
     {
         QFETCH(const bool, isDropped);
         constexpr int many = 6000;
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         desk.tracker.answerNextWith("GetProfileAdmins",
                                     practice::envelope(QByteArray("YQ==|YQ==||[-]").repeated(many)));
         // In the turn of the answer, before any result can be taken.
@@ -404,10 +394,7 @@ private Q_SLOTS:
 
     void nothingIsSavedWithoutItsOwnPrivileges_data()
     {
-        QTest::addColumn<QString>("account");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<int>("rows");
-        QTest::addColumn<bool>("isSent");
+        addColumns<QString, QByteArray, int, bool>("account", "body", "rows", "isSent");
         for (const QString& account : {u"guest"_s, newOne}) {
             const QByteArray name = account.toLatin1();
             QTest::addRow("%s, empty", name.data()) << account << ""_ba << 0 << false;
@@ -445,16 +432,13 @@ private Q_SLOTS:
 
     void walkingThroughTheNamesEndsWithTheLastOne()
     {
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         auto& list = desk.control<QComboBox>(u"cboUser"_s);
         list.setFocus();
-        desk.tracker.hold("GetProfileAdminPrivis");
-        desk.meanwhile([&] { // the answer for the first name is owed
+        desk.beforeAnswer("GetProfileAdminPrivis", [&] { // the one for the first name
             QTest::keyClick(&list, Qt::Key_Down);
             QTest::keyClick(&list, Qt::Key_Up);
             QCOMPARE(desk.boxRows().rowCount(), 0); // nobody else's boxes stand beside the name
-            desk.tracker.releaseAll();
         });
         QTest::keyClick(&list, Qt::Key_Down);
         QTRY_VERIFY(desk.boxRows().rowCount() > 0 && desk.settles());
@@ -516,23 +500,16 @@ private Q_SLOTS:
     void anAnswerFillsNoOtherProfile()
     {
         QFETCH(const QByteArray, request);
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         const qsizetype asked = desk.requestCount(request);
         bool isSeen = false;
         connect(&desk.tracker, &practice::Tracker::requestReceived, this, [&](const QByteArray& name) {
-            const qsizetype nth = name == request ? desk.requestCount(request) - asked : 0;
-            if (nth == 1) {
-                desk.meanwhile([&] {
-                    desk.show(bravo);
-                    desk.tracker.releaseAll();
-                });
-            } else if (nth == 2) { // the answer for the profile before has been handled, the one for this one is owed
-                isSeen = true;
-                QVERIFY(request == "GetProfileAdmins" ? desk.users().isEmpty() : desk.boxRows().rowCount() == 0);
-            }
+            if (name != request || desk.requestCount(request) != asked + 2)
+                return;
+            isSeen = true; // the answer for the profile before has been handled, the one for this one is owed
+            QVERIFY(request == "GetProfileAdmins" ? desk.users().isEmpty() : desk.boxRows().rowCount() == 0);
         });
-        desk.tracker.hold(request);
+        desk.beforeAnswer(request, [&] { desk.show(bravo); });
         desk.clickTab(u"tsSM"_s, u"Admin"_s);
         QTRY_VERIFY(isSeen && desk.settles());
         QTRY_COMPARE(desk.users().size(), 3);
@@ -541,17 +518,14 @@ private Q_SLOTS:
 
     void aClickMeansWhatIsShownThen()
     {
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         desk.choose(u"moderator"_s);
         desk.fill(u"txtPass"_s, u"better"_s);
         desk.selectUser(u"guest"_s);
-        desk.tracker.hold("ModifyProfileAdmin");
-        desk.meanwhile([&] {
+        desk.beforeAnswer("ModifyProfileAdmin", [&] {
             desk.click(u"cmdKickUser"_s);
             desk.show(bravo);
             desk.fill(u"txtUser"_s, u"bob"_s);
-            desk.tracker.releaseAll();
         });
         desk.click(u"cmdModify"_s);
         QCOMPARE(desk.tracker.world().account("moderator")->password, "better"_ba);
@@ -560,11 +534,7 @@ private Q_SLOTS:
         QCOMPARE(desk.text(u"txtUser"_s), u"bob"_s);
 
         desk.make(u"bob"_s, u"pw"_s);
-        desk.tracker.hold("AddProfileAdmin");
-        desk.meanwhile([&] {
-            desk.fill(u"txtUser"_s, u"carl"_s);
-            desk.tracker.releaseAll();
-        });
+        desk.beforeAnswer("AddProfileAdmin", [&] { desk.fill(u"txtUser"_s, u"carl"_s); });
         desk.click(u"cmdAddUser"_s);
         QVERIFY(desk.mayEdit("bob") && !desk.tracker.world().account("carl"));
         QVERIFY(desk.holds(u"carl"_s, u"pw"_s));
@@ -590,8 +560,7 @@ private Q_SLOTS:
 
     void aDropLosesNothingThatWasTyped_data()
     {
-        QTest::addColumn<QByteArray>("request");
-        QTest::addColumn<Fault>("fault");
+        addColumns<QByteArray, Fault>("request", "fault");
         QTest::newRow("cut off") << "AddProfileAdmin"_ba << Fault::cutOffAfter(9);
         QTest::newRow("never") << "GetProfileAdmins"_ba << Fault::never();
     }
@@ -599,8 +568,7 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, request);
         QFETCH(const Fault, fault);
-        AdminDesk desk;
-        QVERIFY(desk.openAdmins());
+        OpenDesk desk;
         desk.make(u"guest"_s, u"pw"_s); // refused, so that only the screen keeps what was typed
         desk.tracker.answerNext(request, fault);
         desk.link().replyLimit = fault == Fault::never() ? 30ms : 60s;

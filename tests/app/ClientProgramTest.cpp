@@ -1,9 +1,10 @@
 #include "practice/links/Tracker.h"
 
+#include "support/AddRow.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -43,8 +44,7 @@ class ClientProgramTest : public QObject
 private Q_SLOTS:
     void questionsAreAnsweredOnStandardOutput_data()
     {
-        QTest::addColumn<QString>("option");
-        QTest::addColumn<QByteArray>("output");
+        addColumns<QString, QByteArray>("option", "output");
         QTest::newRow("version") << u"--version"_s << QByteArray("qrvv3rc " QRVRC_VERSION "\n");
         QTest::newRow("help") << u"--help"_s << "Usage: qrvv3rc [options]\n"_ba;
     }
@@ -61,8 +61,7 @@ private Q_SLOTS:
 
     void badUsageIsOneLineAndTwo_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QByteArray>("says");
+        addColumns<QStringList, QByteArray>("arguments", "says");
         QTest::newRow("unknown option") << QStringList{u"--nothing"_s} << "'nothing'"_ba;
         QTest::newRow("no value") << QStringList{u"--connect"_s} << "Missing value after '--connect'"_ba;
         QTest::newRow("a maker host that is no address")

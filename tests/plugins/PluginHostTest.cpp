@@ -1,5 +1,6 @@
 #include "plugins/PluginHost.h"
 
+#include "support/AddRow.h"
 #include "support/Desk.h"
 #include "support/Registration.h"
 
@@ -7,8 +8,6 @@
 #include <QListWidget>
 #include <QSignalSpy>
 #include <QStatusBar>
-#include <QTest>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -42,11 +41,11 @@ QString tableOf(Desk& desk)
     return plugins.join(u' ');
 }
 
-using Change = void (*)(practice::World&);
+/// Versions of the tracker's plugins where they are not the usual ones, or that it does not have them.
+using Versions = QMap<QByteArray, QByteArray>;
+const QByteArray gone = "gone";
 
 } // namespace
-
-Q_DECLARE_METATYPE(Change)
 
 class PluginHostTest : public QObject
 {
@@ -55,53 +54,41 @@ class PluginHostTest : public QObject
 private Q_SLOTS:
     void whatTheTrackerRunsIsEnabled_data()
     {
-        QTest::addColumn<QString>("user");
-        QTest::addColumn<Change>("change");
-        QTest::addColumn<QString>("table");
-        QTest::addColumn<QString>("update");   // files of the warning that are to be updated
-        QTest::addColumn<QString>("disabled"); // plugins that it names
-        const auto row = [](const char* name, const QString& user, Change change, const QString& table,
-                            const QString& update = {}, const QString& disabled = {}) {
-            QTest::newRow(name) << user << change << table << update << disabled;
-        };
+        // update: files of the warning that are to be updated
+        // disabled: plugins that it names
+        addColumns<QString, Versions, QString, QString, QString>("user", "versions", "table", "update", "disabled");
+        const auto row = [](const char* name, const QString& user, const Versions& versions, const QString& table,
+                            const QString& update = {},
+                            const QString& disabled = {}) { addRow(name, user, versions, table, update, disabled); };
         const QString super = u"admin"_s;
-        row(
-            "both", super, [](practice::World&) {}, u"qrvrcBHDGS+ qrvrcWatch+"_s);
-        row(
-            "one", super, [](practice::World& world) { world.removePlugin("Match Watch"); },
-            u"qrvrcBHDGS+ qrvrcWatch-"_s);
-        row(
-            "none", super, [](practice::World& world) { world.plugins.clear(); }, u"qrvrcBHDGS- qrvrcWatch-"_s);
-        row(
-            "no version", super, [](practice::World& world) { world.setPluginVersion("Match Watch", ""); },
-            u"qrvrcBHDGS+ qrvrcWatch+"_s);
-        row(
-            "one is outdated", super, [](practice::World& world) { world.setPluginVersion("Match Watch", "1001"); },
-            u"qrvrcBHDGS+ qrvrcWatch-"_s, u"qrvrcWatch.dll\r\n"_s, u"Match Watch (qrvrcWatch.dll)\r\n"_s);
-        row(
-            "both are outdated", super,
-            [](practice::World& world) {
-                world.setPluginVersion("Match Watch", "2");
-                world.setPluginVersion("BHD Auto Start", "1000.1");
-            },
-            u"qrvrcBHDGS- qrvrcWatch-"_s, u"qrvrcBHDGS.dll\r\nqrvrcWatch.dll\r\n"_s,
-            u"BHD Auto Start (qrvrcBHDGS.dll)\r\nMatch Watch (qrvrcWatch.dll)\r\n"_s);
-        row(
-            "restricted for the account", u"guest"_s, [](practice::World&) {}, u"qrvrcBHDGS+r qrvrcWatch+r"_s);
-        row(
-            "outdated and restricted", u"guest"_s,
-            [](practice::World& world) { world.setPluginVersion("Match Watch", "1001"); },
-            u"qrvrcBHDGS+r qrvrcWatch-r"_s, u"qrvrcWatch.dll\r\n"_s, u"Match Watch (qrvrcWatch.dll)\r\n"_s);
+        const QString watchFile = u"qrvrcWatch.dll\r\n"_s;
+        const QString watch = u"Match Watch (qrvrcWatch.dll)\r\n"_s;
+        row("both", super, {}, u"qrvrcBHDGS+ qrvrcWatch+"_s);
+        row("one", super, {{"Match Watch", gone}}, u"qrvrcBHDGS+ qrvrcWatch-"_s);
+        row("none", super, {{"Match Watch", gone}, {"BHD Auto Start", gone}}, u"qrvrcBHDGS- qrvrcWatch-"_s);
+        row("no version", super, {{"Match Watch", ""}}, u"qrvrcBHDGS+ qrvrcWatch+"_s);
+        row("one is outdated", super, {{"Match Watch", "1001"}}, u"qrvrcBHDGS+ qrvrcWatch-"_s, watchFile, watch);
+        row("both are outdated", super, {{"Match Watch", "2"}, {"BHD Auto Start", "1000.1"}},
+            u"qrvrcBHDGS- qrvrcWatch-"_s, u"qrvrcBHDGS.dll\r\n"_s + watchFile,
+            u"BHD Auto Start (qrvrcBHDGS.dll)\r\n"_s + watch);
+        row("restricted for the account", u"guest"_s, {}, u"qrvrcBHDGS+r qrvrcWatch+r"_s);
+        row("outdated and restricted", u"guest"_s, {{"Match Watch", "1001"}}, u"qrvrcBHDGS+r qrvrcWatch-r"_s, watchFile,
+            watch);
     }
     void whatTheTrackerRunsIsEnabled()
     {
         QFETCH(const QString, user);
-        QFETCH(const Change, change);
+        QFETCH(const Versions, versions);
         QFETCH(const QString, update);
         QFETCH(const QString, disabled);
         Desk desk;
         addPlugins(desk);
-        change(desk.tracker.world());
+        for (const auto& [plugin, version] : versions.asKeyValueRange()) {
+            if (version == gone)
+                desk.tracker.world().removePlugin(plugin);
+            else
+                desk.tracker.world().setPluginVersion(plugin, version);
+        }
         QVERIFY(desk.open());
         QVERIFY(!desk.core().plugins.isEnabled("BHD Auto Start")); // nobody reports it yet
         QVERIFY(desk.logIn(user));
@@ -127,13 +114,11 @@ private Q_SLOTS:
 
     void problemFilesAreSkippedInAnyLetterCase_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("problem");
-        QTest::addColumn<QString>("table"); // nobody has logged in, so everything is restricted
-        QTest::newRow("as it is") << u"qrvrcWatch.dll"_s << u"qrvrcWatch.dll"_s << u"qrvrcBHDGS-r"_s;
-        QTest::newRow("a file in another case") << u"qrvrcWatch.DLL"_s << u"qrvrcwatch.dll"_s << u"qrvrcBHDGS-r"_s;
-        QTest::newRow("ending in another case")
-            << u"qrvrcWatch.DLL"_s << u"other.dll"_s << u"qrvrcBHDGS-r qrvrcWatch-r"_s;
+        // table: nobody has logged in, so everything is restricted
+        addColumns<QString, QString, QString>("file", "problem", "table");
+        addRow("as it is", u"qrvrcWatch.dll"_s, u"qrvrcWatch.dll"_s, u"qrvrcBHDGS-r"_s);
+        addRow("a file in another case", u"qrvrcWatch.DLL"_s, u"qrvrcwatch.dll"_s, u"qrvrcBHDGS-r"_s);
+        addRow("ending in another case", u"qrvrcWatch.DLL"_s, u"other.dll"_s, u"qrvrcBHDGS-r qrvrcWatch-r"_s);
     }
     void problemFilesAreSkippedInAnyLetterCase()
     {
@@ -299,14 +284,10 @@ private Q_SLOTS:
         Desk desk;
         addPlugins(desk);
         QVERIFY(desk.open());
-        desk.tracker.hold("GetStatus");
-        const auto openWindow = [&](const QByteArray& request) {
-            if (request != "GetStatus")
-                return;
+        desk.beforeAnswer("GetStatus", [&] {
             desk.clickTab(u"tsMain"_s, u"Plugins"_s);
-            QTimer::singleShot(0, &desk.tracker, &practice::Tracker::releaseAll); // behind what the click set off
-        };
-        connect(&desk.tracker, &practice::Tracker::requestReceived, &desk.tracker, openWindow, Qt::QueuedConnection);
+            QCoreApplication::processEvents(); // what the click set off
+        });
         QVERIFY(desk.logIn());
         QCOMPARE(desk.requestCount("GetStatus"), 1);
         QCOMPARE(desk.core().plugins.trackerNames.size(), 2U);
@@ -338,8 +319,7 @@ private Q_SLOTS:
 
     void aMessageForNobodyIsNotedOnceALogin_data()
     {
-        QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QString>("named");
+        addColumns<QByteArray, QString>("message", "named");
         QTest::newRow("unknown") << "Plugin_qrvNothing_x"_ba << u"qrvrcNothing"_s;
         QTest::newRow("another letter case") << "Plugin_qrvWATCH_x"_ba << u"qrvrcWATCH"_s;
         QTest::newRow("renamed twice") << "Plugin_qrvrcWatch_x"_ba << u"qrvrcrcWatch"_s;

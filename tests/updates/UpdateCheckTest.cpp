@@ -60,9 +60,7 @@ class UpdateCheckTest : public QObject
 private Q_SLOTS:
     void onlyTextsWithTheMarkerAreLists_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<bool>("isClientList");
-        QTest::addColumn<bool>("isPluginList");
+        addColumns<QByteArray, bool, bool>("text", "isClientList", "isPluginList");
         addRow("client list", QByteArray(mainLine.data()), true, false);
         addRow("plugin list", QByteArray("a.dll|\\Plugins\\|Plugin|x|1|1.0.0.0"), false, true);
         addRow("marker split by a line end", QByteArray("qrvv3rc.exe|\\|executable\n file|(qrv) main executable|"),
@@ -93,9 +91,7 @@ private Q_SLOTS:
     {
         using R = CheckRule;
         using V = Verdict;
-        QTest::addColumn<UpdateRecord>("offered");
-        QTest::addColumn<CheckRule>("rule");
-        QTest::addColumn<Verdict>("verdict");
+        addColumns<UpdateRecord, CheckRule, Verdict>("offered", "rule", "verdict");
         const std::string plugins = "\\plugins\\";
         addRow("missing", record("new.bin", "\\", 1, ""), R::Client, V::New);
         addRow("missing with its folder", record("n", "\\no\\such\\", 1, ""), R::Client, V::New);
@@ -151,8 +147,7 @@ private Q_SLOTS:
 
     void hostileRecordsAreKeptAside_data()
     {
-        QTest::addColumn<std::string>("name");
-        QTest::addColumn<std::string>("folder");
+        addColumns<std::string, std::string>("name", "folder");
         addRow("up by the name", std::string("..\\x"), std::string("\\"));
         addRow("up by the other separator", std::string("../x"), std::string("\\"));
         addRow("up by the folder", std::string("x"), std::string("\\..\\"));
@@ -264,11 +259,7 @@ private Q_SLOTS:
 
     void newsAreFetchedByTheClock_data()
     {
-        QTest::addColumn<std::string>("stored");
-        QTest::addColumn<std::string>("frequency");
-        QTest::addColumn<int>("hour");
-        QTest::addColumn<bool>("isShown");
-        QTest::addColumn<bool>("due");
+        addColumns<std::string, std::string, int, bool, bool>("stored", "frequency", "hour", "isShown", "due");
         const auto row = [](const char* what, const char* stored, const char* frequency, int hour, bool due) {
             addRow(what, std::string(stored), std::string(frequency), hour, true, due);
         };

@@ -5,6 +5,7 @@
 #include "practice/web/UpdatePages.h"
 #include "practice/web/WebSide.h"
 #include "store/AppFolder.h"
+#include "support/AddRow.h"
 #include "updates/ListCheck.h"
 #include "updates/UpdateState.h"
 #include "updates/UpdateTargets.h"
@@ -13,7 +14,6 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -101,8 +101,7 @@ private Q_SLOTS:
 
     void whatGoesWrongLeavesTheOldFileAndTheQueueGoesOn_data()
     {
-        QTest::addColumn<QByteArray>("fault");
-        QTest::addColumn<QString>("why");
+        addColumns<QByteArray, QString>("fault", "why");
         QTest::newRow("not there") << "notfound"_ba << u"error 404"_s;
         QTest::newRow("error of the host") << "status:500"_ba << u"error 500"_s;
         QTest::newRow("cut off at once") << "cutoff:0"_ba << u"broke off"_s;
@@ -242,18 +241,15 @@ private Q_SLOTS:
 
     void onlyTheManifestOfTheKeyCounts_data()
     {
-        QTest::addColumn<QByteArray>("page"); // served in place of the manifest, if any
-        QTest::addColumn<bool>("isHashed");
-        QTest::addColumn<QByteArray>("fault");
-        QTest::addColumn<QString>("why");
-        QTest::newRow("signed") << QByteArray() << true << "none"_ba << QString();
-        QTest::newRow("not there") << QByteArray() << true << "notfound"_ba << u"no manifest"_s;
-        QTest::newRow("cannot be had") << QByteArray() << true << "cutoff:9"_ba << u"no manifest"_s;
-        QTest::newRow("of another kind of signature")
-            << "serial 7\ndate 2026-01-01\n"_ba << false << "none"_ba << QString();
-        QTest::newRow("of an older release") << "serial 4\ndate 2026-01-01\n"_ba << true << "none"_ba << u"older"_s;
-        QTest::newRow("unreadable") << "serial x\n"_ba << true << "none"_ba << u"cannot be read"_s;
-        QTest::newRow("changed") << "serial 7\ndate 2026-01-02\n"_ba << true << "signature"_ba << u"not signed"_s;
+        // page: served in place of the manifest, if any
+        addColumns<QByteArray, bool, QByteArray, QString>("page", "isHashed", "fault", "why");
+        addRow("signed", QByteArray(), true, "none"_ba, QString());
+        addRow("not there", QByteArray(), true, "notfound"_ba, u"no manifest"_s);
+        addRow("cannot be had", QByteArray(), true, "cutoff:9"_ba, u"no manifest"_s);
+        addRow("of another kind of signature", "serial 7\ndate 2026-01-01\n"_ba, false, "none"_ba, QString());
+        addRow("of an older release", "serial 4\ndate 2026-01-01\n"_ba, true, "none"_ba, u"older"_s);
+        addRow("unreadable", "serial x\n"_ba, true, "none"_ba, u"cannot be read"_s);
+        addRow("changed", "serial 7\ndate 2026-01-02\n"_ba, true, "signature"_ba, u"not signed"_s);
     }
     void onlyTheManifestOfTheKeyCounts()
     {
@@ -320,8 +316,7 @@ private Q_SLOTS:
 
     void onlyAWholeListIsAList_data()
     {
-        QTest::addColumn<QByteArray>("fault");
-        QTest::addColumn<bool>("hasList");
+        addColumns<QByteArray, bool>("fault", "hasList");
         QTest::newRow("whole") << "none"_ba << true;
         QTest::newRow("slow") << "slow:20:1"_ba << true;
         QTest::newRow("error page with a good status") << "errorpage"_ba << false;

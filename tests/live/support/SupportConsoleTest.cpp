@@ -1,6 +1,7 @@
 #include "live/support/SupportDesk.h"
 #include "live/support/qrvrcSupport.h"
 #include "platform/system/CodePage.h"
+#include "support/AddRow.h"
 #include "support/Desk.h"
 
 #include <QAction>
@@ -12,7 +13,6 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QStatusBar>
-#include <QTest>
 #include <QTextBlock>
 
 using namespace Qt::StringLiterals;
@@ -68,11 +68,6 @@ struct ChatDesk : Desk
     }
 };
 
-QByteArray base64(const char* text)
-{
-    return QByteArray(text).toBase64();
-}
-
 } // namespace
 
 class SupportConsoleTest : public QObject
@@ -111,7 +106,8 @@ private Q_SLOTS:
         desk.typeMessage(u"3 % \u20AC \u00E9"_s);
         QTest::keyClick(&desk.typed(), Qt::Key_Return);
         QTRY_COMPARE(desk.operatorSide.texts().size(), 2);
-        QCOMPARE(desk.lastText(), "Message_YWRtaW4=_" + base64("admin says:\r\nWhich map?\r\n3 % \x80 \xE9\r\n\r\n"));
+        QCOMPARE(desk.lastText(),
+                 "Message_YWRtaW4=_" + "admin says:\r\nWhich map?\r\n3 % \x80 \xE9\r\n\r\n"_ba.toBase64());
         QVERIFY(desk.typed().toPlainText().isEmpty());
 
         desk.typeMessage(u"half a word"_s);
@@ -143,8 +139,7 @@ private Q_SLOTS:
 
     void theWaitForTheHostsAnswerEnds_data()
     {
-        QTest::addColumn<QByteArray>("by");
-        QTest::addColumn<QString>("shown");
+        addColumns<QByteArray, QString>("by", "shown");
         QTest::newRow("support link") << QByteArray("text") << u"Connected."_s;
         QTest::newRow("host link") << QByteArray("reply") << u"Connected."_s;
         QTest::newRow("silence") << QByteArray("nothing") << u"Connected. The host has not answered yet."_s;
@@ -203,9 +198,8 @@ private Q_SLOTS:
 
     void aTalkBelongsToItsAccount_data()
     {
-        QTest::addColumn<QString>("user");
-        QTest::addColumn<bool>("elsewhere");
-        QTest::addColumn<bool>("isOpen"); // whether the console stays open
+        // isOpen: whether the console stays open
+        addColumns<QString, bool, bool>("user", "elsewhere", "isOpen");
         QTest::newRow("another user") << u"moderator"_s << false << true;
         QTest::newRow("another user, console closed") << u"moderator"_s << false << false;
         QTest::newRow("another tracker") << u"admin"_s << true << true;
