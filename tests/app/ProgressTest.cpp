@@ -1,5 +1,6 @@
 #include "support/AddRow.h"
 #include "support/Desk.h"
+#include "support/LoggedIn.h"
 
 #include <QLabel>
 #include <QProgressBar>
@@ -48,8 +49,7 @@ private Q_SLOTS:
     {
         QFETCH(const QByteArray, prefix);
         QFETCH(const bool, opens);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         auto& window = desk.control(u"qrvrcProgress"_s);
         QVERIFY(begin(desk, prefix, 400));
         QCOMPARE(isCounting(desk), opens);
@@ -68,8 +68,7 @@ private Q_SLOTS:
 
     void aReplyThatOutgrowsItsLengthFillsTheBarAndGoesOn()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         QVERIFY(begin(desk, "0000600", 2000));
         QCOMPARE(desk.control<QProgressBar>(u"pbData"_s).value(), 600);
         QCOMPARE(label(desk, u"lblRecieved"_s), u"600"_s);
@@ -84,8 +83,7 @@ private Q_SLOTS:
 
     void theNextReplyBeginsAtNothing()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         for (const char* length : {"0002000", "0001000"}) {
             QVERIFY(begin(desk, length, 100));
             QCOMPARE(label(desk, u"lblExpected"_s), QString::number(QByteArray(length).toInt()));
@@ -97,8 +95,7 @@ private Q_SLOTS:
 
     void theWindowClosesWhenTheLinkDrops()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         QVERIFY(begin(desk, "0100000", 100));
         QTRY_VERIFY(desk.control(u"qrvrcProgress"_s).isVisible());
         desk.tracker.closeLinks();
@@ -118,8 +115,7 @@ private Q_SLOTS:
         QFETCH(const bool, yes);
         QFETCH(const bool, completes);
         QFETCH(const bool, stops);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         QVERIFY(begin(desk, "0100000", 100));
         auto& window = desk.control(u"qrvrcProgress"_s);
         QTRY_VERIFY(window.isVisible());

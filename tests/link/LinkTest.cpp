@@ -1,5 +1,6 @@
 #include "support/AddRow.h"
 #include "support/LinkRig.h"
+#include "support/LoggedIn.h"
 
 #include <QSignalSpy>
 
@@ -47,8 +48,7 @@ private Q_SLOTS:
     {
         QFETCH(const Fault, fault);
         QFETCH(const int, end);
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         int handled = 0;
         rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { ++handled; });
         QSignalSpy told(&rig.link, &clsWinSock::hostUnusable);
@@ -69,8 +69,7 @@ private Q_SLOTS:
 
     void eachChunkRestartsTheLimit()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         // A hundred pieces with pauses take longer than the limit, which only a whole pause may exceed.
         rig.tracker.answerNextWith("GetProfiles", QByteArray(985, 'x'));
         rig.tracker.answerNext("GetProfiles", Fault::chunks(10, 17ms));
@@ -83,8 +82,7 @@ private Q_SLOTS:
 
     void aLateReplyIsNotTakenForAnotherRequests()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         std::vector<std::string> bodies;
         for (const char* name : {"GetProfiles", "GetStatus"})
             rig.replies.on(name, &rig.link, [&](std::string_view body) { bodies.emplace_back(body); });
@@ -102,8 +100,7 @@ private Q_SLOTS:
 
     void aDropForgetsWhatWasUnderWay()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         QSignalSpy lost(&rig.link, &clsWinSock::linkLost);
         rig.tracker.sendRaw("0000900[ST]half a rep");
         QSignalSpy chunks(&rig.link, &clsWinSock::chunkArrived);
@@ -155,8 +152,7 @@ private Q_SLOTS:
     void loginRepliesCountWheneverTheyCome()
     {
         QFETCH(const QByteArray, body);
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         QString told;
         QStringList privileges;
         QObject::connect(&rig.link, &clsWinSock::loginFailed, &rig.link,
@@ -186,8 +182,7 @@ private Q_SLOTS:
         QFETCH(const QByteArray, message);
         QFETCH(const int, times);
         QFETCH(const bool, isLeft);
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         int handled = 0;
         rig.replies.onPluginMessage(&rig.link, [&](const std::string&, const std::string& payload) {
             ++handled;

@@ -1,5 +1,6 @@
 #include "support/AddRow.h"
 #include "support/LinkRig.h"
+#include "support/LoggedIn.h"
 
 #include <QEventLoop>
 #include <QSignalSpy>
@@ -33,8 +34,7 @@ class ReentranceTest : public QObject
 private Q_SLOTS:
     void twoAsksAtOnceAreAnsweredInOrder()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         rig.tracker.forgetRequests();
         std::vector<std::string> bodies;
         for (const char* name : {"GetProfiles", "GetStatus"})
@@ -64,8 +64,7 @@ private Q_SLOTS:
 
     void aSilentTrackerIsToldOnceHoweverManyWait()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         QSignalSpy told(&rig.link, &clsWinSock::hostUnusable);
         rig.tracker.answerAll(Fault::never());
         rig.link.replyLimit = 30ms;
@@ -82,8 +81,7 @@ private Q_SLOTS:
 
     void aReplyThatComesWhileAHandlerWaitsIsHandledThere()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         QStringList steps;
         const auto note = [&](const QString& what) { steps += u"%1, locked %2"_s.arg(what).arg(rig.locks); };
         QEventLoop loop;
@@ -108,8 +106,7 @@ private Q_SLOTS:
 
     void aHandlerThatTakesLongDoesNotExpireTheWaitBeneathIt()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         rig.link.replyLimit = 1000ms;
         rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { pauseFor(1100ms); });
         QCOMPARE(ask(rig.link, profilesRequest), WaitEnd::Done);
@@ -127,8 +124,7 @@ private Q_SLOTS:
     {
         QFETCH(const int, kind);
         QFETCH(const QString, error);
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         std::string behind;
         rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) {
             if (kind == 0)
@@ -164,8 +160,7 @@ private Q_SLOTS:
     {
         QFETCH(const Request, request);
         QFETCH(const QByteArray, body);
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         int answers = 0;
         std::string component;
         rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { ++answers; });
@@ -183,8 +178,7 @@ private Q_SLOTS:
 
     void aSilentRawRequestEndsItsOwnWaitAndNothingElse()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         rig.link.rawLimit = 30ms;
         rig.tracker.answerNext("RCData", Fault::never());
         std::optional<WaitEnd> behind;
@@ -196,8 +190,7 @@ private Q_SLOTS:
 
     void handlersGoWithTheirOwners()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         int calls = 0;
         auto owner = std::make_unique<QObject>();
         rig.replies.on("GetProfiles", owner.get(), [&](std::string_view) { ++calls; });
@@ -211,8 +204,7 @@ private Q_SLOTS:
 
     void aHandlerMayCloseTheLink()
     {
-        LinkRig rig;
-        QVERIFY(rig.logIn());
+        LoggedIn<LinkRig> rig;
         int behind = 0;
         rig.replies.onPluginMessage(&rig.link, [&](const std::string&, const std::string&) { ++behind; });
         rig.replies.on("GetProfiles", &rig.link, [&](std::string_view) { rig.link.close(); });

@@ -1,3 +1,4 @@
+#include "support/LoggedIn.h"
 #include "support/RecordingComponent.h"
 
 #include <QTabBar>
@@ -45,8 +46,7 @@ private Q_SLOTS:
     void aDropResetsTheStripsAtOnce()
     {
         QFETCH(const QString, manager);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         desk.clickTab(u"tsSection"_s, manager);
         QVERIFY(desk.settles());
         desk.control<QTimer>(u"Timer1"_s).stop(); // the poll is not needed for it
@@ -61,8 +61,7 @@ private Q_SLOTS:
 
     void aTabBringsItsWindowToTheFront()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         auto& strip = desk.control<QTabBar>(u"tsMain"_s);
         for (const QString& caption : {u"About"_s, u"Help"_s, u"Update"_s, u"Plugins"_s, u"Options"_s, u"Login"_s}) {
             desk.clickTab(u"tsMain"_s, caption);
@@ -81,8 +80,7 @@ private Q_SLOTS:
 
     void theStripsAreReachedAndUsedByKeyboard()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         auto& strip = desk.control<QTabBar>(u"tsMain"_s);
         strip.setFocus();
         QTest::keyClick(&strip, Qt::Key_Right);
@@ -96,8 +94,7 @@ private Q_SLOTS:
     {
         practice::World world = practice::World::small();
         world.profiles.clear();
-        Desk desk(world);
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk(world);
         desk.clickTab(u"tsSection"_s, managers[1]);
         QCOMPARE(desk.boxes.onlyText(), u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
         QCOMPARE(desk.boxes.boxes.constFirst().title, u"Error!"_s);
@@ -119,8 +116,7 @@ private Q_SLOTS:
     {
         QFETCH(const int, row);
         QFETCH(const bool, isActive);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         const auto component = addPlugin(desk);
         desk.clickRow(row);
         desk.clickTab(u"tsSection"_s, managers[1]);
@@ -141,8 +137,7 @@ private Q_SLOTS:
 
     void aTabClickedWhileTheTrackerIsSlowIsNotLost()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         const auto component = addPlugin(desk);
         desk.tracker.hold("GetProfileAdmins");
         bool isOver = false;
@@ -166,8 +161,7 @@ private Q_SLOTS:
 
     void theLastClickOnALockedStripIsHeldBack()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         QWidget& menu = desk.control(u"qrvrcMenu"_s);
         menu.setEnabled(false);
         desk.clickTab(u"tsMain"_s, u"Help"_s);
@@ -180,8 +174,7 @@ private Q_SLOTS:
 
     void aClientThatQuitsReactsToNoClick()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         desk.core().quitting = true;
         desk.clickTab(u"tsMain"_s, u"Options"_s);
         desk.clickTab(u"tsSection"_s, managers[1]);

@@ -5,12 +5,11 @@
 #include "platform/system/FileBytes.h"
 #include "plugins/PluginData.h"
 #include "store/AppFolder.h"
+#include "support/AddRow.h"
 #include "support/Registration.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <fstream>
 
 namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
@@ -97,23 +96,19 @@ private Q_SLOTS:
 
     void faultsOfMembersArrive_data()
     {
-        QTest::addColumn<QString>("member");
-        QTest::addColumn<std::vector<ComponentValue>>("arguments");
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("said");
+        addColumns<QString, std::vector<ComponentValue>, int, QString>("member", "arguments", "number", "said");
         using Values = std::vector<ComponentValue>;
-        QTest::newRow("unknown") << u"Fly"_s << Values{} << 438 << u"no such member"_s;
-        QTest::newRow("own number") << u"HideInterface"_s << Values{"it"} << 1001 << u"cannot hide it"_s;
-        QTest::newRow("exception") << u"RemoteData"_s << Values{"x"} << 51 << u"odd payload x"_s;
-        QTest::newRow("thrown number") << u"RemoteData"_s << Values{""} << 51 << u"unknown type"_s;
-        QTest::newRow("number for a text") << u"RemoteData"_s << Values{7} << 13 << u"text was expected"_s;
-        QTest::newRow("list for a text") << u"HideInterface"_s << Values{ComponentValue::listOf({})} << 13 << u""_s;
-        QTest::newRow("word for a number")
-            << u"LoadInterface"_s << Values{"x", 0, ComponentValue::listOf({""}), ""} << 13 << u"number was"_s;
-        QTest::newRow("text for a list") << u"LoadInterface"_s << Values{1, 0, "x", ""} << 13 << u"list was"_s;
-        QTest::newRow("too few") << u"LoadInterface"_s << Values{1} << 5 << u"number of arguments"_s;
-        QTest::newRow("empty list") << u"LoadInterface"_s << Values{1, 0, ComponentValue::listOf({}), ""} << 51
-                                    << u""_s;
+        addRow("unknown", u"Fly"_s, Values{}, 438, u"no such member"_s);
+        addRow("own number", u"HideInterface"_s, Values{"it"}, 1001, u"cannot hide it"_s);
+        addRow("exception", u"RemoteData"_s, Values{"x"}, 51, u"odd payload x"_s);
+        addRow("thrown number", u"RemoteData"_s, Values{""}, 51, u"unknown type"_s);
+        addRow("number for a text", u"RemoteData"_s, Values{7}, 13, u"text was expected"_s);
+        addRow("list for a text", u"HideInterface"_s, Values{ComponentValue::listOf({})}, 13, u""_s);
+        addRow("word for a number", u"LoadInterface"_s, Values{"x", 0, ComponentValue::listOf({""}), ""}, 13,
+               u"number was"_s);
+        addRow("text for a list", u"LoadInterface"_s, Values{1, 0, "x", ""}, 13, u"list was"_s);
+        addRow("too few", u"LoadInterface"_s, Values{1}, 5, u"number of arguments"_s);
+        addRow("empty list", u"LoadInterface"_s, Values{1, 0, ComponentValue::listOf({}), ""}, 51, u""_s);
     }
     void faultsOfMembersArrive()
     {
@@ -136,11 +131,11 @@ private Q_SLOTS:
 
     void filesThatAreNoPluginsAreRefused_data()
     {
-        QTest::addColumn<QString>("library");
-        QTest::addColumn<double>("share"); // of the library that has been copied
-        QTest::addColumn<QString>("said");
+        // share: of the library that has been copied; below 0 for a text in its place
+        addColumns<QString, double, QString>("library", "share", "said");
         QTest::newRow("no exports") << u"noExports"_s << 1. << u"entry point"_s;
         QTest::newRow("other interface") << u"otherAbi"_s << 1. << u"version 2"_s;
+        QTest::newRow("text") << u"good"_s << -1. << u"damaged"_s;
         QTest::newRow("empty") << u"good"_s << 0. << u"damaged"_s;
         QTest::newRow("first bytes") << u"good"_s << 0.001 << u"damaged"_s;
         QTest::newRow("tenth") << u"good"_s << 0.1 << u"damaged"_s;
@@ -152,22 +147,14 @@ private Q_SLOTS:
         QFETCH(const QString, said);
         Desk desk;
         const fs::path file = desk.put(library.toStdString());
-        if (share < 1)
+        if (share < 0)
+            writeBytes(file, std::string(1000, 'x'));
+        else if (share < 1)
             cutOff(file, share);
         QVERIFY(!isRegistered(desk.components, file));
         desk.enter("sample.clsPlugin", "\\Plugins\\" + library.toStdString() + ".dll");
         const QString refusal = QString::fromStdString(desk.refusal("sample.clsPlugin"));
         QVERIFY2(refusal.contains(library + u".dll"_s) && refusal.contains(said), qPrintable(refusal));
-    }
-
-    void textIsNoLibrary()
-    {
-        Desk desk;
-        const fs::path file = desk.folder.path("\\Plugins\\x.dll");
-        std::ofstream(file) << std::string(1000, 'x');
-        QVERIFY(!isRegistered(desk.components, file));
-        desk.enter("x.clsPlugin", "\\plugins\\X.dll");
-        QVERIFY(desk.refusal("x.clsPlugin").find("X.dll") != std::string::npos);
     }
 
     void onlyWhatIsRegisteredAndThereIsCreated()
@@ -334,9 +321,7 @@ private Q_SLOTS:
 
     void whatAPluginSaysOfItselfIsRead_data()
     {
-        QTest::addColumn<QString>("library");
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("said");
+        addColumns<QString, int, QString>("library", "number", "said");
         QTest::newRow("good") << u"good"_s << 0 << u""_s;
         QTest::newRow("throws a number") << u"dataThrows"_s << 51 << u"GetData, Name"_s;
         QTest::newRow("a number past the border") << u"dataThrowsBare"_s << 51 << u"no exception"_s;
@@ -394,9 +379,8 @@ private Q_SLOTS:
 
     void registrationByTheCommandLineSaysWhatIsWrong_data()
     {
-        QTest::addColumn<QString>("library");
-        QTest::addColumn<QString>("file"); // what it is called in the folder
-        QTest::addColumn<QString>("said");
+        // file: what it is called in the folder
+        addColumns<QString, QString, QString>("library", "file", "said");
         QTest::newRow("good") << u"good"_s << u"sample"_s << u""_s;
         QTest::newRow("class of another name") << u"good"_s << u"other"_s << u"no library is registered"_s;
         QTest::newRow("refuses") << u"refuses"_s << u"bare"_s << u"its registration failed with 5"_s;

@@ -1,6 +1,7 @@
 #include "profiles/list/ActionUser.h"
 
 #include "support/AddRow.h"
+#include "support/LoggedIn.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -22,8 +23,7 @@ private Q_SLOTS:
     void thePickerIsLeftWithoutAChoice()
     {
         QFETCH(const int, way);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         desk.clickRow(Bravo);
         bool isGone = false;
         PickerUser user([&](const Pane& picker) {
@@ -63,8 +63,7 @@ private Q_SLOTS:
         QFETCH(const QByteArray, body);
         QFETCH(const QStringList, ids);
         QFETCH(const QStringList, boxes);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         desk.clickRow(Bravo);
         PickerUser user({});
         desk.click(u"cmdAttach"_s); // a good answer before it, which counts for nothing later
@@ -89,8 +88,7 @@ private Q_SLOTS:
     void aNewProcessListForTheChoiceIsOfferedAgain()
     {
         QFETCH(const bool, byKey);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         desk.clickRow(Bravo);
         PickerUser user([&](const Pane& picker) {
             if (user.opened == 1)
@@ -134,8 +132,7 @@ private Q_SLOTS:
         QFETCH(const QByteArray, request);
         QFETCH(const int, step);
         QFETCH(const Fault, fault);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         pretendStartPlugin(desk);
         desk.clickRow(Charlie);
         desk.clickRow(row);

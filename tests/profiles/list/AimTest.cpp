@@ -1,4 +1,5 @@
 #include "profiles/list/ActionUser.h"
+#include "support/LoggedIn.h"
 #include "support/RecordingComponent.h"
 
 #include <QTabBar>
@@ -96,8 +97,7 @@ private Q_SLOTS:
     void aPluginIsOpenedForTheProfileThatItWasChosenFor()
     {
         QFETCH(const bool, byMenu);
-        Desk desk(threeProfiles());
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk(threeProfiles());
         const auto component = addPlugin(desk);
         const auto aim = [&] {
             if (byMenu) {
@@ -121,8 +121,7 @@ private Q_SLOTS:
 
     void actionsChosenMeanwhileFollowEachOnce()
     {
-        Desk desk(threeProfiles());
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk(threeProfiles());
         desk.clickRow(Alpha);
         const auto more = [&] {
             desk.click(u"cmdDetach"_s); // the same again
@@ -151,8 +150,7 @@ private Q_SLOTS:
     void aProfileThatIsGoneIsLeftAlone()
     {
         QFETCH(const QString, control);
-        Desk desk(threeProfiles());
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk(threeProfiles());
         desk.tracker.world().profiles.removeAt(Bravo);
         const auto act = [&] {
             if (control.startsWith(u"mnu"_s)) {
@@ -186,8 +184,7 @@ private Q_SLOTS:
     void theProfileIsChosenAgainBehindWhatWasDoneWithIt()
     {
         QFETCH(const QString, control);
-        Desk desk(threeProfiles());
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk(threeProfiles());
         desk.clickRow(Charlie);
         use(desk, control);
         if (control != u"cmdDetach"_s) {

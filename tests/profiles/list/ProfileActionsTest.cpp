@@ -2,6 +2,7 @@
 
 #include "profiles/list/ActionUser.h"
 #include "support/AddRow.h"
+#include "support/LoggedIn.h"
 
 #include <QLabel>
 
@@ -35,8 +36,7 @@ class ProfileActionsTest : public QObject
 private Q_SLOTS:
     void aProcessIsChosenAndAttached()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         desk.clickRow(Bravo);
         bool wasLocked = false;
         bool stayedOpen = false;
@@ -73,8 +73,7 @@ private Q_SLOTS:
 
     void aRefusedAttachFromTheMenuOnlyRefreshes()
     {
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         desk.clickRow(Bravo);
         bool wereLocked = false;
         PickerUser user([&](const Pane& picker) {
@@ -103,8 +102,7 @@ private Q_SLOTS:
     {
         QFETCH(const QString, control);
         QFETCH(const QByteArray, request);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         pretendStartPlugin(desk);
         desk.clickRow(Bravo);
         desk.clickRow(Alpha);
@@ -146,8 +144,7 @@ private Q_SLOTS:
         QFETCH(const bool, answer);
         practice::World world = practice::World::small();
         world.profiles[Bravo].name = "Br\xE9_vo";
-        Desk desk(std::move(world));
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk(std::move(world));
         desk.clickRow(Bravo);
         desk.boxes.answer = answer;
         const qsizetype refreshed = desk.requestCount("GetProfiles");
@@ -170,8 +167,7 @@ private Q_SLOTS:
         QVERIFY(desk.logIn(u"moderator"_s));
         pressDelete(desk);
         QVERIFY(desk.boxes.boxes.isEmpty());
-        Desk empty;
-        QVERIFY(empty.logIn());
+        LoggedIn<Desk> empty;
         empty.tracker.world().profiles.clear();
         QVERIFY(empty.refreshQuietly());
         pressDelete(empty);
@@ -198,8 +194,7 @@ private Q_SLOTS:
         QFETCH(const QByteArray, profiles);
         QFETCH(const QString, window);
         QFETCH(const QString, refusal);
-        Desk desk;
-        QVERIFY(desk.logIn());
+        LoggedIn<Desk> desk;
         desk.tracker.answerNextWith("GetProfiles", profiles);
         QVERIFY(desk.refreshQuietly());
         use(desk, control);
