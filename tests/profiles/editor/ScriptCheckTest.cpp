@@ -17,9 +17,11 @@ class ScriptCheckTest : public QObject
 private Q_SLOTS:
     void scriptsAreCheckedBeforeTheyJoin_data()
     {
+        using Asked = QList<QByteArray>;
+        const QByteArray script = "/stats/stats_import.php";
         // boxes: title and beginning of each
-        addColumns<QString, QString, QString, bool, QStringList, QList<QByteArray>>("folder", "id", "system",
-                                                                                    "validates", "boxes", "asked");
+        addColumns<QString, QString, QString, bool, QStringList, Asked>("folder", "id", "system", "validates", "boxes",
+                                                                        "asked");
         const QString classic = u"Quorvane Classic"_s;
         const QString alpha = u"Quorvane Alpha"_s;
         const QString question = u"Link Validated: The URL you entered is valid and the Quorvane Serverside Scripts "
@@ -29,29 +31,27 @@ private Q_SLOTS:
         const QString good = u"Success: Server ID Validated Successfully."_s;
         const QString bad = u"Failed!: Server ID Validation Failed!"_s;
         addRow("validated", u"stats"_s, u"7"_s, classic, true, QStringList{question, good},
-               QList<QByteArray>{"/stats/stats_import.php", "/stats/stats_import.php?serverid=7&data=TestData"});
+               Asked{script, script + "?serverid=7&data=TestData"});
         addRow("validated by the request page", u"stats/"_s, u" 7 "_s, alpha, true, QStringList{question, good},
-               QList<QByteArray>{"/stats/request.php?Request=Exists", "/stats/request.php?Request=ValidateID&Data=7"});
+               Asked{"/stats/request.php?Request=Exists", "/stats/request.php?Request=ValidateID&Data=7"});
         addRow("not validated", u"stats"_s, u"no such"_s, u"Please select a Stats System"_s, false,
-               QStringList{question}, QList<QByteArray>{"/stats/stats_import.php"});
-        addRow(
-            "id unknown", u"stats"_s, u"7&x=é"_s, classic, true, QStringList{question, bad},
-            QList<QByteArray>{"/stats/stats_import.php", "/stats/stats_import.php?serverid=7%26x%3D%E9&data=TestData"});
+               QStringList{question}, Asked{script});
+        addRow("id unknown", u"stats"_s, u"7&x=é"_s, classic, true, QStringList{question, bad},
+               Asked{script, script + "?serverid=7%26x%3D%E9&data=TestData"});
         addRow("id unknown to the request page", u"stats"_s, u"8"_s, alpha, true, QStringList{question, bad},
-               QList<QByteArray>{"/stats/request.php?Request=Exists", "/stats/request.php?Request=ValidateID&Data=8"});
-        addRow("slow", u"slow"_s, u"7"_s, classic, false, QStringList{question},
-               QList<QByteArray>{"/slow/stats_import.php"});
+               Asked{"/stats/request.php?Request=Exists", "/stats/request.php?Request=ValidateID&Data=8"});
+        addRow("slow", u"slow"_s, u"7"_s, classic, false, QStringList{question}, Asked{"/slow/stats_import.php"});
         for (const char* folder : {"failing", "empty", "none"})
             addRow(folder, QString::fromLatin1(folder), u"7"_s, classic, true, QStringList{missing},
-                   QList<QByteArray>{QByteArray("/") + folder + "/stats_import.php"});
-        addRow("no id", u"stats"_s, u"  "_s, classic, true,
-               QStringList{u"Action Required!: You have not entered a Server ID Code!"_s}, QList<QByteArray>());
-        addRow("separator in the id", u"stats"_s, u"7|8"_s, classic, true,
-               QStringList{u"Action Required!: The Server ID Code must not contain '|'!"_s}, QList<QByteArray>());
-        addRow("separator in the address", u"a|b"_s, u"7"_s, classic, true,
-               QStringList{u"Error!: The URL you entered is invalid!"_s}, QList<QByteArray>());
-        addRow("foreign character", u"stats"_s, u"Ω"_s, classic, true,
-               QStringList{u"Failed!: The character 'Ω' cannot be sent to the host!"_s}, QList<QByteArray>());
+                   Asked{QByteArray("/") + folder + "/stats_import.php"});
+        const auto refused = [&](const char* name, const QString& folder, const QString& id, const QString& said) {
+            addRow(name, folder, id, classic, true, QStringList{said}, Asked());
+        };
+        refused("no id", u"stats"_s, u"  "_s, u"Action Required!: You have not entered a Server ID Code!"_s);
+        refused("separator in the id", u"stats"_s, u"7|8"_s,
+                u"Action Required!: The Server ID Code must not contain '|'!"_s);
+        refused("separator in the address", u"a|b"_s, u"7"_s, u"Error!: The URL you entered is invalid!"_s);
+        refused("foreign character", u"stats"_s, u"Ω"_s, u"Failed!: The character 'Ω' cannot be sent to the host!"_s);
     }
     void scriptsAreCheckedBeforeTheyJoin()
     {
