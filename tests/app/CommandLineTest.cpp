@@ -1,6 +1,6 @@
 #include "app/CommandLine.h"
 
-#include <QTest>
+#include "support/AddRow.h"
 
 using namespace Qt::StringLiterals;
 using Wish = CommandLine::Wish;
@@ -12,8 +12,7 @@ class CommandLineTest : public QObject
 private Q_SLOTS:
     void argumentsAreTakenOrRefused_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<CommandLine>("line");
+        addColumns<QStringList, CommandLine>("arguments", "line");
         const CommandLine all{.appFolder = u"a b"_s, .connectProfile = u"Home"_s, .makerHost = u"http://x"_s};
         const CommandLine probe{
             .wish = Wish::ProbeComponent, .appFolder = u"f"_s, .componentFile = u"x.dll"_s, .componentClass = u"x"_s};

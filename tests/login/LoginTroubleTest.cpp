@@ -60,9 +60,7 @@ private Q_SLOTS:
         addRow("success without a port", Fault::none(), "Success_a_b_U3VwZXI=_x"_ba, notUnderstood);
         addRow("privileges that are no Base64", Fault::none(), "Success_a_b_Su!er===_8000"_ba, notUnderstood);
         addRow("silent", Fault::never(), QByteArray(), noAnswer);
-        addRow("silent in the length", Fault::silentAfter(4), QByteArray(), noAnswer);
         addRow("closed at once", Fault::cutOffAfter(0), QByteArray(), closed);
-        addRow("closed in the reply", Fault::cutOffAfter(15), QByteArray(), closed);
         addRow("reset", Fault::reset(), QByteArray(), closed);
     }
     void aLoginThatFailsIsToldOnce()

@@ -1,3 +1,4 @@
+#include "support/AddRow.h"
 #include "ui/Grid.h"
 #include "updates/UpdateHouse.h"
 #include "updates/qrvrcPlugins.h"
@@ -6,7 +7,6 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -64,13 +64,9 @@ private Q_SLOTS:
 
     void withoutAListThereIsNoGrid_data()
     {
-        QTest::addColumn<QByteArray>("fault");
-        QTest::addColumn<QByteArray>("settings");
-        const QByteArray usual = "[Settings]\r\nUpdateUrl=\r\n";
-        QTest::newRow("not there") << "notfound"_ba << usual;
-        QTest::newRow("an error page") << "errorpage"_ba << usual;
-        QTest::newRow("cut off") << "cutoff:60"_ba << usual;
-        QTest::newRow("no location stored") << "none"_ba << QByteArray();
+        addColumns<QByteArray, QByteArray>("fault", "settings");
+        addRow("not there", "notfound"_ba, "[Settings]\r\nUpdateUrl=\r\n"_ba);
+        addRow("no location stored", "none"_ba, QByteArray());
     }
     void withoutAListThereIsNoGrid()
     {

@@ -198,11 +198,8 @@ private Q_SLOTS:
         row("no players", "[-][-][-][-]", 0, {});
         row("second player without statistics", players + "[-][-]" + first + "[-][-]", 1,
             deltaForceSuffix + u"\r\nFunction/Sub: qrvrcPlayerStats_UpdateGrid"_s);
-        row("second record cut off", players + "[-][-]" + first + '|' + b("1_2_Raven") + '_' + b("1_2") + "[-][-]", 1,
-            u"Error 9: Subscript out of range"_s + deltaForceSuffix);
         row("no sections", players, 0, u"Function/Sub: HandleData"_s);
         row("no weapon section", players + "[-][-]" + first, 1, u"Function/Sub: HandleData"_s);
-        row("broken Base64", players + "|!!!![-][-]" + first + "[-][-]", 0, u"Function/Sub: HandleData"_s);
     }
     void badAnswersAreToldOnceAndChangeLittle()
     {

@@ -122,7 +122,6 @@ private Q_SLOTS:
         QTest::addColumn<Fault>("fault");
         QTest::addColumn<QByteArray>("body"); // instead of a fault
         QTest::newRow("cut off") << Fault::cutOffAfter(9) << QByteArray();
-        QTest::newRow("reset") << Fault::reset() << QByteArray();
         QTest::newRow("never answered") << Fault::never() << QByteArray();
         QTest::newRow("refused") << Fault::none() << "False"_ba;
     }
@@ -256,7 +255,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name"); // as far as it was read
         QTest::newRow("garbage") << Fault::garbage() << QString();
         QTest::newRow("empty") << Fault::emptyBody() << QString();
-        QTest::newRow("garbage in a switch") << Fault::garbageInElement(5) << u"Bravo"_s;
         QTest::newRow("garbage in the last element") << Fault::garbageInElement(14) << u"Bravo"_s;
     }
     void aReplyThatCannotBeReadIsNeverSaved()

@@ -55,7 +55,6 @@ private Q_SLOTS:
         addRow("no processes", ""_ba, QStringList(), QStringList(none));
         addRow("blank elements", "_MXxh_ _MnxicA==_"_ba, QStringList{u"1"_s, u"2"_s}, QStringList());
         addRow("the second is no Base64", "MXxh_%%%%_MXxh"_ba, QStringList(u"1"_s), QStringList(u"Error 13: "_s));
-        addRow("the second has one field", "MXxh_MQ==_MXxh"_ba, QStringList(u"1"_s), QStringList(u"Error 9: "_s));
         addRow("garbage", "%%%%"_ba, QStringList(), QStringList{u"Error 13: "_s, none});
     }
     void oddAnswersToAttach()

@@ -144,15 +144,11 @@ private Q_SLOTS:
     void aRefreshShowsWhatArrivedAndEnds_data()
     {
         addColumns<Fault, int, int>("fault", "rows", "boxes");
-        addRow("reply in chunks of 9 bytes", Fault::chunks(9), 3, 0);
         addRow("twice", Fault::twice(), 3, 0);
-        addRow("letters for a length", Fault::wrongPrefix(), 3, 0);
-        addRow("far too large a length", Fault::hugePrefix(), 3, 0);
         addRow("third profile is garbage", Fault::garbageInElement(3), 2, 1);
         addRow("first profile is garbage", Fault::garbageInElement(1), 0, 1);
         addRow("nothing in it, which is no list", Fault::emptyBody(), 3, 0);
         addRow("cut off inside a profile", Fault::cutOffAfter(60), 0, 0);
-        addRow("reset", Fault::reset(), 0, 0);
         addRow("silent inside a profile", Fault::silentAfter(60), 0, 1);
         addRow("never", Fault::never(), 0, 1);
     }
