@@ -111,7 +111,8 @@ void downloadOurs(benchmark::State& state)
     Inet inet;
     const auto fetch = [&](const QString& page) {
         const QUrl url(QStringLiteral("http://127.0.0.1:%1/%2").arg(host.port()).arg(page));
-        Download download(inet, url, folder.filePath(QStringLiteral("ours")).toStdU16String(), 30s);
+        Download download(inet, url, folder.filePath(QStringLiteral("ours")).toStdU16String(),
+                          {.silence = 30s, .maxBytes = 1 << 30});
         const WaitEnd end = EventWait(30s).endsOn(&download, &Download::finished, WaitEnd::Done).run();
         return end == WaitEnd::Done && download.outcome() == DownloadEnd::Whole;
     };

@@ -3,6 +3,7 @@
 #include "app/ShippedFiles.h"
 #include "app/qrvrcMain.h"
 #include "diagnostics/report/MessageBoxes.h"
+#include "diagnostics/report/TrappedError.h"
 
 #include <QTemporaryDir>
 
@@ -18,9 +19,9 @@ public:
         refuse(title, question);
         return false;
     }
-    void showTrapped(const QString& title, const QString& errorText, const ReportDelivery&) override
+    void showTrapped(const QString& title, const std::shared_ptr<TrappedError>& error) override
     {
-        refuse(title, errorText);
+        refuse(title, error->text());
     }
 
 private:
