@@ -1,8 +1,8 @@
 #include "updates/UpdateManifest.h"
 #include "Check.h"
+#include "base/Bounds.h"
 #include "base/Text.h"
 #include "updates/Sha256.h"
-#include "updates/UpdateBounds.h"
 #include "updates/UpdateKey.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const std::string_view text = viewOf(data, size);
     if (const auto manifest = UpdateManifest::parse(text)) {
-        check(manifest->size() <= maxUpdateRecords && manifest->date().size() == 10);
+        check(manifest->size() <= Bounds{}.updateListRecords && manifest->date().size() == 10);
         check(manifest->size() + 2 <= static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
         for (const std::string_view line : split(text, '\n')) {
             const ManifestEntry* entry = manifest->find("\\", line.substr(line.rfind(' ') + 1));

@@ -1,10 +1,10 @@
 #include "updates/ListCheck.h"
+#include "base/Bounds.h"
 
 #include "base/RuntimeError.h"
 #include "platform/net/Inet.h"
 #include "updates/DiskFacts.h"
 #include "updates/ManifestFetch.h"
-#include "updates/UpdateBounds.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -100,15 +100,15 @@ void ListCheck::take()
 QString ListCheck::judgeList()
 {
     const PageAnswer& answer = m_page->answer();
-    if (answer.isGood() && static_cast<std::size_t>(answer.body.size()) >= maxUpdateListBytes)
-        return u"The update list is longer than %1 KiB"_s.arg(maxUpdateListBytes / 1024);
+    if (answer.isGood() && static_cast<std::size_t>(answer.body.size()) >= Bounds{}.updateListBytes)
+        return u"The update list is longer than %1 KiB"_s.arg(Bounds{}.updateListBytes / Bounds::kibibyte);
     const std::string text = answer.isGood() && answer.isWhole ? answer.body.toStdString() : std::string();
     m_hasList = isUpdateList(text, m_order.kind);
     if (!m_hasList)
         return {};
     m_records = parseUpdateList(text);
-    if (m_records.size() > maxUpdateRecords)
-        return u"The update list names more than %1 files"_s.arg(maxUpdateRecords);
+    if (m_records.size() > Bounds{}.updateListRecords)
+        return u"The update list names more than %1 files"_s.arg(Bounds{}.updateListRecords);
     return m_manifest ? m_manifest->fault() : QString();
 }
 

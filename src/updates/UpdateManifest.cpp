@@ -1,8 +1,8 @@
 #include "updates/UpdateManifest.h"
+#include "base/Bounds.h"
 
 #include "base/Text.h"
 #include "updates/Sha256.h"
-#include "updates/UpdateBounds.h"
 
 #include <charconv>
 #include <utility>
@@ -71,7 +71,7 @@ std::string keyOf(std::string_view folder, std::string_view name)
 
 std::optional<UpdateManifest> UpdateManifest::parse(std::string_view text)
 {
-    if (text.size() > maxUpdateListBytes)
+    if (text.size() > Bounds{}.updateListBytes)
         return {};
     UpdateManifest manifest;
     std::size_t number = 0;
@@ -105,7 +105,7 @@ std::optional<UpdateManifest> UpdateManifest::parse(std::string_view text)
 
 bool UpdateManifest::add(std::string_view line)
 {
-    if (m_entries.size() == maxUpdateRecords)
+    if (m_entries.size() == Bounds{}.updateListRecords)
         return false;
     const auto digest = takeField(line);
     const auto size = takeField(line);

@@ -1,4 +1,5 @@
 #include "updates/UpdateQueue.h"
+#include "base/Bounds.h"
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
@@ -9,7 +10,6 @@
 #include "store/AppFolder.h"
 #include "updates/InstallUpdates.h"
 #include "updates/Sha256.h"
-#include "updates/UpdateBounds.h"
 #include "updates/UpdateState.h"
 #include "updates/UpdateTargets.h"
 
@@ -44,7 +44,7 @@ QString meaningOf(const Download& download, std::chrono::milliseconds silence)
     case DownloadEnd::OtherLength:
         return u"its length, %1 bytes, is not the one in the update list"_s.arg(download.announced());
     case DownloadEnd::TooLong:
-        return u"it is longer than %1 MiB"_s.arg(maxDownloadBytes / (1024 * 1024));
+        return u"it is longer than %1 MiB"_s.arg(Bounds{}.downloadBytes / Bounds::mebibyte);
     case DownloadEnd::CutOff:
         return u"the transfer broke off"_s;
     case DownloadEnd::Silent:
@@ -132,8 +132,9 @@ bool UpdateQueue::openDownload(const fs::path& folder)
     Download::Listener listener;
     if (m_sum)
         listener = [this](std::string_view bytes) { m_sum->add(bytes); };
-    const Download::Limits limits{
-        .silence = m_services.silenceLimit, .maxBytes = maxDownloadBytes, .exactBytes = item.size};
+    const Download::Limits limits{.silence = m_services.silenceLimit,
+                                  .maxBytes = static_cast<qint64>(Bounds{}.downloadBytes),
+                                  .exactBytes = item.size};
     m_download = std::make_unique<Download>(m_services.inet, addressAt(m_location, m_kind, requestedName(item.name)),
                                             m_part, limits, std::move(listener));
     if (!m_download->isExecuting())
