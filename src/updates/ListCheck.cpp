@@ -1,6 +1,6 @@
 #include "updates/ListCheck.h"
-#include "base/Bounds.h"
 
+#include "base/Bounds.h"
 #include "base/RuntimeError.h"
 #include "platform/net/Inet.h"
 #include "updates/DiskFacts.h"

@@ -1,6 +1,6 @@
 #include "updates/UpdateManifest.h"
-#include "base/Bounds.h"
 
+#include "base/Bounds.h"
 #include "base/Text.h"
 #include "updates/Sha256.h"
 

@@ -1,6 +1,6 @@
 #include "updates/UpdateQueue.h"
-#include "base/Bounds.h"
 
+#include "base/Bounds.h"
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "platform/net/Download.h"
