@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Bounds.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -29,7 +31,7 @@ class ReplyAssembler
 {
 public:
     /// A reply may not be larger: the peer is then no tracker, or means ill.
-    static constexpr std::size_t maxReplyBytes = 256U << 20;
+    static constexpr std::size_t maxReplyBytes = Bounds{}.replyBytes;
 
     /// @throws RuntimeError OutOfMemory when the reply under way exceeds `maxReplyBytes`; the buffer is then empty
     void add(std::string_view chunk);
