@@ -3,6 +3,7 @@
 #include "admins/PrivilegeGrid.h"
 #include "platform/system/CodePage.h"
 #include "ui/ImageButton.h"
+#include "ui/QuietComboBox.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -56,7 +57,7 @@ AccountForm::AccountForm(const CodePage& codePage, PictureStore& pictures, QWidg
 
 void AccountForm::buildFields()
 {
-    cboUser = new QComboBox(this);
+    cboUser = new QuietComboBox(this);
     cboUser->setObjectName(u"cboUser"_s);
     cboUser->setAccessibleName(u"User to add or modify"_s);
     // As wide as it is laid out, whatever names come from the host.

@@ -15,7 +15,8 @@ using Kind = ChecklistRow::Kind;
 constexpr std::string_view separator = "[-]";
 constexpr std::string_view partSeparator = "[-][-]";
 constexpr std::string_view restriction = "Restrict";
-constexpr std::size_t accountFields = 5; ///< those that are shown, and what stands behind them
+constexpr std::size_t rowCells = 3; ///< the two that are shown, and what stands behind them; so for the next
+constexpr std::size_t accountFields = 5;
 
 /// The first pieces between separators that are not empty.
 /// @return whether these are all
@@ -35,7 +36,7 @@ bool takePieces(std::string_view text, std::size_t most, std::vector<std::string
 
 ChecklistRow sectionRow(std::string_view text)
 {
-    const FieldList cells(std::string(text), '\t');
+    const FieldList cells(std::string(text), '\t', rowCells);
     const std::string heading(cells.at(0));
     return {Kind::Section, heading, cells.size() > 1 ? std::string(cells.at(1)) : heading};
 }
@@ -45,7 +46,7 @@ ChecklistRow privilegeRow(std::string_view text)
     const bool granted = text.back() == '1';
     if (granted || text.back() == '0')
         text.remove_suffix(1);
-    const FieldList cells(std::string(text), '\t');
+    const FieldList cells(std::string(text), '\t', rowCells);
     return {Kind::Privilege, {}, std::string(cells.at(cells.size() > 1 ? 1 : 0)), granted};
 }
 
@@ -109,20 +110,21 @@ AdminAccount decodeAdminAccount(std::string_view element)
     };
 }
 
-std::vector<std::string_view> splitChecklist(std::string_view body)
+std::vector<std::string_view> splitChecklist(std::string_view body, std::size_t most)
 {
     std::vector<std::string_view> sections;
-    takePieces(body, FieldList::noLimit, sections);
+    if (!takePieces(body, most, sections))
+        throw RuntimeError(ErrorNumber::Overflow, "more than " + std::to_string(most) + " sections of privileges");
     return sections;
 }
 
-Checklist decodeSection(std::string_view section)
+Checklist decodeSection(std::string_view section, std::size_t most)
 {
     const std::size_t headingEnd = section.find("||");
     if (headingEnd == std::string_view::npos)
         throw RuntimeError(ErrorNumber::SubscriptOutOfRange, "section of privileges");
     Checklist rows{sectionRow(section.substr(0, headingEnd))};
-    for (const std::string_view privilege : split(section.substr(headingEnd + 2), '|')) {
+    for (const std::string_view privilege : splitBounded(section.substr(headingEnd + 2), '|', most, "privileges")) {
         if (!privilege.empty())
             rows.push_back(privilegeRow(privilege));
     }

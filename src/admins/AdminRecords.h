@@ -70,13 +70,15 @@ struct ChecklistRow
 using Checklist = std::vector<ChecklistRow>;
 
 /// The sections of a "GetProfileAdminPrivis" reply, for `decodeSection`. Blank ones are left out.
-std::vector<std::string_view> splitChecklist(std::string_view body);
+/// @throws RuntimeError Overflow for more than `most`
+std::vector<std::string_view> splitChecklist(std::string_view body, std::size_t most);
 
 /// The rows of one section: its own, its privileges, and a separator.
 /// @param section  a row text, "||", and the row texts of the privileges joined by "|", each with "1" or "0" behind it.
 ///                 TABs part the cells of a row text; one without any is the name.
-/// @throws RuntimeError SubscriptOutOfRange for a section without "||"
-Checklist decodeSection(std::string_view section);
+/// @param most     of the privileges
+/// @throws RuntimeError SubscriptOutOfRange for a section without "||", Overflow for more privileges
+Checklist decodeSection(std::string_view section, std::size_t most);
 
 /// `rows` after a click on the privilege in `row`; as they are when that is no privilege. A privilege whose name
 /// contains "Restrict" and those behind it in its section exclude each other.

@@ -342,8 +342,9 @@ void qrvrcProfileAdmin::takeChecklist(std::string_view body)
     // A section that cannot be read ends the list; those before it are shown all the same.
     const auto show =
         qScopeGuard([&, account = step->checklistOf] { fmeAddUser->takeChecklist(account, std::move(rows), isWhole); });
-    for (const std::string_view part : splitChecklist(body)) {
-        Checklist decoded = decodeSection(part);
+    const std::size_t most = m_client.bounds.shortListEntries;
+    for (const std::string_view part : splitChecklist(body, most)) {
+        Checklist decoded = decodeSection(part, most - std::min(most, rows.size()));
         rows.insert(rows.end(), std::make_move_iterator(decoded.begin()), std::make_move_iterator(decoded.end()));
     }
     isWhole = true;

@@ -19,6 +19,9 @@ struct Bounds
     /// Bytes of a list when expanded, and its rows; what is beyond is cut, and said so beside the list.
     std::size_t listBytes = 32 * mebibyte;
     std::size_t listRows = 100'000;
+    /// Entries of a list that is short by nature: processes, the tracker's plugins, privileges, a profile's scripts.
+    /// With more of them the reply is damaged.
+    std::size_t shortListEntries = 4096;
     /// Bytes of a log text when expanded, and how many times what arrived; more is refused.
     std::size_t logTextBytes = 256 * mebibyte;
     std::size_t expansionFactor = 1032;

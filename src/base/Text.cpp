@@ -48,6 +48,15 @@ std::vector<std::string_view> split(std::string_view text, char separator, std::
     return pieces;
 }
 
+std::vector<std::string_view> splitBounded(std::string_view text, char separator, std::size_t most,
+                                           std::string_view what, std::source_location where)
+{
+    std::vector<std::string_view> pieces = split(text, separator, most + 1);
+    if (pieces.size() > most)
+        throw RuntimeError(ErrorNumber::Overflow, "more than " + std::to_string(most) + ' ' + std::string(what), where);
+    return pieces;
+}
+
 std::string join(const std::vector<std::string>& parts, std::string_view separator)
 {
     std::string text;

@@ -16,6 +16,12 @@ std::string_view trimmed(std::string_view text);
 /// @param most  how many pieces, at least 1; the last of them is the rest of the text then
 std::vector<std::string_view> split(std::string_view text, char separator, std::size_t most = std::string_view::npos);
 
+/// The same for a list from the host, which may not have more pieces than that.
+/// @throws RuntimeError Overflow, with `what` they are, when there are more
+std::vector<std::string_view> splitBounded(std::string_view text, char separator, std::size_t most,
+                                           std::string_view what,
+                                           std::source_location where = std::source_location::current());
+
 /// The pieces of `parts` with `separator` between them.
 std::string join(const std::vector<std::string>& parts, std::string_view separator);
 

@@ -55,12 +55,12 @@ bool Permissions::isPluginRestricted(std::string_view plugin) const
     });
 }
 
-Permissions decodePermissions(std::string_view privileges)
+Permissions decodePermissions(std::string_view privileges, std::size_t most)
 {
     const std::string decoded = base64::decode(without(privileges, "[ND]"));
     Permissions permissions;
     permissions.isSuper = decoded == "Super";
-    const std::vector<std::string_view> items = split(decoded, '|');
+    const std::vector<std::string_view> items = splitBounded(decoded, '|', most, "privileges");
     std::vector<PermissionRecord>& records = permissions.records;
     for (std::size_t index = 1; index < items.size(); ++index) {
         const std::string_view item = items[index];

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -38,5 +39,6 @@ struct Permissions
 };
 
 /// @param privileges  Base64, as the login reply carries it; "[ND]" in it is dropped
-/// @throws RuntimeError TypeMismatch when it is no Base64
-Permissions decodePermissions(std::string_view privileges);
+/// @param most        of the items in it
+/// @throws RuntimeError TypeMismatch when it is no Base64, Overflow for more items
+Permissions decodePermissions(std::string_view privileges, std::size_t most);

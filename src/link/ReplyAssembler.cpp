@@ -13,6 +13,7 @@ constexpr std::string_view startMarker = "[ST]";
 constexpr std::string_view endMarker = "[ND]";
 constexpr std::string_view successStart = "[ST]Success_";
 constexpr std::string_view failureText = "Login Failed";
+constexpr std::size_t successFields = 6; ///< those of a success, and what stands behind them
 
 /// A length that a prefix announces makes room for no more than this; what is longer must show it.
 constexpr std::size_t mostForeseen = std::size_t{64} << 20;
@@ -151,7 +152,7 @@ std::string loginFailureText(std::string_view reply)
 LoginSuccess decodeLoginSuccess(std::string_view reply)
 {
     const std::size_t start = std::min(reply.find("[ST]Success_"), reply.size());
-    const FieldList fields(std::string(reply.substr(start)), '_');
+    const FieldList fields(std::string(reply.substr(start)), '_', successFields);
     const std::string_view port = fields.at(4);
     base64::decode(without(fields.at(3), endMarker)); // only to know now whether it can be done later
     return {.privileges = std::string(fields.at(3)), .supportPort = toInt32(port.substr(0, port.find(endMarker)))};

@@ -3,13 +3,22 @@
 #include "base/Base64.h"
 #include "base/Text.h"
 
-std::vector<std::string_view> splitStatusReply(std::string_view body)
+namespace {
+
+// How many parts are told apart; what stands behind the last of them belongs to it.
+constexpr std::size_t leadingWords = 3;
+constexpr std::size_t entryFields = 5;
+constexpr std::size_t messageParts = 3;
+
+} // namespace
+
+std::vector<std::string_view> splitStatusReply(std::string_view body, std::size_t most)
 {
     std::vector<std::string_view> entries;
     bool isFirst = true;
-    for (std::string_view entry : split(body, '|')) {
+    for (std::string_view entry : splitBounded(body, '|', most, "plugins of the tracker")) {
         if (isFirst && !trimmed(entry).empty()) {
-            const FieldList words(std::string(entry), '_');
+            const FieldList words(std::string(entry), '_', leadingWords);
             entry = entry.substr(words.at(0).size() + 1, words.at(1).size());
         }
         isFirst = false;
@@ -21,7 +30,7 @@ std::vector<std::string_view> splitStatusReply(std::string_view body)
 
 TrackerPlugin decodeStatusEntry(std::string_view entry)
 {
-    const FieldList fields(std::string(entry), '-');
+    const FieldList fields(std::string(entry), '-', entryFields);
     TrackerPlugin plugin{.name = base64::decode(fields.at(0)), .version = {}};
     if (fields.size() > 3)
         plugin.version = std::string(fields.at(3));
@@ -35,6 +44,6 @@ bool isPluginMessage(std::string_view body)
 
 PluginMessage decodePluginMessage(std::string_view body)
 {
-    const FieldList parts(std::string(body), '_');
+    const FieldList parts(std::string(body), '_', messageParts);
     return {.component = replaced(parts.at(1), "qrv", "qrvrc"), .payload = std::string(parts.from(2))};
 }

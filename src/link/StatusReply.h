@@ -15,8 +15,8 @@ struct TrackerPlugin
 };
 
 /// The entries of a "GetStatus" reply, without the leading word and without blank ones. Views into `body`.
-/// @throws RuntimeError SubscriptOutOfRange when the first entry has no leading word
-std::vector<std::string_view> splitStatusReply(std::string_view body);
+/// @throws RuntimeError SubscriptOutOfRange when the first entry has no leading word, Overflow for more than `most`
+std::vector<std::string_view> splitStatusReply(std::string_view body, std::size_t most);
 
 /// @param entry  three or four fields joined by "-": Base64 name, two that are not used, version
 /// @throws RuntimeError TypeMismatch for a name that is no Base64

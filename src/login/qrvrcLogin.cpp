@@ -9,6 +9,7 @@
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
 #include "ui/ImageButton.h"
+#include "ui/QuietComboBox.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -85,7 +86,7 @@ void qrvrcLogin::buildControls()
     fmeConnect = new QGroupBox(u"Connect to Server Manager"_s, this);
     fmeConnect->setObjectName(u"fmeConnect"_s);
 
-    cboProfile = new QComboBox(fmeConnect);
+    cboProfile = new QuietComboBox(fmeConnect);
     cboProfile->setObjectName(u"cboProfile"_s);
     cboProfile->setAccessibleName(u"Profiles"_s);
     cboProfile->addItem(newProfile);

@@ -162,7 +162,7 @@ void qrvrcMenu::LoadMenus(bool loggedIn, std::string_view privileges)
     m_client.reporter.trap("LoadMenus", [&] {
         if (loggedIn) {
             m_permissions = Permissions();
-            m_permissions = decodePermissions(privileges);
+            m_permissions = decodePermissions(privileges, m_client.bounds.shortListEntries);
             fillMain(true);
             const QSignalBlocker quiet(tsSection);
             tsSection->removeAllTabs();

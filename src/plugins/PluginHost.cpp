@@ -209,7 +209,7 @@ void PluginHost::forgetTracker()
 void PluginHost::showStatus(std::string_view body)
 {
     std::vector<TrackerPlugin> said;
-    for (const std::string_view entry : splitStatusReply(body))
+    for (const std::string_view entry : splitStatusReply(body, m_client.bounds.shortListEntries))
         said.push_back(decodeStatusEntry(entry));
     if (m_table.trackerNames.empty())
         m_table.trackerVersions.clear(); // versions of an earlier connection would stand at the wrong positions

@@ -3,6 +3,7 @@
 #include "client/Client.h"
 #include "diagnostics/report/Reporter.h"
 #include "platform/system/CodePage.h"
+#include "ui/QuietComboBox.h"
 #include "updates/NewsDesk.h"
 #include "updates/NewsFrequency.h"
 #include "updates/UpdateAgent.h"
@@ -58,7 +59,7 @@ void qrvrcUpdate::buildControls()
     txtScripts->setAccessibleName(u"Quorvane News"_s);
     txtScripts->setReadOnly(true);
     txtScripts->setTabChangesFocus(true);
-    cboFreq = new QComboBox(fmeNews);
+    cboFreq = new QuietComboBox(fmeNews);
     cboFreq->setObjectName(u"cboFreq"_s);
     cboFreq->setAccessibleName(u"Update Every"_s);
     for (const std::string_view frequency : newsFrequencies)

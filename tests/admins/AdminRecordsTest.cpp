@@ -16,8 +16,8 @@ using Kind = ChecklistRow::Kind;
 Checklist checklistOf(std::string_view body)
 {
     Checklist rows;
-    for (const std::string_view section : splitChecklist(body)) {
-        for (ChecklistRow& row : decodeSection(section))
+    for (const std::string_view section : splitChecklist(body, 100)) {
+        for (ChecklistRow& row : decodeSection(section, 100))
             rows.push_back(std::move(row));
     }
     return rows;
@@ -158,7 +158,7 @@ private Q_SLOTS:
                 text += row.kind == Kind::Separator ? "-" : (row.granted ? "+" : ".") + row.name;
         }
         QCOMPARE(QByteArray::fromStdString(text), rows);
-        QCOMPARE(raisedBy([] { decodeSection("Profiles|\tEdit1"); }), numberOf(ErrorNumber::SubscriptOutOfRange));
+        QCOMPARE(raisedBy([] { decodeSection("Profiles|\tEdit1", 100); }), numberOf(ErrorNumber::SubscriptOutOfRange));
     }
 
     void aRestrictionAndWhatFollowsItExcludeEachOther_data()

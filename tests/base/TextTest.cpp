@@ -61,6 +61,12 @@ private Q_SLOTS:
         QCOMPARE(FieldList("", '|').size(), std::size_t{1});
     }
 
+    void aBoundedListMayBeFullAndNoFuller()
+    {
+        QCOMPARE(splitBounded("a||c", '|', 3, "things").size(), std::size_t{3});
+        QCOMPARE(raisedBy([] { splitBounded("a||c|", '|', 3, "things"); }), numberOf(ErrorNumber::Overflow));
+    }
+
     void anErrorTellsTheLineOfItsCaller()
     {
         const FieldList fields("a", '|');

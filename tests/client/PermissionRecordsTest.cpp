@@ -45,21 +45,21 @@ private Q_SLOTS:
         QFETCH(const std::string, text);
         QFETCH(const Records, records);
         std::string encoded = base64::encode(text);
-        const Permissions permissions = decodePermissions(encoded);
+        const Permissions permissions = decodePermissions(encoded, 100);
         QTEST(permissions.isSuper, "isSuper");
         QVERIFY(permissions.records == records);
-        QVERIFY(decodePermissions(encoded.insert(encoded.size() / 2, "[ND]")) == permissions);
+        QVERIFY(decodePermissions(encoded.insert(encoded.size() / 2, "[ND]"), 100) == permissions);
     }
 
     void whatIsNoBase64IsATypeMismatch()
     {
-        QCOMPARE(raisedBy([] { decodePermissions("Su!er==="); }), numberOf(ErrorNumber::TypeMismatch));
+        QCOMPARE(raisedBy([] { decodePermissions("Su!er===", 100); }), numberOf(ErrorNumber::TypeMismatch));
     }
 
     void privilegesAreFoundBySectionAndName()
     {
         const Permissions permissions =
-            decodePermissions(base64::encode("User|Profiles|Edit Profiles=1|Options|Edit Profiles=0"));
+            decodePermissions(base64::encode("User|Profiles|Edit Profiles=1|Options|Edit Profiles=0"), 100);
         QVERIFY(permissions.value("Profiles", "Edit Profiles") == "1");
         QVERIFY(permissions.value("Options", "Edit Profiles") == "0");
         QVERIFY(!permissions.value("Profiles", "Edit"));
@@ -84,7 +84,7 @@ private Q_SLOTS:
     {
         QFETCH(const std::string, text);
         QFETCH(const std::string, plugin);
-        QTEST(decodePermissions(base64::encode(text)).isPluginRestricted(plugin), "restricted");
+        QTEST(decodePermissions(base64::encode(text), 100).isPluginRestricted(plugin), "restricted");
     }
 };
 

@@ -36,7 +36,7 @@ private Q_SLOTS:
         QFETCH(const Plugins, plugins);
         Plugins decoded;
         const int error = raisedBy([&] {
-            for (const std::string_view entry : splitStatusReply(body))
+            for (const std::string_view entry : splitStatusReply(body, 100))
                 decoded.push_back(decodeStatusEntry(entry));
         });
         QTEST(error, "error");

@@ -9,6 +9,9 @@
 
 namespace {
 
+/// More than an input has room for.
+constexpr std::size_t most = 10'000;
+
 /// A reply that carries `settings`.
 std::string replyFor(const ProfileSettings& settings)
 {
@@ -25,13 +28,13 @@ std::string replyFor(const ProfileSettings& settings)
 void checkReply(std::string_view body)
 {
     ProfileSettings read;
-    const auto error = raisedBy([&] { readProfileSettings(body, read); });
+    const auto error = raisedBy([&] { readProfileSettings(body, most, read); });
     if (error) {
         check(isDecoderError(error));
         return;
     }
     ProfileSettings again;
-    readProfileSettings(replyFor(read), again);
+    readProfileSettings(replyFor(read), most, again);
     check(again == read);
     check(withChanges(read, again, again) == read);
     const std::string text = settingsText(read);

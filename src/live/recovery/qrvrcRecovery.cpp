@@ -8,6 +8,7 @@
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
 #include "ui/ImageButton.h"
+#include "ui/QuietComboBox.h"
 #include "ui/WindowRegistry.h"
 
 #include <QComboBox>
@@ -74,7 +75,7 @@ void qrvrcRecovery::buildControls()
         Option1[index] = new QRadioButton(captions[index], fmeRecov);
         Option1[index]->setObjectName(u"Option1_%1"_s.arg(index));
     }
-    cboProfile = new QComboBox(this);
+    cboProfile = new QuietComboBox(this);
     cboProfile->setObjectName(u"cboProfile"_s);
     cboProfile->setAccessibleName(u"Profiles"_s);
     txtPort = new QLineEdit(this);

@@ -10,6 +10,7 @@
 #include "live/support/TalkFile.h"
 #include "platform/system/CodePage.h"
 #include "ui/ImageButton.h"
+#include "ui/QuietComboBox.h"
 #include "ui/WindowRegistry.h"
 
 #include <QApplication>
@@ -111,7 +112,7 @@ void qrvrcSupport::buildOptions()
 {
     fmeOptions = new QGroupBox(u"Options"_s, this);
     fmeOptions->setObjectName(u"fmeOptions"_s);
-    cboStatus = new QComboBox(fmeOptions);
+    cboStatus = new QuietComboBox(fmeOptions);
     cboStatus->setObjectName(u"cboStatus"_s);
     cboStatus->setAccessibleName(u"Status"_s);
     cboStatus->addItems({u"Active"_s, u"Busy"_s, u"Away"_s, u"Be Right Back"_s, u"Out for Lunch!"_s});

@@ -1,5 +1,7 @@
 #include "profiles/editor/FormRows.h"
 
+#include "ui/QuietComboBox.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
@@ -28,7 +30,7 @@ QLineEdit* field(const QString& name, const QString& spoken, QWidget* parent)
 
 QComboBox* choice(const QString& name, const QString& spoken, QWidget* parent)
 {
-    auto* box = new QComboBox(parent);
+    auto* box = new QuietComboBox(parent);
     box->setObjectName(name);
     box->setAccessibleName(spoken);
     return box;

@@ -7,25 +7,27 @@
 
 namespace {
 
+constexpr std::size_t replyElements = 16; // those of a reply, and what stands behind them
+
 /// The entries of a list that "|" joins; a text without "|" is one entry, or none when it is blank.
-std::vector<std::string> entriesOf(std::string_view text)
+std::vector<std::string> entriesOf(std::string_view text, std::size_t most, std::string_view what)
 {
     std::vector<std::string> entries;
     if (text.find('|') == std::string_view::npos && trimmed(text).empty())
         return entries;
-    for (const std::string_view entry : split(text, '|'))
+    for (const std::string_view entry : splitBounded(text, '|', most, what))
         entries.emplace_back(entry);
     return entries;
 }
 
 } // namespace
 
-void readProfileSettings(std::string_view body, ProfileSettings& into)
+void readProfileSettings(std::string_view body, std::size_t most, ProfileSettings& into)
 {
-    const FieldList elements(std::string(body), '_');
+    const FieldList elements(std::string(body), '_', replyElements);
     const auto text = [&](std::size_t index) { return base64::decode(trimmed(elements.at(index))); };
     into.name = text(1);
-    into.scripts = entriesOf(text(2));
+    into.scripts = entriesOf(text(2), most, "scripts");
     into.hostName = text(3);
     into.connectOnStart = toInt32(text(4));
     into.announceRanks = toInt32(text(5));
@@ -35,7 +37,7 @@ void readProfileSettings(std::string_view body, ProfileSettings& into)
     into.padMinutes = text(9);
     into.padPlayers = text(10);
     into.statsSystem = text(12); // the elements 0, 11 and 13 carry nothing that is used
-    into.statsSystems = entriesOf(text(14));
+    into.statsSystems = entriesOf(text(14), most, "statistics systems");
 }
 
 ProfileSettings withChanges(const ProfileSettings& read, const ProfileSettings& shown, const ProfileSettings& typed)

@@ -27,10 +27,11 @@ struct ProfileSettings
 };
 
 /// Reads the reply to "GetProfile": elements joined by "_", each Base64 by itself.
+/// @param most  of the scripts, and of the statistics systems
 /// @param into  takes each setting as it is read, so that an error leaves those before it
 /// @throws RuntimeError SubscriptOutOfRange for too few elements, TypeMismatch for what is no Base64 and for a switch
-///         that is no number, Overflow for one that does not fit
-void readProfileSettings(std::string_view body, ProfileSettings& into);
+///         that is no number, Overflow for one that does not fit and for a longer list
+void readProfileSettings(std::string_view body, std::size_t most, ProfileSettings& into);
 
 /// What is to be sent when a form showed `shown` for the settings `read` and shows `typed` now: the tracker's own value
 /// for everything that was not changed, also where the form could not show it as it is.

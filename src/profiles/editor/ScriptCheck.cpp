@@ -33,12 +33,10 @@ ScriptFinding ScriptCheck::run(const Script& script)
     const bool validates =
         m_boxes.confirm(u"Link Validated"_s, u"The URL you entered is valid and the Quorvane Serverside Scripts "
                                              "were found!\r\n\r\nWould you like to validate the Server ID Code?"_s);
-    if (!self)
+    if (!self || m_isStopped) // while the box was open
         return ScriptFinding::Stopped;
     if (!validates)
         return ScriptFinding::Found;
-    if (m_isStopped)
-        return ScriptFinding::Stopped; // while the box was open
     const auto known = answersYes(u"Validating the Server ID Code:"_s,
                                   serverIdCheckAddress(script.system, script.url, script.serverId), script.system);
     if (!known)

@@ -168,7 +168,7 @@ void qrvrcModify::takeReply(std::string_view body)
     ProfileSettings read;
     // What cannot be read ends the reading; what came before is shown all the same.
     const auto show = qScopeGuard([&] { m_form->showSettings(read); });
-    readProfileSettings(body, read);
+    readProfileSettings(body, m_client.bounds.shortListEntries, read);
     m_reading = Reading::Whole;
 }
 

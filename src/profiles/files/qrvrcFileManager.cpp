@@ -12,6 +12,7 @@
 #include "ui/ElidedLabel.h"
 #include "ui/Grid.h"
 #include "ui/ImageButton.h"
+#include "ui/QuietComboBox.h"
 #include "ui/WindowRegistry.h"
 
 #include <QComboBox>
@@ -102,7 +103,7 @@ void qrvrcFileManager::buildControls()
         return picker;
     };
     lblFileType = label(u"lblFileType"_s, u"File Type: "_s);
-    cboFileType = new QComboBox(this);
+    cboFileType = new QuietComboBox(this);
     cboFileType->setObjectName(u"cboFileType"_s);
     cboFileType->setAccessibleName(u"File Type"_s);
     lblFileType->setBuddy(cboFileType);

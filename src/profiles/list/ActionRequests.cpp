@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr std::size_t processFields = 3; // those of a process, and what stands behind them
+
 Request actionRequest(std::string name, std::string_view user, std::string tail)
 {
     std::string head = name + '_' + std::string(user);
@@ -15,7 +17,7 @@ Request actionRequest(std::string name, std::string_view user, std::string tail)
 
 ProcessRecord decodeProcess(std::string_view element)
 {
-    const FieldList fields(base64::decode(trimmed(element)), '|');
+    const FieldList fields(base64::decode(trimmed(element)), '|', processFields);
     return {.id = std::string(fields.at(0)), .name = std::string(fields.at(1))};
 }
 
@@ -25,9 +27,9 @@ bool isAttachOutcome(std::string_view body)
     return outcome == "True" || outcome == "False";
 }
 
-std::vector<std::string_view> splitProcessList(std::string_view body)
+std::vector<std::string_view> splitProcessList(std::string_view body, std::size_t most)
 {
-    std::vector<std::string_view> elements = split(body, '_');
+    std::vector<std::string_view> elements = splitBounded(body, '_', most, "processes");
     std::erase_if(elements, [](std::string_view element) { return trimmed(element).empty(); });
     return elements;
 }

@@ -23,7 +23,8 @@ ProcessRecord decodeProcess(std::string_view element);
 bool isAttachOutcome(std::string_view body);
 
 /// The elements of a process list; blank ones are left out. Views into `body`.
-std::vector<std::string_view> splitProcessList(std::string_view body);
+/// @throws RuntimeError Overflow for more than `most`
+std::vector<std::string_view> splitProcessList(std::string_view body, std::size_t most);
 
 /// Asks for the processes that the profile can be attached to.
 Request attachRequest(std::string_view user, std::string_view profileId);

@@ -22,9 +22,10 @@ void ListRefresh::start(Wish wish)
         m_next = std::move(wish);
         return;
     }
+    const Request question = m_question(); // before the wish stands: it may throw
     m_wish = std::move(wish);
     // What ends the wait without an answer ends the link too, and with it the wish.
-    static_cast<void>(ask(m_link, m_question(), m_wish->asked));
+    static_cast<void>(ask(m_link, question, m_wish->asked));
 }
 
 ListRefresh::Wish ListRefresh::takeWish()

@@ -50,7 +50,10 @@ ProfileActions::ProfileActions(Client& client, qrvrcProfilesList& list, ActionHo
       m_hooks(std::move(hooks))
 {
     m_client.replies.on("Attach", this, [this](std::string_view body) { takeAttachReply(body); });
-    connect(&m_client.link, &clsWinSock::linkLost, this, [this] { m_waiting.clear(); });
+    connect(&m_client.link, &clsWinSock::linkLost, this, [this] {
+        m_waiting.clear();
+        m_isOver = true;
+    });
 }
 
 void ProfileActions::run(ProfileAction action, const ProfileAim& aim)
@@ -60,6 +63,7 @@ void ProfileActions::run(ProfileAction action, const ProfileAim& aim)
     };
     if (!m_current) {
         const QScopedValueRollback busy(m_current);
+        const auto forget = qScopeGuard([this] { m_waiting.clear(); }); // what an error leaves
         m_waiting.push_back({action, aim});
         while (!m_waiting.empty()) {
             m_current = m_waiting.front();
@@ -84,17 +88,21 @@ void ProfileActions::perform(const Order& order)
     };
     const auto profile = m_list.find(order.aim.profile.id);
     m_isGone = !profile;
+    m_isOver = false;
     if (profile)
         (this->*procedures.at(static_cast<std::size_t>(order.action)))({*profile, order.aim.choice});
     if (m_isGone)
         m_list.tellGone(order.aim.profile);
 }
 
-/// Sends what is about the profile as soon as the link is free, unless the profile is gone by then.
+/// Sends what is about the profile as soon as the link is free, unless the profile, or the link that the action began
+/// with, is gone by then.
 /// @return Done only when it was sent and its answer was handled
 WaitEnd ProfileActions::send(const Request& request, const ProfileRecord& profile)
 {
-    if (!m_client.link.isLoggedIn() || untilFree(m_client.link) != WaitEnd::Done)
+    if (m_isOver || !m_client.link.isLoggedIn() || untilFree(m_client.link) != WaitEnd::Done)
+        return WaitEnd::Broken;
+    if (m_isOver)
         return WaitEnd::Broken;
     m_isGone = !m_list.find(profile.id); // the link may have been busy with a list
     return m_isGone ? WaitEnd::Broken : ask(m_client.link, request);
@@ -106,7 +114,8 @@ void ProfileActions::takeAttachReply(std::string_view body)
     m_isAttachOutcome = isAttachOutcome(body);
     if (m_isAttachOutcome)
         return;
-    for (const std::string_view element : splitProcessList(body)) // an error keeps the processes before it
+    for (const std::string_view element :
+         splitProcessList(body, m_client.bounds.shortListEntries)) // an error keeps the processes before it
         m_processes.push_back(decodeProcess(element));
 }
 

@@ -96,6 +96,7 @@ private:
     std::optional<Order> m_current; ///< under way
     std::deque<Order> m_waiting;
     bool m_isGone = false; ///< the profile of the action under way is not in the list any more
+    bool m_isOver = false; ///< the link on which it began is lost; another one may stand by now
     // The last reply to "Attach".
     bool m_isAttachOutcome = false;
     std::vector<ProcessRecord> m_processes;

@@ -125,7 +125,8 @@ void ProfileMenu::followPlugins(const PluginTable& plugins, const CodePage& code
             QAction* entry = addAction(codePage.toText(item).replace(u'&', u"&&"_s));
             connect(entry, &QAction::triggered, this, [this, name = plugin.name, item] {
                 if (const auto about = aim())
-                    Q_EMIT pluginChosen(name, item, *about);
+                    QTimer::singleShot(0, this,
+                                       [this, name, item, about = *about] { Q_EMIT pluginChosen(name, item, about); });
             });
             m_pluginEntries.push_back(entry);
         }

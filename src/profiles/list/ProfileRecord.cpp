@@ -13,7 +13,7 @@ constexpr std::size_t recordFields = 12; // those of a record, and what stands b
 ProfileRecord decodeProfileRecord(std::string_view element)
 {
     const FieldList fields(base64::decode(trimmed(element)), '|', recordFields);
-    return {
+    ProfileRecord record{
         .id = std::string(fields.at(0)),
         .name = std::string(fields.at(1)),
         .modPicture = std::string(fields.at(2)),
@@ -25,6 +25,10 @@ ProfileRecord decodeProfileRecord(std::string_view element)
         .status = toInt32(fields.at(9)),
         .gameVersion = std::string(fields.at(10)),
     };
+    // Rooms know a profile by the number or by its text: both must name the same one.
+    if (record.id != std::to_string(toInt32(record.id)))
+        throw RuntimeError(ErrorNumber::TypeMismatch, "profile id");
+    return record;
 }
 
 ProfileElements splitProfilesReply(std::string_view body, std::size_t most)
@@ -73,5 +77,5 @@ Request getProfilesRequest(std::string_view user, const std::vector<std::string>
 
 ChosenProfile chosen(const ProfileRecord& record)
 {
-    return {parseInt32(record.id).value_or(0), record.name, record.gameVersion, record.status};
+    return {toInt32(record.id), record.name, record.gameVersion, record.status};
 }

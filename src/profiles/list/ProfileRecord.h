@@ -13,7 +13,7 @@
 /// One server profile as the tracker tells of it.
 struct ProfileRecord
 {
-    std::string id; ///< decimal number
+    std::string id; ///< decimal number that fits 32 bits, written as short as can be
     std::string name;
     std::string modPicture; ///< file name of the mod's picture; comes from the host, so not to be trusted as a path
     std::string players;    ///< blank while the profile is not attached to a game
@@ -29,8 +29,8 @@ struct ProfileRecord
 
 /// One profile of a "GetProfiles" reply.
 /// @param element  Base64 of eleven fields joined by "|"; the map is Base64 again, empty when not hosting
-/// @throws RuntimeError SubscriptOutOfRange for fewer fields, TypeMismatch for a status code that is no number and for
-///         what is no Base64
+/// @throws RuntimeError SubscriptOutOfRange for fewer fields, TypeMismatch for an id or status code that is no number
+///         and for what is no Base64, Overflow for a number that does not fit
 ProfileRecord decodeProfileRecord(std::string_view element);
 
 /// One profile and its picture as they stand in the reply. Views into the reply.

@@ -52,7 +52,7 @@ ProfileSettings wholeSettings()
 ProfileSettings settingsOf(const std::string& body)
 {
     ProfileSettings settings;
-    readProfileSettings(body, settings);
+    readProfileSettings(body, 100, settings);
     return settings;
 }
 
@@ -114,7 +114,7 @@ private Q_SLOTS:
     {
         QFETCH(const std::string, body);
         ProfileSettings settings;
-        const int error = raisedBy([&] { readProfileSettings(body, settings); });
+        const int error = raisedBy([&] { readProfileSettings(body, 100, settings); });
         QTEST(error, "error");
         QTEST(settings.name, "name");
         QTEST(static_cast<int>(settings.connectOnStart), "connectOnStart");

@@ -30,7 +30,7 @@ private Q_SLOTS:
     {
         const std::string_view body = QTest::currentDataTag();
         QTEST(isAttachOutcome(body), "isOutcome");
-        QTEST(static_cast<int>(splitProcessList(body).size()), "elements");
+        QTEST(static_cast<int>(splitProcessList(body, 100).size()), "elements");
     }
 
     void aProcessIsDecoded_data()

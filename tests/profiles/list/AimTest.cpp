@@ -174,6 +174,26 @@ private Q_SLOTS:
         QVERIFY(isUsable(desk));
     }
 
+    void whatWasAskedOnALostLinkIsNotSentOnTheNext()
+    {
+        LoggedIn<Desk> desk(threeProfiles());
+        desk.clickRow(Charlie);
+        bool isBack = false;
+        desk.boxes.whileOpen = [&] {
+            if (desk.boxes.boxes.size() > 1)
+                return; // what the loss has to say
+            desk.tracker.resetLinks();
+            isBack = QTest::qWaitFor([&] { return !desk.link().isConnected(); }, patience) && desk.logIn();
+        };
+        pressDelete(desk);
+        QVERIFY(isBack);
+        QVERIFY(desk.settles());
+        QCOMPARE(desk.requestCount("DeleteProfile"), 0);
+        desk.clickRow(Charlie);
+        pressDelete(desk);
+        QCOMPARE(desk.requestCount("DeleteProfile"), 1);
+    }
+
     void theProfileIsChosenAgainBehindWhatWasDoneWithIt_data()
     {
         QTest::addColumn<QString>("control");

@@ -49,6 +49,8 @@ private Q_SLOTS:
         QTest::newRow("status is empty") << fields("", "", "|v") << mismatch;
         QTest::newRow("status is too large") << fields("", "2147483648", "|v") << numberOf(ErrorNumber::Overflow);
         QTest::newRow("map is no Base64") << fields("Dust Alley!!", "5", "|v") << mismatch;
+        for (const char* id : {"", "x", "05", "+5", " 5", "5.0"})
+            QTest::addRow("the id '%s'", id) << base64::encode(id + "|n|p|2||g|t|x|s|5|v"s) << mismatch;
         QTest::newRow("no Base64 at all") << "\x01!*\x7F%(~"s << mismatch;
     }
     void brokenRecordsRaise()
