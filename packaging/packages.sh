@@ -47,6 +47,14 @@ declare -A packages=(
         python3             # compares, prints the table
         valgrind            # counts instructions; without it those rows are left out
     "
+    # What packaging/publish needs besides the build.
+    [publish]="
+        minisign            # signs with the maker's key, in the form that clients check
+    "
+    # What packaging/publish-smoke needs besides.
+    [web-server]="
+        nginx-light         # a real web server, which serves what was published
+    "
     # What packaging/linux/build needs besides the build.
     [linux]="
         dpkg-dev            # finds the packages that the program's libraries come from

@@ -26,6 +26,9 @@ namespace {
 
 constexpr int badUsage = 2;
 
+// Who publishes this program reads its version from the file.
+[[gnu::used]] constexpr char fileVersionMark[] = "QRVRC-FILE-VERSION:" QRVRC_VERSION;
+
 /// The last net: an exception that no trap caught is reported as an error of the program instead of ending it.
 class Application : public QApplication
 {

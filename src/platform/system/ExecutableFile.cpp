@@ -16,6 +16,7 @@ constexpr std::size_t elfMachineBytes = 2;
 constexpr std::string_view dosMagic = "MZ";
 constexpr std::size_t peOffsetAt = 60; // four bytes, the lowest first
 constexpr std::string_view peMagic = "PE\0\0"sv;
+constexpr std::size_t peMachineBytes = 2; // behind the magic
 constexpr std::size_t headBytes = 64;
 
 std::string bytesAt(std::ifstream& stream, std::streamoff offset, std::size_t count)
@@ -43,7 +44,8 @@ std::string executableKind(const std::filesystem::path& file)
     std::streamoff offset = 0;
     for (std::size_t byte = 4; byte-- > 0;)
         offset = (offset << 8) | static_cast<unsigned char>(head[peOffsetAt + byte]);
-    return bytesAt(stream, offset, peMagic.size()) == peMagic ? std::string(peMagic) : std::string();
+    const std::string kind = bytesAt(stream, offset, peMagic.size() + peMachineBytes);
+    return kind.starts_with(peMagic) ? kind : std::string();
 }
 
 bool mayReplace(const std::filesystem::path& file, const std::filesystem::path& old)
