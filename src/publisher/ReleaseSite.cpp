@@ -18,8 +18,9 @@ constexpr ListNames pluginNames{
 /// Readable by the web server, whatever rights the build gave it.
 void copyServed(const fs::path& from, const fs::path& to)
 {
-    if (!fs::copy_file(from, to))
+    if (fs::exists(to))
         throw std::runtime_error(bytesOf(from) + ": another file is asked for by the same name");
+    fs::copy_file(from, to);
     fs::permissions(to,
                     fs::perms::owner_write | fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
 }

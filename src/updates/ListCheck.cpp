@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -52,19 +53,28 @@ QUrl addressAt(const QString& location, ListKind kind, std::string_view name)
 ListCheck::ListCheck(const UpdateServices& services, const CheckOrder& order, std::chrono::milliseconds limit,
                      QObject* parent)
     : QObject(parent),
+      m_services(services),
       m_order(order),
+      m_limit(limit),
       m_location(services.location),
       m_facts(diskFacts(services.targets, order.kind, services.clientVersion, order.helpVersionIn))
 {
-    const QUrl url = addressAt(m_location, order.kind, order.list);
+    fetch();
+}
+
+void ListCheck::fetch()
+{
+    if (m_isOver)
+        return;
+    const QUrl url = addressAt(m_location, m_order.kind, m_order.list);
     if (url.isEmpty()) {
         QTimer::singleShot(0, this, &ListCheck::end);
         return;
     }
-    m_page = services.inet.get(url, limit);
+    m_page = m_services.inet.get(url, m_limit);
     connect(m_page.get(), &PageFetch::finished, this, &ListCheck::take);
-    if (services.key) {
-        m_manifest = std::make_unique<ManifestFetch>(services, m_location, limit);
+    if (m_services.key) {
+        m_manifest = std::make_unique<ManifestFetch>(m_services, m_location, m_limit);
         connect(m_manifest.get(), &ManifestFetch::finished, this, &ListCheck::take);
     }
 }
@@ -92,8 +102,26 @@ void ListCheck::take()
     m_hasList = m_hasList && m_fault.isEmpty();
     if (m_hasList)
         judgeSome();
-    else
+    else if (!fetchAgainIfMixed())
         end();
+}
+
+/// A new release may have come between the answers. Then they do not belong to each other, and all are asked for anew;
+/// those that belong to each other no better the second time are refused.
+bool ListCheck::fetchAgainIfMixed()
+{
+    const auto isUnproven = [](const RefusedFile& file) {
+        return file.why == Refusal::NotSigned || file.why == Refusal::NotAsSigned;
+    };
+    const bool isMixed =
+        m_manifest && (m_manifest->isMismatched() ||
+                       std::any_of(m_candidates.refused.begin(), m_candidates.refused.end(), isUnproven));
+    if (!isMixed || m_isCancelled || std::exchange(m_isSecondTime, true))
+        return false;
+    m_candidates = {};
+    m_next = 0;
+    QTimer::singleShot(0, this, &ListCheck::fetch); // what has answered is still on the way out of its own signal
+    return true;
 }
 
 /// @return what speaks against a list that is there
@@ -130,7 +158,8 @@ void ListCheck::judgeSome()
         if (m_order.stopsAtFirst && !m_candidates.isEmpty())
             break;
     }
-    end();
+    if (!fetchAgainIfMixed())
+        end();
 }
 
 void ListCheck::end()

@@ -41,12 +41,16 @@ Q_SIGNALS:
     void finished();
 
 private:
+    void fetch();
     void take();
+    bool fetchAgainIfMixed();
     QString judgeList();
     void judgeSome();
     void end();
 
+    const UpdateServices& m_services;
     CheckOrder m_order;
+    std::chrono::milliseconds m_limit;
     QString m_location;
     LocalFacts m_facts;
     std::unique_ptr<PageFetch> m_page;
@@ -56,6 +60,7 @@ private:
     Candidates m_candidates;
     QString m_fault;
     bool m_hasList = false;
+    bool m_isSecondTime = false;
     bool m_isCancelled = false;
     bool m_isOver = false;
 };

@@ -39,7 +39,8 @@ QString ManifestFetch::judge()
     if (!signature.isGood() || !signature.isWhole)
         return u"An update key is set, and the update location has no signature for its manifest"_s;
     const std::string text = answer.body.toStdString();
-    if (!m_services.key->hasSigned(text, signature.body.toStdString()))
+    m_isMismatched = !m_services.key->hasSigned(text, signature.body.toStdString());
+    if (m_isMismatched)
         return u"The manifest of the update location is not signed with the update key"_s;
     m_manifest = UpdateManifest::parse(text);
     if (!m_manifest)

@@ -28,6 +28,8 @@ public:
     const std::optional<UpdateManifest>& manifest() const { return m_manifest; }
     /// Why there is no manifest; a sentence without its full stop.
     const QString& fault() const { return m_fault; }
+    /// Whether there are a manifest and a signature, and they do not belong to each other.
+    bool isMismatched() const { return m_isMismatched; }
 
 Q_SIGNALS:
     /// Once, from the event loop.
@@ -42,5 +44,6 @@ private:
     std::unique_ptr<PageFetch> m_signature;
     std::optional<UpdateManifest> m_manifest;
     QString m_fault;
+    bool m_isMismatched = false;
     bool m_isOver = false;
 };

@@ -282,6 +282,24 @@ private Q_SLOTS:
                  std::uint64_t(why.isEmpty() && !page.isEmpty() ? 7 : 5));
     }
 
+    void aReleaseThatComesBetweenTheAnswersIsReadAnew()
+    {
+        const practice::UpdateSigner signer;
+        Yard yard;
+        practice::UpdatePages& pages = yard.web.updates();
+        yard.services.key = UpdateKey::fromText(signer.publicKey().toStdString());
+        const QByteArray text = "serial 7\ndate 2026-01-01\n";
+        pages.setPage("qrvv3rc_manifest.txt", "serial 6\ndate 2026-01-01\n");
+        pages.setPage("qrvv3rc_manifest.txt.minisig", signer.signatureOf(text));
+        connect(&pages, &practice::UpdatePages::pageRequested, &pages, [&](const QByteArray& name) {
+            if (pages.requested().count(name) == 2)
+                pages.setPage("qrvv3rc_manifest.txt", text);
+        });
+        ListCheck check(yard.services, clientCheck, 30s);
+        QTRY_VERIFY(check.isOver());
+        QVERIFY2(check.hasList(), qPrintable(check.fault()));
+    }
+
     void listsBeyondTheBoundsAreRefused()
     {
         QByteArray list = "qrvv3rc.exe|\\|executable file|(qrv) main executable|1|1.0.0.0\n";
