@@ -53,6 +53,7 @@ declare -A packages=(
     "
     # What packaging/publish-smoke needs besides.
     [web-server]="
+        curl                # sees whether it has started
         nginx-light         # a real web server, which serves what was published
     "
     # What packaging/linux/build needs besides the build.
