@@ -38,6 +38,7 @@ ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxWindows, LockableInt
               .clientVersion = setup.version,
               .makerHost = setup.makerHost,
               .builtInKey = setup.updateKey,
+              .isPackaged = setup.isPackaged,
               .isInUse = [this](const std::filesystem::path& file) { return isLoadedPlugin(file); }}
 {}
 

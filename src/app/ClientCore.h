@@ -49,6 +49,10 @@ struct Setup
     std::vector<std::string> arguments = {};
     /// Public key of the update locations, as minisign writes it; empty for none.
     std::string updateKey = {};
+    /// Whether the system's package manager keeps the program current, so that it does not update itself.
+    bool isPackaged = false;
+    /// Where the licence texts lie that come with the program; need not exist.
+    std::filesystem::path licences = {};
     /// The boxes to speak through; null for real windows.
     MessageBoxes* boxes = nullptr;
     /// How much and how often the program takes from others.

@@ -140,7 +140,9 @@ int run(Application& application, const CommandLine& line)
                      .version = QRVRC_VERSION,
                      .program = pathOf(QCoreApplication::applicationFilePath()),
                      .arguments = restartArguments(line, folder),
-                     .updateKey = QRVRC_UPDATE_KEY});
+                     .updateKey = QRVRC_UPDATE_KEY,
+                     .isPackaged = QRVRC_PACKAGED != 0,
+                     .licences = installationFolder(executable) / "Licences"});
     application.reporter = &frame.core().reporter;
     instance.show(frame);
     if (!frame.MDIFormLoad())

@@ -1,5 +1,6 @@
 #include "app/qrvrcAbout.h"
 
+#include "app/LicencesPage.h"
 #include "client/Client.h"
 #include "ui/BackgroundPicture.h"
 #include "ui/PictureStore.h"
@@ -55,7 +56,8 @@ QLabel* page(const QString& text)
 
 } // namespace
 
-qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* parent)
+qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, const std::filesystem::path& licences,
+                       QWidget* parent)
     : WorkingWindow(parent),
       m_client(client)
 {
@@ -63,13 +65,14 @@ qrvrcAbout::qrvrcAbout(Client& client, const std::string& version, QWidget* pare
     auto* tsAbout = new StripTabBar(u"tsAbout"_s, client.pictures, "\\background.gif", this);
     tsAbout->setAccessibleName(u"About"_s);
     auto* pages = new QStackedWidget;
-    const auto add = [&](const QString& caption, const QString& text) {
+    const auto add = [&](const QString& caption, QWidget* shown) {
         tsAbout->addKeyedTab(caption, {});
-        pages->addWidget(page(text));
+        pages->addWidget(shown);
     };
-    add(u"Version"_s, u"QRVRC, the remote client\n\nVersion "_s + QString::fromStdString(version));
-    add(u"Supported Titles"_s, titles);
-    add(u"Credits"_s, credits);
+    add(u"Version"_s, page(u"QRVRC, the remote client\n\nVersion "_s + QString::fromStdString(version)));
+    add(u"Supported Titles"_s, page(titles));
+    add(u"Credits"_s, page(credits));
+    add(u"Licences"_s, new LicencesPage(licences));
     connect(tsAbout, &QTabBar::currentChanged, pages, &QStackedWidget::setCurrentIndex);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(40, 24, 40, 24);

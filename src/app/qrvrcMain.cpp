@@ -53,7 +53,8 @@ qrvrcMain::qrvrcMain(const Setup& setup)
       m_core(std::make_unique<ClientCore>(
           setup, setup.boxes ? *setup.boxes : *m_ownBoxes, m_lock,
           [this](const std::filesystem::path& file, const QString& topic) { showHelp(file, topic); })),
-      m_version(setup.version)
+      m_version(setup.version),
+      m_licences(setup.licences)
 {
     if (setup.probesComponents && !setup.program.empty())
         m_core->components.setProbe(childProcessProbe(textOf(setup.program), setup.folder));
@@ -129,7 +130,7 @@ void qrvrcMain::registerWindows()
         [this] { return new qrvrcProfileAdmin(m_core->client, m_core->permissions, m_core->selected, m_pages); });
     windows.add<qrvrcNotePad>([this] { return new qrvrcNotePad(m_core->client, this); });
     windows.add<qrvrcSupport>([this] { return new qrvrcSupport(m_core->client, *m_supportDesk, this); });
-    windows.add<qrvrcAbout>([this] { return new qrvrcAbout(m_core->client, m_version, m_pages); });
+    windows.add<qrvrcAbout>([this] { return new qrvrcAbout(m_core->client, m_version, m_licences, m_pages); });
     windows.add<qrvrcRecovery>([this] { return new qrvrcRecovery(m_core->client, qrvrcRecovery::Limits(), this); });
     windows.add<qrvrcHelp>([this] {
         const HelpHooks hooks{

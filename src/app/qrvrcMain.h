@@ -87,6 +87,7 @@ private:
     qrvrcProgress* m_progress = nullptr;
     Housekeeping* m_housekeeping = nullptr;
     std::string m_version;
+    std::filesystem::path m_licences; ///< folder of the texts that the about window shows
     std::unique_ptr<FrameUpdates> m_updates;
     std::unique_ptr<Notices> m_notices;
 };

@@ -67,7 +67,8 @@ void ListCheck::fetch()
     if (m_isOver)
         return;
     const QUrl url = addressAt(m_location, m_order.kind, m_order.list);
-    if (url.isEmpty()) {
+    const bool isForeign = m_services.isPackaged && m_order.kind == ListKind::Client;
+    if (url.isEmpty() || isForeign) {
         QTimer::singleShot(0, this, &ListCheck::end);
         return;
     }

@@ -18,7 +18,7 @@ class ListCheck : public QObject
     Q_OBJECT
 
 public:
-    /// The location is taken as it is now.
+    /// The location is taken as it is now. Where a package manager keeps the client current, its list is not asked for.
     /// @param services  outlives this
     /// @param limit     time for fetching the list
     ListCheck(const UpdateServices& services, const CheckOrder& order, std::chrono::milliseconds limit,

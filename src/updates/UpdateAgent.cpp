@@ -112,9 +112,9 @@ void UpdateAgent::checkByClock()
     connect(m_clientCheck.get(), &ListCheck::finished, this, [this] {
         if (note(*m_clientCheck, ListKind::Client))
             m_updatesAvailable = true;
-        else if (!m_clientCheck->hasList())
+        else if (!m_clientCheck->hasList() && !m_services.isPackaged)
             m_updatesAvailable = false;
-        else if (!m_updatesAvailable)
+        else if (!m_updatesAvailable || m_services.isPackaged)
             CheckForPlugins();
     });
 }

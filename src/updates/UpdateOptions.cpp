@@ -80,6 +80,11 @@ QString UpdateOptions::builtIn(int number) const
     return url.toString();
 }
 
+bool UpdateOptions::isPackaged() const
+{
+    return m_subjects.services.isPackaged;
+}
+
 void UpdateOptions::load()
 {
     m_values = OptionValues{.location = {}, .codePage = {}, .makerHost = {}, .updateKey = {}};

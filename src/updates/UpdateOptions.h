@@ -63,6 +63,8 @@ public:
     void setAutomatic(bool automatic);
 
     const OptionValues& values() const { return m_values; }
+    /// Whether the system's package manager keeps the program current.
+    bool isPackaged() const;
     /// One of the two built-in update locations.
     QString builtIn(int number) const;
 

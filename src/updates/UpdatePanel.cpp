@@ -78,8 +78,11 @@ void UpdatePanel::buildControls()
 {
     lstQRV = new UpdateChoice(u"lstQRV"_s, m_client.codePage, this);
     lstQRV->setAccessibleName(m_setup.title);
-    lstQRV->setEmptyText(u"Press \"%1\" to look for updates."_s.arg(m_setup.checkCaption));
+    const bool isPackaged = m_services.isPackaged && m_setup.order.kind == ListKind::Client;
+    lstQRV->setEmptyText(isPackaged ? packagedNote.toString()
+                                    : u"Press \"%1\" to look for updates."_s.arg(m_setup.checkCaption));
     cmdCheck = new ImageButton(m_setup.checkName, m_setup.checkCaption, m_client.pictures, this);
+    cmdCheck->setEnabled(!isPackaged);
     cmdGetUpdates = new ImageButton(u"cmdGetUpdates"_s, u"Get Updates"_s, m_client.pictures, this);
     cmdUndo = new ImageButton(u"cmdUndo"_s, u"Undo last update"_s, m_client.pictures, this);
     const auto addNote = [this](const QString& name) {

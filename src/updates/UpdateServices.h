@@ -5,6 +5,7 @@
 #include "updates/UpdateList.h"
 
 #include <QString>
+#include <QStringView>
 #include <QUrl>
 
 #include <chrono>
@@ -31,6 +32,8 @@ struct UpdateServices
     std::optional<UpdateKey> key = {};
     /// The key that counts as long as none is set; as minisign writes it, empty for none.
     std::string builtInKey = {};
+    /// Whether the system's package manager keeps the client's own files current; plugins are the user's in any case.
+    bool isPackaged = false;
     /// Puts back what the last update replaced, for which this program ends. @return whether it does
     std::function<bool()> undoUpdate = {};
     /// Whether a file is in use, so that it cannot be replaced now.
@@ -40,6 +43,11 @@ struct UpdateServices
     std::chrono::milliseconds startLimit = std::chrono::seconds(3); ///< the same while the program starts
     std::chrono::milliseconds silenceLimit = std::chrono::seconds(30);
 };
+
+/// What a user is told of the client's own files where the program came as a package.
+inline constexpr QStringView packagedNote =
+    u"This program came as a package of the system, whose package manager keeps it current. It looks for updates of "
+    "plugins only.";
 
 /// One kind of check: which list it reads, and how it judges.
 struct CheckOrder

@@ -8,6 +8,7 @@
 #include "ui/ImageButton.h"
 #include "updates/UpdateKey.h"
 #include "updates/UpdateOptions.h"
+#include "updates/UpdateServices.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -89,6 +90,12 @@ QGroupBox* qrvrcOptions::buildUpdates()
     chkCheckForUpdates = new QCheckBox(u"&Automatically check for updates"_s);
     chkCheckForUpdates->setObjectName(u"chkCheckForUpdates"_s);
     form->addRow(new QLabel, chkCheckForUpdates);
+    if (m_options.isPackaged()) {
+        auto* note = new QLabel(packagedNote.toString());
+        note->setObjectName(u"lblPackaged"_s);
+        note->setWordWrap(true);
+        form->addRow(new QLabel, note);
+    }
     return frame;
 }
 
