@@ -49,6 +49,14 @@ bool isAdded(const UpdateState& state, const WaitingFile& file)
     return std::find(added.begin(), added.end(), file) != added.end();
 }
 
+/// Leaves nothing that waits, nor what is known of it.
+void dropAllWaiting(const AppFolder& folder, const UpdateState& state)
+{
+    fs::remove_all(folder.path(updatesFolder));
+    state.forgetDigests();
+    state.noteHandOver(UpdateState::HandOver::None);
+}
+
 /// One file that waits, as it was judged.
 struct Step
 {
@@ -75,7 +83,7 @@ public:
             return {};
         judgeAll();
         if (!m_problems.empty())
-            return giveUp(UpdateState::HandOver::Told); // the same would come of it the next time
+            return giveUp(UpdateState::HandOver::Told); // half a set is none: the rest waits for another download
         for (const Step& file : m_steps)
             attempt(file.file.name, [&] { keep(file); });
         for (Step& file : m_steps) {
@@ -186,15 +194,15 @@ private:
     void conclude() const
     {
         m_state.noteTrial(true);
-        fs::remove_all(m_targets.folder().path(updatesFolder));
-        m_state.forgetDigests();
-        m_state.noteHandOver(UpdateState::HandOver::None);
+        dropAllWaiting(m_targets.folder(), m_state);
     }
 
     std::vector<std::string> giveUp(UpdateState::HandOver state)
     {
         step("problems");
-        const std::vector<std::string> problems = m_problems;
+        std::vector<std::string> problems = m_problems;
+        if (state == UpdateState::HandOver::Told && !m_steps.empty())
+            problems.emplace_back("The other files wait until these have been downloaded again.");
         attempt("UpdateProblems.txt", [&] {
             writeProblems(m_targets.folder(), problems);
             m_state.noteHandOver(state);
@@ -240,22 +248,36 @@ std::vector<WaitingFile> keptFiles(const AppFolder& folder)
 
 } // namespace
 
-void keepReplaced(const AppFolder& folder, const fs::path& target, const WaitingFile& file)
+std::optional<fs::path> placeToKeep(const AppFolder& folder, const fs::path& target, const WaitingFile& file)
 {
     const std::string name = keptName(file);
-    const fs::path kept = folder.path(name);
+    fs::path kept = folder.path(name);
     std::error_code fault;
     if (fs::exists(kept, fault))
-        return;
+        return {};
     const UpdateState state(folder);
     if (isAdded(state, file))
-        return; // what is there now came with the same update
-    if (!isFile(target))
-        return state.noteAdded(file);
+        return {}; // what is there now came with the same update
+    if (!isFile(target)) {
+        state.noteAdded(file);
+        return {};
+    }
     folder.makeFolder(name.substr(0, name.rfind('\\')));
-    fs::create_hard_link(target, kept, fault);
+    return kept;
+}
+
+void keepFile(const fs::path& file, const fs::path& kept)
+{
+    std::error_code fault;
+    fs::create_hard_link(file, kept, fault);
     if (fault)
-        copyFile(target, kept); // another disk, or one without links
+        copyFile(file, kept); // another disk, or one without links
+}
+
+void keepReplaced(const AppFolder& folder, const fs::path& target, const WaitingFile& file)
+{
+    if (const std::optional<fs::path> kept = placeToKeep(folder, target, file))
+        keepFile(target, *kept);
 }
 
 std::vector<std::string> installWaiting(const UpdateTargets& targets, const StepHook& beforeStep)
@@ -268,6 +290,11 @@ std::vector<std::string> restoreReplaced(const UpdateTargets& targets)
     const AppFolder& folder = targets.folder();
     const UpdateState state(folder);
     std::vector<std::string> problems;
+    try {
+        dropAllWaiting(folder, state); // it would come to lie beside files that it does not belong to
+    } catch (const std::exception& error) {
+        problems.push_back(std::string(updatesFolder) + ": " + error.what());
+    }
     const auto each = [&](const std::vector<WaitingFile>& files, const auto& act) {
         for (const WaitingFile& file : files) {
             try {

@@ -1,13 +1,12 @@
 #include "updates/UpdateQueue.h"
 
 #include "base/Bounds.h"
-#include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "platform/net/Download.h"
 #include "platform/net/Inet.h"
 #include "platform/system/ExecutableFile.h"
 #include "platform/system/FileBytes.h"
-#include "store/AppFolder.h"
+#include "platform/system/PathBytes.h"
 #include "updates/InstallUpdates.h"
 #include "updates/Sha256.h"
 #include "updates/UpdateState.h"
@@ -27,7 +26,8 @@ namespace {
 fs::path partName(const fs::path& folder, const std::string& name)
 {
     constexpr std::size_t takenOver = 64;
-    return folder / ('.' + name.substr(0, takenOver) + ".download");
+    const fs::path::string_type begin = pathOfBytes(name).native().substr(0, takenOver);
+    return folder / fs::path(".").concat(begin).concat(".download");
 }
 
 QString meaningOf(const Download& download, std::chrono::milliseconds silence)
@@ -79,6 +79,7 @@ UpdateQueue::UpdateQueue(const UpdateServices& services, ListKind kind, QString 
                          QObject* parent)
     : QObject(parent),
       m_services(services),
+      m_atWork(services.downloads),
       m_kind(kind),
       m_location(std::move(location)),
       m_items(std::make_move_iterator(items.begin()), std::make_move_iterator(items.end()))
@@ -153,21 +154,31 @@ void UpdateQueue::conclude()
     QString fault;
     if (!isWhole)
         fault = meaningOf(*m_download, m_services.silenceLimit);
+    else if (item.digest.empty() && m_services.key)
+        fault = u"nothing proves it, and an update key is set"_s;
     else if (!item.digest.empty() && item.digest != digest)
         fault = u"its checksum is not the one that the update location has signed"_s;
     else if (!mayReplace(m_part, m_services.targets.existingPathOf(item.name, item.folder, m_kind).value_or(m_target)))
         fault = u"it is no program for this system"_s;
-    if (fault.isEmpty()) {
-        put(digest);
-    } else {
-        std::error_code ignored;
-        fs::remove(m_part, ignored);
-        fail(fault);
-    }
+    if (fault.isEmpty())
+        return put(digest);
+    dropPart(fault);
+    goOn();
+}
+
+void UpdateQueue::goOn()
+{
     if (m_isCancelled)
         end();
     else
-        QTimer::singleShot(0, this, &UpdateQueue::next); // the transfer is still on the way out of its own signal
+        QTimer::singleShot(0, this, &UpdateQueue::next); // the transfer may still be on the way out of its own signal
+}
+
+void UpdateQueue::dropPart(const QString& why)
+{
+    std::error_code ignored;
+    fs::remove(m_part, ignored);
+    fail(why);
 }
 
 bool UpdateQueue::mustWait() const
@@ -179,38 +190,83 @@ bool UpdateQueue::mustWait() const
 void UpdateQueue::put(const std::string& digest)
 {
     const WantedFile& item = m_items.front();
+    const AppFolder& folder = m_services.targets.folder();
     std::error_code fault;
     if (!fs::exists(m_target, fault))
         makeRunnable(m_part, item.name);
-    bool isPlaced = false;
+    Move move{.folder = folder,
+              .file = {item.name, item.folder},
+              .part = m_part,
+              .target = mustWait() ? std::nullopt : std::optional(m_target),
+              .kept = {},
+              .digest = digest};
     try {
-        if (!mustWait()) {
-            keepReplaced(m_services.targets.folder(), m_target, {item.name, item.folder});
-            moveFile(m_part, m_target);
-            isPlaced = true;
+        UpdateState(folder).noteHandOver(UpdateState::HandOver::None); // a set that has failed before may do now
+        if (move.target)
+            move.kept = placeToKeep(folder, m_target, move.file);
+    } catch (const RuntimeError&) {
+        move.target.reset(); // it waits, whatever the reason
+    }
+    m_moving.start([move = std::move(move)] { return moved(move); }, [this](const Moved& how) { concludeMove(how); });
+}
+
+/// Everything that takes longer the longer the file is: it is on the disk when it has its new name, and may have to be
+/// copied or read for that.
+UpdateQueue::Moved UpdateQueue::moved(const Move& move)
+{
+    Moved how{.part = move.part, .digest = move.digest, .fault = {}};
+    try {
+        if (move.kept)
+            keepFile(*move.target, *move.kept);
+        if (move.target) {
+            moveFile(move.part, *move.target);
+            how.isPlaced = true;
+            return how;
         }
     } catch (const RuntimeError&) {
-        isPlaced = false; // it waits, whatever the reason
+        how.isPlaced = false; // it waits, whatever the reason
     }
     try {
-        if (!isPlaced)
-            divertPart(digest);
+        if (how.digest.empty())
+            how.digest = sha256Of(move.part);
+        if (how.digest.empty())
+            throw RuntimeError(ErrorNumber::DeviceInputOutput, move.file.name);
+        move.folder.makeFolder(updatesFolder);
+        const fs::path beside = partName(move.folder.path(updatesFolder), move.file.name);
+        if (beside != move.part)
+            moveFile(move.part, beside);
+        how.part = beside;
     } catch (const RuntimeError& error) {
-        fs::remove(m_part, fault);
-        return fail(meaningOf(error));
+        how.fault = error;
     }
-    m_results.push_back({item.name, isPlaced ? ObtainedFile::How::Placed : ObtainedFile::How::Diverted});
-    m_items.pop_front();
+    return how;
+}
+
+void UpdateQueue::concludeMove(const Moved& how)
+{
+    m_part = how.part;
+    try {
+        if (how.fault)
+            throw RuntimeError(*how.fault);
+        if (!how.isPlaced)
+            divertPart(how.digest);
+        m_results.push_back(
+            {m_items.front().name, how.isPlaced ? ObtainedFile::How::Placed : ObtainedFile::How::Diverted});
+        m_items.pop_front();
+    } catch (const RuntimeError& error) {
+        dropPart(meaningOf(error));
+    }
+    goOn();
 }
 
 void UpdateQueue::divertPart(const std::string& digest) const
 {
-    const WantedFile& item = m_items.front();
     const AppFolder& folder = m_services.targets.folder();
-    const UpdateState state(folder);
-    state.noteDigest(item.name, digest.empty() ? sha256Of(m_part) : digest);
-    state.noteHandOver(UpdateState::HandOver::None); // a set that has failed before may do now
-    divert(folder, m_part, {item.name, item.folder});
+    const WaitingFile file{m_items.front().name, m_items.front().folder};
+    if (waitsForAnotherFolder(folder, file))
+        throw RuntimeError(ErrorNumber::FileAlreadyExists, "another file of this name waits to be installed");
+    UpdateState(folder).noteDigest(file.name, digest);
+    divert(folder, m_part, file);
 }
 
 void UpdateQueue::fail(const QString& why)
@@ -228,8 +284,8 @@ void UpdateQueue::cancel()
         return;
     m_isCancelled = true;
     if (m_download && m_download->isExecuting())
-        m_download->cancel(); // goes on in conclude()
-    else
+        m_download->cancel();        // goes on in conclude()
+    else if (!m_moving.isUnderWay()) // which ends it
         end();
 }
 

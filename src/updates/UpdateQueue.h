@@ -1,5 +1,8 @@
 #pragma once
 
+#include "base/RuntimeError.h"
+#include "platform/system/Background.h"
+#include "store/AppFolder.h"
 #include "updates/UpdateServices.h"
 #include "updates/UpdatesIni.h"
 
@@ -9,6 +12,7 @@
 #include <deque>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -67,17 +71,41 @@ Q_SIGNALS:
     void finished();
 
 private:
+    /// What another thread does with a file that has arrived. Owns all that it says.
+    struct Move
+    {
+        AppFolder folder;
+        WaitingFile file;
+        std::filesystem::path part;
+        std::optional<std::filesystem::path> target; ///< nothing when it must wait
+        std::optional<std::filesystem::path> kept;   ///< where the target is kept before it is replaced
+        std::string digest;                          ///< of the part; empty when it is not known
+    };
+    /// What came of it.
+    struct Moved
+    {
+        bool isPlaced = false;
+        std::filesystem::path part; ///< where it lies otherwise
+        std::string digest;
+        std::optional<RuntimeError> fault;
+    };
+
     void next();
     void GetFilesObtain();
     bool openDownload(const std::filesystem::path& folder);
     void conclude();
+    void goOn();
     bool mustWait() const;
     void put(const std::string& digest);
+    static Moved moved(const Move& move);
+    void concludeMove(const Moved& how);
+    void dropPart(const QString& why);
     void divertPart(const std::string& digest) const;
     void fail(const QString& why);
     void end();
 
     const UpdateServices& m_services;
+    std::shared_ptr<const int> m_atWork;
     ListKind m_kind;
     QString m_location;
     std::deque<WantedFile> m_items; ///< the first one is under way
@@ -89,6 +117,7 @@ private:
     std::filesystem::path m_part; ///< what has arrived of it
     std::unique_ptr<Download> m_download;
     qint64 m_received = 0; ///< of the file under way
+    NewestWork<Moved> m_moving;
     bool m_isCancelled = false;
     bool m_isOver = false;
 };

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,7 +35,9 @@ struct UpdateServices
     std::string builtInKey = {};
     /// Whether the system's package manager keeps the client's own files current; plugins are the user's in any case.
     bool isPackaged = false;
-    /// Puts back what the last update replaced, for which this program ends. @return whether it does
+    /// Held by every download under way, so that who begins one can tell whether it is alone.
+    std::shared_ptr<const int> downloads = std::make_shared<const int>();
+    /// Puts back what the last update replaced, for which this program ends without asking. @return whether it does
     std::function<bool()> undoUpdate = {};
     /// Whether a file is in use, so that it cannot be replaced now.
     std::function<bool(const std::filesystem::path& file)> isInUse = {};

@@ -13,6 +13,7 @@ constexpr std::string_view stateFile = "\\settings\\updates.ini";
 constexpr std::string_view serialSection = "Serials";
 constexpr std::string_view digestSection = "Digests";
 constexpr std::string_view addedSection = "Added";
+constexpr char betweenFolderAndName = '|'; // as in the lists, so neither holds one
 constexpr std::string_view progressSection = "Progress";
 constexpr std::string_view handOverKey = "HandOver";
 constexpr std::string_view trialKey = "Trial";
@@ -31,16 +32,6 @@ void store(const AppFolder& folder, const IniText& text)
 {
     folder.makeFolder("\\settings");
     writeBytes(folder.path(stateFile), text.bytes(), Access::OwnerOnly);
-}
-
-std::vector<WaitingFile> entries(const AppFolder& folder, std::string_view section)
-{
-    std::vector<WaitingFile> found;
-    for (const std::string& line : stored(folder).lines(section)) {
-        const std::size_t equals = line.find('=');
-        found.push_back({.name = line.substr(0, equals), .folder = line.substr(equals + 1)});
-    }
-    return found;
 }
 
 } // namespace
@@ -84,8 +75,10 @@ void UpdateState::noteSerial(std::string_view key, std::uint64_t serial) const
 std::map<std::string, std::string> UpdateState::digests() const
 {
     std::map<std::string, std::string> found;
-    for (const WaitingFile& entry : entries(m_folder, digestSection))
-        found.emplace(entry.name, entry.folder);
+    for (const std::string& line : stored(m_folder).lines(digestSection)) {
+        const std::size_t equals = line.find('=');
+        found.emplace(line.substr(0, equals), line.substr(equals + 1));
+    }
     return found;
 }
 
@@ -101,12 +94,19 @@ void UpdateState::forgetDigests() const
 
 std::vector<WaitingFile> UpdateState::added() const
 {
-    return entries(m_folder, addedSection);
+    std::vector<WaitingFile> files;
+    for (const std::string& line : stored(m_folder).lines(addedSection)) {
+        const std::size_t value = line.find('=') + 1;
+        if (const std::size_t cut = line.find(betweenFolderAndName, value); cut != std::string::npos)
+            files.push_back({.name = line.substr(cut + 1), .folder = line.substr(value, cut - value)});
+    }
+    return files;
 }
 
+/// Numbered, because two folders may get a file of one name.
 void UpdateState::noteAdded(const WaitingFile& file) const
 {
-    set(addedSection, file.name, file.folder);
+    set(addedSection, std::to_string(added().size() + 1), file.folder + betweenFolderAndName + file.name);
 }
 
 void UpdateState::forgetAdded() const

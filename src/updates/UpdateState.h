@@ -28,6 +28,7 @@ public:
 
     /// Files that the last update brought where there was none before.
     std::vector<WaitingFile> added() const;
+    /// @param file  not among them yet
     void noteAdded(const WaitingFile& file) const;
 
     /// How far the hand-over of what waits has come.

@@ -89,7 +89,7 @@ std::optional<fs::path> UpdateTargets::pathOf(std::string_view name, std::string
     if (!isPlainFileName(name))
         throw RuntimeError(ErrorNumber::PermissionDenied, name);
     if (kind == ListKind::Client && folder == systemFolderMark)
-        return m_systemFolder ? std::optional(*m_systemFolder / fs::path(name)) : std::nullopt;
+        return m_systemFolder ? std::optional(*m_systemFolder / pathOfBytes(name)) : std::nullopt;
     if (!folder.starts_with('\\') || !folder.ends_with('\\'))
         throw RuntimeError(ErrorNumber::PermissionDenied, std::string(folder).append(name));
     if (isRoot(folder) && !m_program.empty() && equalsIgnoringCase(name, programName))

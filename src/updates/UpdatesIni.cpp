@@ -38,6 +38,14 @@ std::vector<WaitingFile> waitingFiles(const AppFolder& folder)
     return files;
 }
 
+bool waitsForAnotherFolder(const AppFolder& folder, const WaitingFile& file)
+{
+    const std::vector<WaitingFile> waiting = waitingFiles(folder);
+    return std::any_of(waiting.begin(), waiting.end(), [&file](const WaitingFile& other) {
+        return equalsIgnoringCase(other.name, file.name) && !equalsIgnoringCase(other.folder, file.folder);
+    });
+}
+
 void dropWaiting(const AppFolder& folder, const std::vector<WaitingFile>& dropped)
 {
     IniText list = readList(folder);

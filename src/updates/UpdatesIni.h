@@ -23,6 +23,9 @@ struct WaitingFile
 /// The files that wait, in the order in which they came. Entries are as they stand in the file: they may be anything.
 std::vector<WaitingFile> waitingFiles(const AppFolder& folder);
 
+/// Whether a file of that name waits for another folder. The two could not lie side by side.
+bool waitsForAnotherFolder(const AppFolder& folder, const WaitingFile& file);
+
 /// Takes files off the list, and away where they are there.
 /// @throws RuntimeError from the disk
 void dropWaiting(const AppFolder& folder, const std::vector<WaitingFile>& dropped);

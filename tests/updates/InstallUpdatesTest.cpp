@@ -144,7 +144,8 @@ private Q_SLOTS:
         const std::string told = house.get(problemsFile);
         for (const char* name : {"evil: ", "up: ", "x.ocx: ", "state: ", "bad: "})
             QVERIFY2(told.find(name) != std::string::npos, told.c_str());
-        QVERIFY(state.handOver() == UpdateState::HandOver::Told); // the same would come of it
+        QVERIFY2(told.ends_with("been downloaded again.\r\n"), told.c_str());
+        QVERIFY(state.handOver() == UpdateState::HandOver::Told); // until another download
         QVERIFY(installWaiting(house.targets).empty());           // what never could be installed is off the list
         QVERIFY(house.isInstalled());
     }
@@ -170,7 +171,16 @@ private Q_SLOTS:
         QVERIFY(isReplacedKept(house.folder));
         beginUpdate(house.folder); // not started yet: still kept
         QVERIFY(isReplacedKept(house.folder) && UpdateState(house.folder).isOnTrial());
+        for (const char* place : {"\\Plugins\\", "\\"}) { // two of one name
+            const fs::path target = house.folder.path(std::string(place) + "same");
+            keepReplaced(house.folder, target, {.name = "same", .folder = place});
+            writeBytes(target, "x");
+        }
+        house.wait("data.bin", "\\", "of the same update, and late");
+        UpdateState(house.folder).noteDigest("data.bin", "x");
         QVERIFY(restoreReplaced(house.targets).empty());
+        QVERIFY(!house.folder.folderExists("\\Updates") && UpdateState(house.folder).digests().empty());
+        QVERIFY(!house.folder.fileExists("\\same") && !house.folder.fileExists("\\Plugins\\same"));
         QVERIFY(!house.folder.fileExists("\\Plugins\\Deep\\new.dll") && !isReplacedKept(house.folder));
         QVERIFY(!UpdateState(house.folder).isOnTrial());
         house.wait("data.bin", "\\", "newest");

@@ -239,6 +239,25 @@ private Q_SLOTS:
         QCOMPARE(UpdateState(yard.folder).added().front().name, std::string("last.bin"));
     }
 
+    void twoFilesOfOneNameDoNotWaitTogether()
+    {
+        Yard yard;
+        QVERIFY(yard.obtain({{"last.bin", "\\no\\"}, {"last.bin", "\\NO\\"}, {"last.bin", "\\other\\"}}));
+        QVERIFY(yard.results[1].how == How::Diverted && yard.results[2].how == How::Failed);
+        QCOMPARE(waitingFiles(yard.folder).size(), std::size_t{1});
+        QCOMPARE(yard.folder.fileNames("\\Updates").size(), std::size_t{2});
+    }
+
+    void whatNothingProvesIsRefusedOnceThereIsAKey()
+    {
+        Yard yard;
+        QVERIFY(yard.obtain({{"data.bin", "\\"}, {"last.bin", "\\"}}, [&](UpdateQueue&) {
+            yard.services.key = UpdateKey::fromText(practice::UpdateSigner().publicKey().toStdString());
+        }));
+        QVERIFY(yard.results[0].how == How::Failed && yard.results[1].how == How::Failed);
+        QVERIFY(yard.get("\\data.bin") == "old data" && yard.isTidy());
+    }
+
     void onlyTheManifestOfTheKeyCounts_data()
     {
         // page: served in place of the manifest, if any
