@@ -57,6 +57,7 @@ ListCheck::ListCheck(const UpdateServices& services, const CheckOrder& order, st
       m_order(order),
       m_limit(limit),
       m_location(services.location),
+      m_key(services.key),
       m_facts(diskFacts(services.targets, order.kind, services.clientVersion, order.helpVersionIn))
 {
     fetch();
@@ -74,8 +75,8 @@ void ListCheck::fetch()
     }
     m_page = m_services.inet.get(url, m_limit);
     connect(m_page.get(), &PageFetch::finished, this, &ListCheck::take);
-    if (m_services.key) {
-        m_manifest = std::make_unique<ManifestFetch>(m_services, m_location, m_limit);
+    if (m_key) {
+        m_manifest = std::make_unique<ManifestFetch>(m_services, m_location, *m_key, m_limit);
         connect(m_manifest.get(), &ManifestFetch::finished, this, &ListCheck::take);
     }
 }

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class ManifestFetch;
@@ -18,7 +19,8 @@ class ListCheck : public QObject
     Q_OBJECT
 
 public:
-    /// The location is taken as it is now. Where a package manager keeps the client current, its list is not asked for.
+    /// Location and key are taken as they are now. Where a package manager keeps the client current, its list is not
+    /// asked for.
     /// @param services  outlives this
     /// @param limit     time for fetching the list
     ListCheck(const UpdateServices& services, const CheckOrder& order, std::chrono::milliseconds limit,
@@ -35,6 +37,8 @@ public:
     const QString& fault() const { return m_fault; }
     const Candidates& candidates() const { return m_candidates; }
     const QString& location() const { return m_location; }
+    /// Whether it judged with what is in force.
+    bool isOf(const UpdateServices& services) const { return m_location == services.location && m_key == services.key; }
 
 Q_SIGNALS:
     /// Once, from the event loop or from cancel().
@@ -52,6 +56,7 @@ private:
     CheckOrder m_order;
     std::chrono::milliseconds m_limit;
     QString m_location;
+    std::optional<UpdateKey> m_key;
     LocalFacts m_facts;
     std::unique_ptr<PageFetch> m_page;
     std::unique_ptr<ManifestFetch> m_manifest; ///< none where nothing is proven

@@ -5,10 +5,14 @@
 #include "updates/UpdateState.h"
 #include "updates/UpdateTargets.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
-ManifestFetch::ManifestFetch(const UpdateServices& services, const QString& location, std::chrono::milliseconds limit)
+ManifestFetch::ManifestFetch(const UpdateServices& services, const QString& location, UpdateKey key,
+                             std::chrono::milliseconds limit)
     : m_services(services),
+      m_key(std::move(key)),
       m_text(services.inet.get(addressAt(location, ListKind::Client, UpdateManifest::fileName), limit)),
       m_signature(services.inet.get(addressAt(location, ListKind::Client, UpdateManifest::signatureName), limit))
 {
@@ -39,14 +43,14 @@ QString ManifestFetch::judge()
     if (!signature.isGood() || !signature.isWhole)
         return u"An update key is set, and the update location has no signature for its manifest"_s;
     const std::string text = answer.body.toStdString();
-    m_isMismatched = !m_services.key->hasSigned(text, signature.body.toStdString());
+    m_isMismatched = !m_key.hasSigned(text, signature.body.toStdString());
     if (m_isMismatched)
         return u"The manifest of the update location is not signed with the update key"_s;
     m_manifest = UpdateManifest::parse(text);
     if (!m_manifest)
         return u"The manifest of the update location cannot be read"_s;
     const UpdateState state(m_services.targets.folder());
-    const std::string key = m_services.key->digits();
+    const std::string key = m_key.digits();
     if (const std::uint64_t highest = state.highestSerial(key); m_manifest->serial() < highest)
         return u"The manifest of the update location is older (serial %1) than one that was seen before (serial %2)"_s
             .arg(m_manifest->serial())

@@ -11,16 +11,17 @@
 
 class PageFetch;
 
-/// The manifest of an update location that is being fetched and proven with the key that is set. Deleting this ends it;
+/// The manifest of an update location that is being fetched and proven with a key. Deleting this ends it;
 /// `finished` is not emitted then.
 class ManifestFetch : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param services  outlives this; has a key
+    /// @param services  outlives this
     /// @param limit     time for each of the two transfers
-    ManifestFetch(const UpdateServices& services, const QString& location, std::chrono::milliseconds limit);
+    ManifestFetch(const UpdateServices& services, const QString& location, UpdateKey key,
+                  std::chrono::milliseconds limit);
     ~ManifestFetch() override;
 
     bool isOver() const { return m_isOver; }
@@ -40,6 +41,7 @@ private:
     QString judge();
 
     const UpdateServices& m_services;
+    UpdateKey m_key;
     std::unique_ptr<PageFetch> m_text;
     std::unique_ptr<PageFetch> m_signature;
     std::optional<UpdateManifest> m_manifest;

@@ -20,6 +20,8 @@ public:
     /// Tells this key from others; 64 hexadecimal digits.
     std::string digits() const;
 
+    bool operator==(const UpdateKey&) const = default;
+
 private:
     UpdateKey(std::string id, std::string bytes);
     bool matches(std::string_view signature, std::string_view text) const;

@@ -268,22 +268,22 @@ void UpdatePanel::getUpdates()
     pbDwnld->setValue(0);
     m_total = 0;
     m_done = 0;
+    const std::vector<Candidate> files = lstQRV->checked();
+    if (files.empty())
+        return leaveList(u"Nothing was checked."_s, u"No Updates Available!"_s);
+    if (!m_check->isOf(m_services))
+        return leaveList(u"Press \"%1\" to look for updates."_s.arg(m_setup.checkCaption),
+                         u"The update location or the update key has been changed since these files were looked for. "
+                         "Please look for updates again."_s);
+    if (m_services.downloads.use_count() == 1) // what another one has just kept is of the same update
+        beginUpdate(m_services.targets.folder());
     std::vector<WantedFile> items;
-    beginUpdate(m_services.targets.folder());
-    for (const Candidate& file : lstQRV->checked()) {
+    for (const Candidate& file : files) {
         const UpdateRecord& record = file.record;
         m_total += record.size;
         items.push_back({record.name, record.folder, record.size, file.digest});
         if (m_setup.order.kind == ListKind::Client && record.name == "help.chm")
             m_client.reporter.trap("GetFilesObtain", [&] { noteHelpVersion(m_services.targets, record.version); });
-    }
-    if (items.empty()) {
-        lstQRV->clear();
-        lstQRV->setEmptyText(u"Nothing was checked."_s);
-        showButton(false);
-        m_client.reporter.ReportMsg(MessageKind::Failed, u"No Updates Available!"_s);
-        cmdCheck->setEnabled(true);
-        return;
     }
     m_remains = items.size() < lstQRV->offeredCount();
     m_fileCount = static_cast<int>(items.size());
@@ -292,12 +292,22 @@ void UpdatePanel::getUpdates()
     cmdUndo->setEnabled(false);
     m_queue = std::make_unique<UpdateQueue>(m_services, m_setup.order.kind, m_check->location(), std::move(items));
     connect(m_queue.get(), &UpdateQueue::fetching, this, [this](const std::string& name, int left) {
-        lblFetched->setText(
-            u"%1 (%2 of %3)"_s.arg(m_client.codePage.toText(name)).arg(m_fileCount - left).arg(m_fileCount));
+        lblFetched->setText(u"%1 (%2 of %3)"_s.arg(m_client.codePage.toText(name), QString::number(m_fileCount - left),
+                                                   QString::number(m_fileCount)));
     });
     connect(m_queue.get(), &UpdateQueue::received, this, &UpdatePanel::advance);
     connect(m_queue.get(), &UpdateQueue::finished, this, &UpdatePanel::concludeDownload, Qt::QueuedConnection);
     m_queue->start();
+}
+
+/// Nothing of the list is downloaded.
+void UpdatePanel::leaveList(const QString& shown, const QString& told)
+{
+    lstQRV->clear();
+    lstQRV->setEmptyText(shown);
+    cmdCheck->setEnabled(true);
+    showButton(false);
+    m_client.reporter.ReportMsg(MessageKind::Failed, told);
 }
 
 void UpdatePanel::advance(qint64 bytes)

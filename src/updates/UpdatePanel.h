@@ -63,6 +63,7 @@ private:
     void tellProof();
 
     void getUpdates();
+    void leaveList(const QString& shown, const QString& told);
     void advance(qint64 bytes);
     void concludeDownload();
     void tellDownloaded(const QStringList& failed, bool areAnyDone, bool isCancelled);

@@ -155,12 +155,34 @@ private Q_SLOTS:
     {
         House house;
         house.offer("data.bin", "1", "longer than before");
+        house.desk.put("\\Replaced\\data.bin", "kept");
         QVERIFY(house.open(update));
         QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
         QVERIFY(house.getUpdates(update));
         const RecordingDialogs::Box box{u"Failed!"_s, u"No Updates Available!"_s};
         QVERIFY(house.desk.boxes.boxes == QList{box});
         QVERIFY(house.rows(update).isEmpty() && house.desk.in(update).control(u"cmdUpdateQRV"_s).isVisible());
+        QCOMPARE(house.desk.bytesOf("\\Replaced\\data.bin"), "kept");
+        for (const auto& [isAlone, kept] : {std::pair(false, "kept"_ba), std::pair(true, "longer than before"_ba)}) {
+            const auto another = isAlone ? nullptr : house.desk.core().updates.downloads; // as its window holds it
+            QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+            house.desk.in(update).clickRow(u"lstQRV"_s, 1);
+            QVERIFY(house.getUpdates(update));
+            QCOMPARE(house.desk.bytesOf("\\Replaced\\data.bin"), kept);
+            house.offer("data.bin", "1", "longest of all three");
+        }
+    }
+
+    void whatWasLookedForWithAnotherKeyIsNotTaken()
+    {
+        House house;
+        house.offer("new.bin", "1", "new");
+        QVERIFY(house.open(update));
+        QVERIFY(house.check(update, u"cmdUpdateQRV"_s));
+        house.desk.core().updates.key = UpdateKey::fromText(practice::UpdateSigner().publicKey().toStdString());
+        QVERIFY(house.getUpdates(update));
+        QVERIFY(house.desk.boxes.onlyText().contains(u"has been changed"_s) && house.rows(update).isEmpty());
+        QVERIFY(!house.pages().requested().contains("new.bin") && !house.desk.exists("\\new.bin"));
     }
 
     void whatIsNotWantedStaysAvailable()
