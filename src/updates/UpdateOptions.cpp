@@ -102,9 +102,11 @@ void UpdateOptions::load()
         m_values.updateKey = fromFile(own("UpdateKey"));
         m_values.reports = reportModeOf(own("ErrorReports"));
     }
-    if (const std::string key = keyInForce(); !key.empty() && !UpdateKey::fromText(key))
-        throw RuntimeError(ErrorNumber::InvalidFileFormat, "UpdateKey"); // rather no updates than unproven ones
     putInForce();
+    if (!keyInForce().empty() && !m_subjects.services.key) {
+        m_subjects.services.location.clear(); // rather no updates than unproven ones
+        throw RuntimeError(ErrorNumber::InvalidFileFormat, "UpdateKey");
+    }
 }
 
 void UpdateOptions::save(const OptionValues& values)

@@ -132,8 +132,9 @@ private Q_SLOTS:
         Options options("[Program]\r\nReplyTimeout=1\r\nCodePage=utf-8\r\n");
         QVERIFY(options.desk.link().replyLimit == 5s);
         QCOMPARE(options.desk.core().codePage.toText("\x80"), u"\u20AC"_s);
-        Options damaged("[Program]\r\nUpdateKey=nonsense\r\n");
+        Options damaged("[Program]\r\nUpdateKey=nonsense\r\nReplyTimeout=90\r\n");
         QCOMPARE(damaged.desk.boxes.boxes.size(), 1);
+        QVERIFY(damaged.desk.link().replyLimit == 90s);            // the rest is in force
         QCOMPARE(damaged.desk.core().updates.location, QString()); // rather none than one that is not proven
     }
 
