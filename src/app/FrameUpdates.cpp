@@ -14,15 +14,18 @@
 
 using namespace Qt::StringLiterals;
 
-FrameUpdates::FrameUpdates(ClientCore& core, RestartOrder restart, QWidget* frame)
+FrameUpdates::FrameUpdates(ClientCore& core, RestartOrder restart, QWidget* frame, const std::function<void()>& quit)
     : m_core(core),
       m_restart(std::move(restart)),
       m_agent(std::make_unique<UpdateAgent>(core.updates, core.client, core.updatesAvailable, frame)),
       m_options(std::make_unique<UpdateOptions>(UpdateOptions::Subjects{core.folder, core.updates, *m_agent, core.link,
                                                                         core.codePage, core.components, core.reporter}))
 {
-    core.updates.undoUpdate = [this, frame] {
-        return startUpdater(m_core.updateTargets, m_restart, {u"--restore"_s}) && frame->close();
+    core.updates.undoUpdate = [this, quit] {
+        if (!startUpdater(m_core.updateTargets, m_restart, {u"--restore"_s}))
+            return false;
+        quit();
+        return true;
     };
 }
 

@@ -2,6 +2,7 @@
 
 #include "updates/InstallUpdates.h"
 
+#include <functional>
 #include <memory>
 
 class LoginExchange;
@@ -17,7 +18,8 @@ public:
     /// @param core     outlives this
     /// @param restart  how the program is started again after an update
     /// @param frame    outlives this; timers and checks are found below it
-    FrameUpdates(ClientCore& core, RestartOrder restart, QWidget* frame);
+    /// @param quit     ends the program without asking
+    FrameUpdates(ClientCore& core, RestartOrder restart, QWidget* frame, const std::function<void()>& quit);
     ~FrameUpdates();
 
     /// Registers options, update and plugin windows.

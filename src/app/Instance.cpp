@@ -1,6 +1,9 @@
 #include "app/Instance.h"
 
+#include "base/RuntimeError.h"
+#include "platform/system/FileBytes.h"
 #include "platform/system/PathText.h"
+#include "updates/InstallUpdates.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -14,7 +17,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// An updater looks at the lock for a moment, and a program that has just begun does not listen yet.
+constexpr const char* lockName = "instance.lock";
+
+// Most updates are installed in less, and a program that has just begun does not listen yet.
 constexpr int attempts = 40;
 constexpr auto betweenAttempts = 50ms;
 
@@ -43,15 +48,25 @@ Instance::Start Instance::begin()
             return Start::Raised;
         QThread::msleep(betweenAttempts.count());
     }
-    return Start::Silent;
+    return isUpdatersTurn() ? Start::Updating : Start::Silent;
 }
 
 bool Instance::take()
 {
     const std::string text = std::to_string(QCoreApplication::applicationPid()) + "\nqrvv3rc\n" +
                              QSysInfo::machineHostName().toStdString() + '\n';
-    m_lock = FileLock::take(m_folder / "instance.lock", text, m_fault);
+    m_lock = FileLock::take(m_folder / lockName, text, m_fault);
     return m_lock != nullptr;
+}
+
+/// What the lock says decides nothing but what the user is told.
+bool Instance::isUpdatersTurn() const
+{
+    try {
+        return readBytesIfPresent(m_folder / lockName, updaterLockText.size()) == updaterLockText;
+    } catch (const RuntimeError&) {
+        return false; // somebody else's, who has more to say
+    }
 }
 
 bool Instance::raiseOther() const

@@ -19,6 +19,7 @@ public:
         First,    ///< the folder is held until this object goes
         Raised,   ///< another one holds it, and shows its window now
         Silent,   ///< somebody holds it, and does not answer
+        Updating, ///< an updater holds it, which starts the program when it is done
         Unusable, ///< the folder cannot be held; `fault` says why
     };
 
@@ -33,6 +34,7 @@ public:
 
 private:
     bool take();
+    bool isUpdatersTurn() const;
     bool raiseOther() const;
 
     std::filesystem::path m_folder;

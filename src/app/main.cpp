@@ -16,6 +16,7 @@
 #include <QFile>
 #include <QMessageBox>
 #include <QStandardPaths>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <iostream>
@@ -128,6 +129,10 @@ int run(Application& application, const CommandLine& line)
         return 0;
     case Instance::Start::Silent:
         return giveUp(u"The folder '%1' is in use by a program that does not answer."_s.arg(textOf(folder)));
+    case Instance::Start::Updating:
+        return giveUp(
+            u"An update is being installed in the folder '%1'. The program starts again when that is done."_s.arg(
+                textOf(folder)));
     case Instance::Start::Unusable:
         return giveUp(u"The folder '%1' cannot be written to: %2"_s.arg(
             textOf(folder), QString::fromLocal8Bit(instance.fault().message().c_str())));
@@ -152,6 +157,7 @@ int run(Application& application, const CommandLine& line)
         QTimer::singleShot(0, &frame, [&] { frame.connectProfile(*line.connectProfile); });
     }
     const int status = QApplication::exec();
+    QThreadPool::globalInstance()->waitForDone(); // what was left to it works on the folder, which is held until then
     application.reporter = nullptr;
     return status;
 }

@@ -61,7 +61,10 @@ qrvrcMain::qrvrcMain(const Setup& setup)
     m_supportDesk = std::make_unique<SupportDesk>(m_core->client, m_core->wSupport);
     buildFrame();
     wireLink();
-    m_updates = std::make_unique<FrameUpdates>(*m_core, RestartOrder{setup.program, setup.arguments}, this);
+    m_updates = std::make_unique<FrameUpdates>(*m_core, RestartOrder{setup.program, setup.arguments}, this, [this] {
+        m_isQuitAgreed = true;
+        close();
+    });
     registerWindows();
     m_notices = std::make_unique<Notices>(*m_core, *m_supportDesk, *m_housekeeping, *this);
 }
@@ -357,7 +360,7 @@ void qrvrcMain::closeEvent(QCloseEvent* event)
     if (m_core->quitting)
         return;
     login().stopPolling();
-    if (!m_core->client.boxes.confirm(u"Quit"_s, u"Are you sure you want to quit?"_s)) {
+    if (!m_isQuitAgreed && !m_core->client.boxes.confirm(u"Quit"_s, u"Are you sure you want to quit?"_s)) {
         login().startPolling();
         return;
     }

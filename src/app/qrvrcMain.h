@@ -83,6 +83,7 @@ private:
     QPointer<WorkingWindow> m_closesBehindBox; ///< wants to be closed, but a box is open
     std::optional<QString> m_pluginHelp; ///< help file of the plugin whose tab is in front; none for our own windows
     ChosenProfile m_opened;              ///< the profile for which a window is being opened
+    bool m_isQuitAgreed = false;         ///< the user has been asked elsewhere
     qrvrcMenu* m_menu = nullptr;
     qrvrcProgress* m_progress = nullptr;
     Housekeeping* m_housekeeping = nullptr;

@@ -1,7 +1,8 @@
 #include "updater/UpdaterSystem.h"
 
+#include "updates/InstallUpdates.h"
+
 #include <thread>
-#include <utility>
 
 namespace updater {
 
@@ -12,20 +13,18 @@ constexpr auto pollPause = std::chrono::milliseconds(50);
 
 } // namespace
 
-FolderHold::FolderHold(std::filesystem::path file, int descriptor) : m_file(std::move(file)), m_descriptor(descriptor)
-{}
-
 StartedProgram::StartedProgram(std::intptr_t process) : m_process(process) {}
 
-bool waitForClient(const std::filesystem::path& folder, std::chrono::milliseconds limit)
+std::unique_ptr<FileLock> takeFromClient(const std::filesystem::path& folder, std::chrono::milliseconds limit,
+                                         std::error_code& fault)
 {
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (isHeld(folder / clientLockName)) {
-        if (std::chrono::steady_clock::now() >= deadline)
-            return false;
+    for (;;) {
+        std::unique_ptr<FileLock> lock = FileLock::take(folder / clientLockName, updaterLockText, fault);
+        if (lock || fault || std::chrono::steady_clock::now() >= deadline)
+            return lock;
         std::this_thread::sleep_for(pollPause);
     }
-    return true;
 }
 
 } // namespace updater

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/system/FileLock.h"
+
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -17,31 +19,14 @@ inline constexpr const char* clientName = "QRVV3RC.exe";
 inline constexpr const char* clientName = "qrvv3rc";
 #endif
 
+/// Held while an updater works on a folder, so that a second one does nothing.
 inline constexpr const char* holdName = "QRVV3Updater.lock";
 
-/// Held while an updater works on a folder, so that a second one does nothing.
-class FolderHold
-{
-public:
-    /// @return nothing when another updater works on the folder, or the folder cannot be written to
-    static std::unique_ptr<FolderHold> take(const std::filesystem::path& folder);
-    ~FolderHold();
-    FolderHold(const FolderHold&) = delete;
-    FolderHold& operator=(const FolderHold&) = delete;
-
-private:
-    FolderHold(std::filesystem::path file, int descriptor);
-
-    std::filesystem::path m_file;
-    int m_descriptor;
-};
-
-/// Whether somebody holds the file; not when there is none.
-bool isHeld(const std::filesystem::path& file);
-
-/// Waits until no client uses the folder.
-/// @return whether it has become free within `limit`
-bool waitForClient(const std::filesystem::path& folder, std::chrono::milliseconds limit);
+/// Waits until no client uses the folder, and takes the client's place, so that none begins meanwhile.
+/// @param fault  what else keeps it from that
+/// @return nothing when the folder has not become free within `limit`
+std::unique_ptr<FileLock> takeFromClient(const std::filesystem::path& folder, std::chrono::milliseconds limit,
+                                         std::error_code& fault);
 
 /// A program that was started and outlives this one.
 class StartedProgram

@@ -1,10 +1,6 @@
 #include "updater/UpdaterSystem.h"
 
-#include <utility>
-
-#include <fcntl.h>
 #include <spawn.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,36 +8,6 @@
 namespace fs = std::filesystem;
 
 namespace updater {
-
-bool isHeld(const fs::path& file)
-{
-    const int descriptor = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
-    const bool held = ::flock(descriptor, LOCK_EX | LOCK_NB) != 0;
-    ::close(descriptor);
-    return held;
-}
-
-std::unique_ptr<FolderHold> FolderHold::take(const fs::path& folder)
-{
-    fs::path file = folder / holdName;
-    const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (descriptor < 0)
-        return nullptr;
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
-        ::close(descriptor);
-        return nullptr;
-    }
-    return std::unique_ptr<FolderHold>(new FolderHold(std::move(file), descriptor));
-}
-
-FolderHold::~FolderHold()
-{
-    std::error_code ignored;
-    fs::remove(m_file, ignored);
-    ::close(m_descriptor);
-}
 
 std::unique_ptr<StartedProgram> StartedProgram::start(const fs::path& program,
                                                       const std::vector<std::string>& arguments)

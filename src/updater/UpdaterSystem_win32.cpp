@@ -1,20 +1,12 @@
 #include "updater/UpdaterSystem.h"
 
-#include <algorithm>
-#include <utility>
-
 #include <windows.h>
-
-#include <fcntl.h>
-#include <io.h>
 
 namespace fs = std::filesystem;
 
 namespace updater {
 
 namespace {
-
-constexpr DWORD sharedWithNobody = 0;
 
 /// `word` as the other program's start-up code takes it apart again: backslashes count as such unless a quotation mark
 /// follows.
@@ -32,34 +24,6 @@ std::wstring quoted(const std::wstring& word)
 }
 
 } // namespace
-
-bool isHeld(const fs::path& file)
-{
-    const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, sharedWithNobody, nullptr,
-                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
-        return GetLastError() == ERROR_SHARING_VIOLATION;
-    CloseHandle(handle);
-    return false;
-}
-
-std::unique_ptr<FolderHold> FolderHold::take(const fs::path& folder)
-{
-    fs::path file = folder / holdName;
-    const HANDLE handle = CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, sharedWithNobody, nullptr,
-                                      OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
-        return nullptr;
-    const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_RDWR);
-    return std::unique_ptr<FolderHold>(new FolderHold(std::move(file), descriptor));
-}
-
-FolderHold::~FolderHold()
-{
-    _close(m_descriptor); // what is open cannot be removed
-    std::error_code ignored;
-    fs::remove(m_file, ignored);
-}
 
 std::unique_ptr<StartedProgram> StartedProgram::start(const fs::path& program,
                                                       const std::vector<std::string>& arguments)

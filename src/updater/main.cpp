@@ -104,25 +104,33 @@ int run(bool restores, const char* calledAs)
     if (!found)
         return complain("neither the current folder nor the updater's own is a client's");
     const AppFolder& folder = *found;
-    const std::unique_ptr<updater::FolderHold> hold = updater::FolderHold::take(folder.root());
+    std::error_code fault;
+    const std::unique_ptr<FileLock> hold = FileLock::take(folder.root() / updater::holdName, updaterLockText, fault);
     if (!hold)
         return complain("another updater is at work in '" + folder.root().string() +
                         "', or nothing can be written there");
     const UpdateState state(folder);
-    if (!updater::waitForClient(folder.root(), clientLimit)) {
+    std::unique_ptr<FileLock> client = updater::takeFromClient(folder.root(), clientLimit, fault);
+    if (!client) {
         state.noteHandOver(UpdateState::HandOver::None);
-        return complain("the client is still running; the updates wait for its next start");
+        return complain(fault ? "the client's lock cannot be taken: " + fault.message()
+                              : "the client is still running; the updates wait for its next start");
     }
 
     const RestartOrder order = restartOrder(folder, calledAs);
     const UpdateTargets targets(folder, order.program, platformSystemFolder());
     std::vector<std::string> problems = restores ? restoreReplaced(targets) : installWaiting(targets);
+    client.reset(); // the one that is started takes it, or another one that the user starts first
     bool isStarted = startsWell(order, state);
     if (!isStarted && state.isOnTrial()) {
+        client = updater::takeFromClient(folder.root(), clientLimit, fault);
+        if (!client)
+            return complain("the new program did not start, and another one keeps the old one from being put back");
         problems = restoreReplaced(targets);
         problems.insert(problems.begin(),
                         "The new program did not start. What the update replaced is back in its place.");
         writeProblems(folder, problems);
+        client.reset();
         isStarted = startsWell(order, state);
     }
     for (const std::string& problem : problems)

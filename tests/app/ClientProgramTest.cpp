@@ -1,6 +1,7 @@
+#include "platform/system/FileLock.h"
 #include "practice/links/Tracker.h"
-
 #include "support/AddRow.h"
+#include "updates/InstallUpdates.h"
 
 #include <QFile>
 #include <QProcess>
@@ -88,6 +89,18 @@ private Q_SLOTS:
         QByteArray said;
         QTRY_VERIFY((said += program.process.readAllStandardError()).contains("cannot be written to"));
         QVERIFY(!program.process.waitForFinished(100)); // nobody has closed the window yet
+    }
+
+    void aStartWhileAnUpdateIsInstalledSaysSo()
+    {
+        QTemporaryDir folder;
+        std::error_code fault;
+        const auto lock = FileLock::take(folder.filePath(u"instance.lock"_s).toStdU16String(), updaterLockText, fault);
+        QVERIFY(lock);
+        Program program(onFolder(folder.path()));
+        QVERIFY(program.process.waitForStarted());
+        QByteArray says;
+        QTRY_VERIFY((says += program.process.readAllStandardError()).contains("update is being installed"));
     }
 
     void onlyTheSystemsLockDecides_data()

@@ -78,6 +78,18 @@ private Q_SLOTS:
         QCOMPARE(desk.boxes.boxes.size(), 1);
     }
 
+    void undoingAnUpdateAsksNoSecondTime()
+    {
+        Desk desk;
+        QVERIFY(desk.open());
+        desk.boxes.answer = false;
+        QVERIFY(!desk.core().updates.undoUpdate() && !desk.core().quitting); // there is no updater
+        desk.put("\\QRVV3Updater.exe", "#!/bin/sh\n");
+        std::filesystem::permissions(desk.path("\\QRVV3Updater.exe"), std::filesystem::perms::owner_all);
+        QVERIFY(desk.core().updates.undoUpdate());
+        QVERIFY(desk.core().quitting && !desk.frame().isVisible() && desk.boxes.boxes.isEmpty());
+    }
+
     void theQuestionMayComeTwiceAtOnce()
     {
         Desk desk;
