@@ -138,17 +138,32 @@ void PluginHost::judge(const std::string& file, Plugin& plugin, const InstalledV
     m_table.disabled += plugin.name + " (" + file + ")\r\n";
 }
 
-/// The load may be part of a reply's handling, so the trial begins behind it; when it is over, the load says what came
-/// of it.
+/// The load may be part of a reply's handling, so the trial begins behind it. Every load names all that are new, and
+/// each is tried once; one after the other, because each is a process of its own.
 void PluginHost::tryBehind(const std::string& progId)
 {
-    const auto begin = [this, progId] {
-        m_components.tryClass(progId, [host = QPointer(this)](const ComponentFault&) {
-            if (host)
-                QMetaObject::invokeMethod(host, &PluginHost::LoadPlugins, Qt::QueuedConnection);
-        });
-    };
-    QMetaObject::invokeMethod(this, begin, Qt::QueuedConnection);
+    if (std::find(m_trials.begin(), m_trials.end(), progId) != m_trials.end())
+        return;
+    m_trials.push_back(progId);
+    if (m_trials.size() == 1)
+        QMetaObject::invokeMethod(this, &PluginHost::tryNextClass, Qt::QueuedConnection);
+}
+
+void PluginHost::tryNextClass()
+{
+    m_components.tryClass(m_trials.front(), [host = QPointer(this)](const ComponentFault&) {
+        if (host)
+            QMetaObject::invokeMethod(host, &PluginHost::concludeTrial, Qt::QueuedConnection);
+    });
+}
+
+/// The load says what came of it.
+void PluginHost::concludeTrial()
+{
+    m_trials.pop_front();
+    if (!m_trials.empty())
+        tryNextClass();
+    LoadPlugins();
 }
 
 void PluginHost::takeArrived(const std::vector<std::string>& files)

@@ -81,6 +81,8 @@ private:
     void load(const std::string& file, const std::string& base, const InstalledVersions& installed);
     void judge(const std::string& file, Plugin& plugin, const InstalledVersions& installed);
     void tryBehind(const std::string& progId);
+    void tryNextClass();
+    void concludeTrial();
     void takeNext();
     void concludeArrival(const ComponentFault& fault);
     void showStatus(std::string_view body);
@@ -93,6 +95,7 @@ private:
     PluginAccess m_access;
     std::string m_clientVersion;
     std::set<std::string> m_unknown;      ///< components that messages of this connection named and that are not here
+    std::deque<std::string> m_trials;     ///< classes to be tried; the first one is under way
     std::deque<std::string> m_waiting;    ///< files to be registered; the first one is under way
     std::vector<LeftOutPlugin> m_arrived; ///< those that are done
     std::set<std::string> m_told;         ///< what was wrong with files at the last load

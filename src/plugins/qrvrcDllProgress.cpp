@@ -17,6 +17,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QProgressBar>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <QScreen>
 #include <QStyledItemDelegate>
@@ -220,8 +221,7 @@ void qrvrcDllProgress::listProblems()
     Label1->hide();
     List1->show();
     Label2->show();
-    cmdProceed->setEnabled(true);
-    cmdExport->setEnabled(true);
+    enableActions(true);
     setTabOrder(List1, cmdExport);
     setTabOrder(cmdExport, cmdProceed);
     List1->setCurrentRow(0, QItemSelectionModel::NoUpdate);
@@ -237,9 +237,9 @@ void qrvrcDllProgress::reject()
 
 void qrvrcDllProgress::proceed()
 {
-    if (m_isAsking)
+    if (m_isBusy)
         return;
-    const QScopedValueRollback asking(m_isAsking, true);
+    const QScopedValueRollback busy(m_isBusy, true);
     if (List1->count() > 0 && !m_client.boxes.confirm(u"Caution!!!"_s, proceedQuestion))
         return;
     for (const ProblemLine& problem : problemLines()) {
@@ -259,12 +259,24 @@ void qrvrcDllProgress::exportProblems()
     m_services.showText(u"NotePad - Problematic ActiveX Files"_s, m_client.codePage.toText(report));
 }
 
+void qrvrcDllProgress::enableActions(bool enabled)
+{
+    for (ImageButton* button : {cmdProceed, cmdExport})
+        button->setEnabled(enabled);
+    for (QAction* action : {mnuRegister, mnuDelete})
+        action->setEnabled(enabled);
+}
+
 void qrvrcDllProgress::registerSelected()
 {
     const std::vector<std::string> lines = selectedLines();
     if (lines.empty())
         m_client.reporter.ReportMsg(MessageKind::Failed,
                                     u"You have not selected any items from the list to register!"_s);
+    // Events run meanwhile; until it is known which files are left there is nothing to decide.
+    const QScopedValueRollback busy(m_isBusy, true);
+    enableActions(false);
+    const auto over = qScopeGuard([this] { enableActions(true); });
     for (const std::string& line : lines) {
         const std::string entry(entryOfProblem(line));
         const QString name = m_client.codePage.toText(entry);

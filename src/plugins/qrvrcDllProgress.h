@@ -62,6 +62,7 @@ private:
     void buildMenu();
     void wireSignals();
     void proceed();
+    void enableActions(bool enabled);
     void exportProblems();
     void registerSelected();
     void deleteSelected();
@@ -80,7 +81,7 @@ private:
     ProblemFiles& m_problems;
     int m_number = 0;
     bool m_isUsers = false; ///< all is tested
-    bool m_isAsking = false;
+    bool m_isBusy = false;  ///< asks, or registers
 
     QLabel* Label1 = nullptr;
     QProgressBar* ProgressBar1 = nullptr;

@@ -212,6 +212,33 @@ private Q_SLOTS:
         QVERIFY(desk.boxes.boxes.constLast().text.endsWith(u"can be used now:\r\nqrvrcBHDGS.dll"_s));
     }
 
+    void eachNewPluginIsTriedOnceHoweverOftenTheTableIsBuilt()
+    {
+        Desk desk;
+        addPlugins(desk);
+        QVERIFY(desk.logIn());
+        std::vector<std::function<void()>> trials;
+        desk.core().components.setProbe([&](const auto&, const std::string& progId, const auto& done) {
+            if (progId.empty()) // a registration, after which nothing is known of the plugin
+                done({});
+            else
+                trials.push_back([done] { done({}); });
+        });
+        for (const char* file : {"\\Plugins\\qrvrcBHDGS.dll", "\\Plugins\\qrvrcWatch.dll"})
+            desk.core().components.registerFile(desk.path(file), [](const ComponentFault&) {});
+        const QSignalSpy built(&desk.core().pluginHost, &PluginHost::tableChanged);
+        for (int load = 0; load < 3; ++load)
+            desk.core().pluginHost.LoadPlugins();
+        QCOMPARE(tableOf(desk), QString());
+        for (std::size_t count = 1; count <= 2; ++count) {
+            QTRY_COMPARE(trials.size(), count); // one at a time
+            trials.back()();
+        }
+        QTRY_COMPARE(tableOf(desk), u"qrvrcBHDGS+ qrvrcWatch+"_s);
+        QCOMPARE(built.size(), 5);
+        QCOMPARE(trials.size(), 2U);
+    }
+
     void theEndOfAConnectionForgetsWhatTheTrackerRan_data()
     {
         QTest::addColumn<bool>("byUser");
