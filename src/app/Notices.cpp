@@ -32,7 +32,8 @@ Notices::Notices(ClientCore& core, const SupportDesk& support, Housekeeping& sta
 void Notices::tellOfLink()
 {
     const clsWinSock& link = m_core.link;
-    // Behind the socket's own doings: the link is closed only when the box has told why.
+    // Behind the socket's own doings, because the box lets events run. It may have to wait behind another one: by the
+    // time it is read the link is closed then.
     connect(
         &link, &clsWinSock::socketFailed, this,
         [this](int number, const QString& description) {

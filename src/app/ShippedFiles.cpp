@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string>
 
 #if defined(_WIN32)
@@ -55,8 +56,12 @@ std::string digestOf(std::string_view bytes)
 /// Tells versions of an installed file apart without reading it.
 std::string stampOf(const fs::path& file)
 {
-    return std::to_string(fs::file_size(file)) + '/' +
-           std::to_string(fs::last_write_time(file).time_since_epoch().count());
+    std::error_code fault;
+    const std::uintmax_t size = fs::file_size(file, fault);
+    const fs::file_time_type changed = fault ? fs::file_time_type() : fs::last_write_time(file, fault);
+    if (fault)
+        throwFileError(fault, file);
+    return std::to_string(size) + '/' + std::to_string(changed.time_since_epoch().count());
 }
 
 /// Nothing is known to be a copy when the list cannot be read.

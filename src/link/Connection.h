@@ -16,7 +16,7 @@ struct Connection
     std::string password = {}; ///< likewise
 
     /// Host and port, as they are told to the user.
-    QString peer() const { return QStringLiteral("%1:%2").arg(host).arg(port); }
+    QString peer() const { return QStringLiteral("%1:%2").arg(host, QString::number(port)); }
     /// Whether both lead to the same tracker: profiles have numbers, and another tracker has the same ones.
     bool isSameHost(const Connection& other) const
     {

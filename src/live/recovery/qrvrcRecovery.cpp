@@ -183,7 +183,7 @@ void qrvrcRecovery::send()
     m_command = found->command;
     m_answer = RecoveryAnswer();
     setBusy(true);
-    lblNote->setText(u"Connecting to %1, port %2..."_s.arg(found->host).arg(found->port));
+    lblNote->setText(u"Connecting to %1, port %2..."_s.arg(found->host, QString::number(found->port)));
     m_limit.start(m_limits.connecting);
     wsRecov.connectTo(found->host, found->port);
 }

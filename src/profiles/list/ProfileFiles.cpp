@@ -1,6 +1,7 @@
 #include "profiles/list/ProfileFiles.h"
 
 #include "platform/system/FileBytes.h"
+#include "platform/system/PathBytes.h"
 #include "profiles/list/ProfilePictures.h"
 #include "profiles/list/ProfileRecord.h"
 #include "ui/PictureStore.h"
@@ -31,11 +32,12 @@ void makeFolders(const std::vector<std::string>& ids, const std::filesystem::pat
             continue;
         // An id has no letter case, so the folder needs no search among its neighbours, of which there may be
         // thousands.
+        const std::filesystem::path folder = parent / pathOfBytes(id);
         std::error_code fault;
-        std::filesystem::create_directories(parent / id, fault);
+        std::filesystem::create_directories(folder, fault);
         if (fault) {
             made.erase(id);
-            throwFileError(fault, parent / id);
+            throwFileError(fault, folder);
         }
     }
 }

@@ -324,12 +324,10 @@ void qrvrcProfilesList::takeOutcome(const ProfileFiles::Outcome& outcome)
             MessageKind::Failed,
             u"Pictures of mods that the tracker sent are left out: %1, the first of them '%2'. A picture is a GIF, "
             u"PNG, "
-            u"JPEG or BMP file of at most %3 KiB and %4 points either way, and %5 of them are kept."_s
-                .arg(outcome.leftOut)
-                .arg(m_client.codePage.toText(outcome.firstLeftOut))
-                .arg(m_client.bounds.modPictureBytes / Bounds::kibibyte)
-                .arg(m_client.bounds.modPictureSide)
-                .arg(m_client.bounds.modPictures));
+            u"JPEG or BMP file of at most %3 KiB and %4 points either way, and %5 of them are kept."_s.arg(
+                QString::number(outcome.leftOut), m_client.codePage.toText(outcome.firstLeftOut),
+                QString::number(m_client.bounds.modPictureBytes / Bounds::kibibyte),
+                QString::number(m_client.bounds.modPictureSide), QString::number(m_client.bounds.modPictures)));
     tellDamage(outcome.fault, true, m_lastFault);
 }
 
