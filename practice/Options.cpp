@@ -57,6 +57,17 @@ Misbehaviour misbehaviourOf(const QString& text)
     return {bytes.left(equals), *fault};
 }
 
+OutageChoice outageOf(const QString& text)
+{
+    static const QRegularExpression form(QRegularExpression::anchoredPattern(u"([0-9]{1,5}),([0-9]{1,5})"_s));
+    const QRegularExpressionMatch match = form.match(text);
+    const OutageChoice choice{.every = std::chrono::seconds(match.captured(1).toInt()),
+                              .lasting = std::chrono::seconds(match.captured(2).toInt())};
+    if (choice.every.count() == 0 || choice.lasting.count() == 0)
+        throw BadUsage{u"--outage takes EVERY,FOR in seconds from 1 to 99999, not \"%1\""_s.arg(text)};
+    return choice;
+}
+
 /// Names and versions travel between separators that they must not hold.
 PluginChoice pluginOf(const QString& text)
 {
@@ -123,6 +134,10 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
          u"Answers every REQUEST (* for all; Announce and Message on the support link) with FAULT: %1. May be "
          "repeated."_s.arg(QString::fromLatin1(Fault::names())),
          u"REQUEST=FAULT"_s},
+        {u"outage"_s,
+         u"The host is there for about EVERY seconds, away for about FOR, and so on: its links end and its ports are "
+         "closed meanwhile."_s,
+         u"EVERY,FOR"_s},
         {u"plugin"_s,
          u"The tracker's plugin demands VERSION, a file version without dots; \"none\" takes the plugin away, nothing "
          "leaves the version empty. May be repeated."_s,
@@ -174,6 +189,8 @@ std::variant<Options, Notice, UsageError> readOptions(const QStringList& argumen
             options.updates += updateOf(text, true);
         for (const QString& text : parser.values(u"misbehave-page"_s))
             options.pageMisbehaviours += pageMisbehaviourOf(text);
+        if (parser.isSet(u"outage"_s))
+            options.outage = outageOf(parser.value(u"outage"_s));
         if (parser.isSet(u"sign"_s))
             options.serial = numberOf(parser, u"sign"_s, 0xFFFFFFFF);
         options.newsFile = parser.value(u"news"_s);

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <optional>
 #include <variant>
 
@@ -45,6 +46,13 @@ struct PageMisbehaviour
     PageFault fault;
 };
 
+/// How the host goes away and comes back, in seconds; about.
+struct OutageChoice
+{
+    std::chrono::seconds every;
+    std::chrono::seconds lasting;
+};
+
 /// What the command line asks for.
 struct Options
 {
@@ -62,6 +70,7 @@ struct Options
     RecoveryTool::Manner recoveryManner = RecoveryTool::Manner::Proper;
     QList<UpdateChoice> updates;
     QList<PageMisbehaviour> pageMisbehaviours;
+    std::optional<OutageChoice> outage = {};
     QString newsFile;                   ///< empty for the usual news
     std::optional<quint32> serial = {}; ///< of the signed manifest; none for no manifest
 };

@@ -1,4 +1,5 @@
 #include "practice/Options.h"
+#include "practice/links/Outage.h"
 #include "practice/links/RecoveryTool.h"
 #include "practice/links/SupportSide.h"
 #include "practice/links/Tracker.h"
@@ -160,6 +161,13 @@ int serve(QCoreApplication& app, const Options& options)
     tracker.world().supportPort = support.port();
     tracker.setLively(!options.still);
     support.setLively(!options.still);
+    std::optional<Outage> outage;
+    if (options.outage)
+        outage.emplace(tracker, support, options.outage->every, options.outage->lasting, options.seed);
+    if (outage && options.verbose) {
+        QObject::connect(&*outage, &Outage::turned, &app,
+                         [](bool isThere) { std::fprintf(stderr, "host %s\n", isThere ? "back" : "away"); });
+    }
     const QByteArray webBase = web.base().toEncoded();
     std::printf("host link 127.0.0.1:%d\nweb %s\nscripts %s/stats\nsupport link 127.0.0.1:%d\n", tracker.port(),
                 webBase.constData(), webBase.constData(), support.port());

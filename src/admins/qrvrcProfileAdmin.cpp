@@ -5,6 +5,8 @@
 #include "admins/ConnectivityLog.h"
 #include "client/Client.h"
 #include "client/PermissionRecords.h"
+#include "client/Preferences.h"
+#include "client/StatusSlot.h"
 #include "diagnostics/report/Reporter.h"
 #include "link/PackedReply.h"
 #include "link/ReplyDispatcher.h"
@@ -218,8 +220,26 @@ void qrvrcProfileAdmin::actOnSelected(AccountAct act)
     }
     if (account->name.empty())
         return;
+    // Settled before the question: other answers may come while it is open.
+    const AccountHome home = *m_home;
     const auto request = act == AccountAct::Kick ? kickProfileAdminRequest : deleteProfileAdminRequest;
-    carryOut(act, request(m_home->connection.user, m_home->profile.id, account->name), {});
+    const Request wanted = request(home.connection.user, home.profile.id, account->name);
+    if (!isMeant(act, *account))
+        return;
+    if (m_client.link.isLoggedIn() && isShown(home) && fmeUsers->has(account->name))
+        carryOut(act, wanted, {});
+    else
+        m_client.status.tell(u"The account '%1' is no longer there."_s.arg(m_client.codePage.toText(account->name)));
+}
+
+bool qrvrcProfileAdmin::isMeant(AccountAct act, const AdminAccount& account) const
+{
+    const bool isKick = act == AccountAct::Kick;
+    const Preferences::AskBefore& asks = m_client.preferences.asksBefore;
+    const QString question = isKick ? u"Are you sure you want to kick the account '%1'?"_s
+                                    : u"Are you sure you want to delete the account '%1'?"_s;
+    return !(isKick ? asks.kick : asks.deleteAccount) ||
+           m_client.boxes.confirm(u"Confirmation Required!"_s, question.arg(m_client.codePage.toText(account.name)));
 }
 
 void qrvrcProfileAdmin::carryOut(AccountAct act, Request request, std::optional<AccountDraft> saved)

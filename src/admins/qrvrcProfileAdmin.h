@@ -47,6 +47,7 @@ private:
     void askForChecklist();
     void saveAccount();
     void actOnSelected(AccountAct act);
+    bool isMeant(AccountAct act, const AdminAccount& account) const;
     void carryOut(AccountAct act, Request request, std::optional<AccountDraft> saved);
     AccountStep readAccounts() const;
     AccountStep readChecklist(const std::string& account) const;

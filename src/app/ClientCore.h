@@ -3,11 +3,14 @@
 #include "base/Bounds.h"
 #include "client/Client.h"
 #include "client/PermissionRecords.h"
+#include "client/Preferences.h"
 #include "client/SelectedProfile.h"
+#include "client/StatusSlot.h"
 #include "diagnostics/errorlog/ErrorLogSender.h"
 #include "diagnostics/report/BoxQueue.h"
 #include "diagnostics/report/Reporter.h"
 #include "link/EventWait.h"
+#include "link/LinkKeeper.h"
 #include "link/ReplyDispatcher.h"
 #include "link/clsWinSock.h"
 #include "platform/components/Component.h"
@@ -79,6 +82,7 @@ struct ClientCore
     Winsock wsMain{QStringLiteral("wsMain")};
     Winsock wSupport{QStringLiteral("wSupport")};
     clsWinSock link;
+    LinkKeeper keeper{link};
     WindowRegistry windows{&EventWait::running};
     Permissions permissions;       ///< written by the navigation
     PluginTable plugins;           ///< written by the plugin host
@@ -87,6 +91,8 @@ struct ClientCore
     bool updatesAvailable = false; ///< written by the update check
     ProblemFiles problems;         ///< written by the component check
     Components components;
+    StatusSlot status;
+    Preferences preferences; ///< written by the options
     Client client;
     PluginHost pluginHost;
     UpdateServices updates; ///< the location and its key are written by the options

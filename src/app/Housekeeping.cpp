@@ -27,31 +27,14 @@ void show(QLabel& label, const QString& text, const QColor& colour, bool bold)
 Housekeeping::Housekeeping(QStatusBar& statusBar, const bool& updatesAvailable, QObject* parent)
     : QObject(parent),
       m_updatesAvailable(updatesAvailable),
-      lblNote(new QLabel(&statusBar)),
       lblStatus(new QLabel(&statusBar))
 {
-    lblNote->setObjectName(u"lblNote"_s);
-    lblNote->setTextFormat(Qt::PlainText);
-    lblNote->setIndent(6);
-    lblNote->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long note leaves the others their place
     lblStatus->setObjectName(u"lblStatus"_s);
-    statusBar.addWidget(lblNote, 1);
     statusBar.addPermanentWidget(lblStatus);
     auto* tmrGarbageCollection = new QTimer(this);
     tmrGarbageCollection->setObjectName(u"tmrGarbageCollection"_s);
     connect(tmrGarbageCollection, &QTimer::timeout, this, &Housekeeping::tick);
     tmrGarbageCollection->start(1000ms);
-}
-
-void Housekeeping::note(const QString& text)
-{
-    lblNote->setText(text);
-}
-
-void Housekeeping::withdraw(const QString& text)
-{
-    if (lblNote->text() == text)
-        lblNote->clear();
 }
 
 void Housekeeping::tick()

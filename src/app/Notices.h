@@ -4,8 +4,8 @@
 
 #include <vector>
 
-class Housekeeping;
 class QWidget;
+class StatusLine;
 class SupportDesk;
 struct ClientCore;
 struct LeftOutPlugin;
@@ -16,7 +16,7 @@ class Notices : public QObject
 public:
     /// All outlive this.
     /// @param frame  alerted in the task bar
-    Notices(ClientCore& core, const SupportDesk& support, Housekeeping& statusLine, QWidget& frame);
+    Notices(ClientCore& core, const SupportDesk& support, StatusLine& statusLine, QWidget& frame);
 
 private:
     void tellOfLink();
@@ -25,5 +25,5 @@ private:
     QString operatorsNote() const;
 
     ClientCore& m_core;
-    Housekeeping& m_statusLine;
+    StatusLine& m_statusLine;
 };

@@ -4,12 +4,13 @@
 #include "app/ComponentProbe.h"
 #include "app/FrameUpdates.h"
 #include "app/HelpKey.h"
+#include "app/Homecoming.h"
 #include "app/Housekeeping.h"
 #include "app/Notices.h"
+#include "app/StatusLine.h"
 #include "app/qrvrcAbout.h"
 #include "app/qrvrcProgress.h"
 #include "diagnostics/errorlog/qrvrcHelp.h"
-#include "diagnostics/help/qrvrcHelpViewer.h"
 #include "link/LoginExchange.h"
 #include "live/recovery/qrvrcRecovery.h"
 #include "live/statistics/qrvrcPlayerStats.h"
@@ -31,7 +32,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDesktopServices>
 #include <QStatusBar>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -52,7 +52,7 @@ qrvrcMain::qrvrcMain(const Setup& setup)
       m_lock(*this, [this] { m_menu->unlockStrips(); }),
       m_core(std::make_unique<ClientCore>(
           setup, setup.boxes ? *setup.boxes : *m_ownBoxes, m_lock,
-          [this](const std::filesystem::path& file, const QString& topic) { showHelp(file, topic); })),
+          [this](const std::filesystem::path& file, const QString& topic) { m_help.showTopic(file, topic); })),
       m_version(setup.version),
       m_licences(setup.licences)
 {
@@ -66,7 +66,7 @@ qrvrcMain::qrvrcMain(const Setup& setup)
         close();
     });
     registerWindows();
-    m_notices = std::make_unique<Notices>(*m_core, *m_supportDesk, *m_housekeeping, *this);
+    m_notices = std::make_unique<Notices>(*m_core, *m_supportDesk, *m_statusLine, *this);
 }
 
 qrvrcMain::~qrvrcMain()
@@ -88,7 +88,8 @@ void qrvrcMain::buildFrame()
     setFixedSize(fixedSize);
     statusBar()->setObjectName(u"sbMain"_s);
     statusBar()->setSizeGripEnabled(false);
-    m_housekeeping = new Housekeeping(*statusBar(), m_core->updatesAvailable, this);
+    m_statusLine = new StatusLine(*statusBar(), *m_core, this);
+    new Housekeeping(*statusBar(), m_core->updatesAvailable, this);
 
     m_menu = new qrvrcMenu(m_core->client, m_core->permissions, m_core->selected, m_core->plugins, this);
     m_menu->setFixedHeight(navigationHeight);
@@ -122,6 +123,7 @@ void qrvrcMain::registerWindows()
                                            hooks, m_pages);
         connect(list, &qrvrcProfilesList::quitRequested, this, &qrvrcMain::close);
         connect(list, &qrvrcProfilesList::pluginChosen, this, &qrvrcMain::showPlugin);
+        connect(list, &qrvrcProfilesList::listTold, m_statusLine, &StatusLine::followList);
         connect(&m_core->pluginHost, &PluginHost::tableChanged, list, &qrvrcProfilesList::followPlugins);
         list->followPlugins();
         return list;
@@ -137,7 +139,7 @@ void qrvrcMain::registerWindows()
     windows.add<qrvrcRecovery>([this] { return new qrvrcRecovery(m_core->client, qrvrcRecovery::Limits(), this); });
     windows.add<qrvrcHelp>([this] {
         const HelpHooks hooks{
-            .showManual = [this](const std::filesystem::path& file) { openManual(file); },
+            .showManual = [this](const std::filesystem::path& file) { m_help.openManual(file); },
             .openSupport = [this] { m_supportDesk->open(); },
             .page = m_core->reportPage,
         };
@@ -154,6 +156,11 @@ qrvrcLogin& qrvrcMain::login()
 void qrvrcMain::wireLink()
 {
     clsWinSock& link = m_core->link;
+    m_homecoming =
+        std::make_unique<Homecoming>(*m_core, *m_menu,
+                                     Homecoming::Hooks{.front = [this] { return m_front.data(); },
+                                                       .leave = [this](WorkingWindow& window) { leave(window); },
+                                                       .show = [this](const QString& name) { showWindow(name); }});
     m_exchange = std::make_unique<LoginExchange>(
         link, m_core->reporter, [this] { return m_core->plugins.isTrackerKnown; }, m_version);
     connect(&link, &clsWinSock::loginSucceeded, this, [this](const std::string& privileges) {
@@ -161,7 +168,7 @@ void qrvrcMain::wireLink()
         if (QWidget* list = m_core->windows.existing<qrvrcProfilesList>())
             list->setEnabled(true);
     });
-    connect(m_exchange.get(), &LoginExchange::completed, m_menu, &qrvrcMenu::showProfileList);
+    connect(m_exchange.get(), &LoginExchange::completed, m_homecoming.get(), &Homecoming::arrive);
     connect(&link, &clsWinSock::progress, this, [this](qint32 total, qint32 received, bool update) {
         m_core->reporter.trap("DoProgress", [&] { m_progress->DoProgress(total, received, update); });
     });
@@ -178,8 +185,17 @@ void qrvrcMain::stopReceiving()
     for (const auto over : {&clsWinSock::replyComplete, &clsWinSock::linkLost})
         connect(&m_core->link, over, &watch, [&isOver] { isOver = true; });
     if (m_core->client.boxes.confirm(u"Stop"_s, u"Do you want to stop receiving and disconnect from the host?"_s) &&
-        !isOver)
+        !isOver) {
+        m_core->keeper.yield();
         m_core->link.close();
+    }
+}
+
+/// While a lost connection is tried again and again, the user stays where he has gone after the loss.
+void qrvrcMain::showLoggedOut()
+{
+    if (m_menu->isFilled() || !m_core->keeper.isUnderWay())
+        m_menu->LoadMenus(false, {});
 }
 
 bool qrvrcMain::MDIFormLoad()
@@ -225,13 +241,20 @@ void qrvrcMain::loadNavigation()
     m_core->reporter.trap("frmMenu_Form_Load", [this] { m_updates->load(); });
     m_core->reporter.trap("frmMenu_Form_Load", [this] {
         m_core->pluginHost.LoadPlugins();
-        qrvrcLogin& window = login();
-        connect(&window, &qrvrcLogin::notConnected, m_menu, [this] { m_menu->LoadMenus(false, {}); });
-        connect(&window, &qrvrcLogin::disconnecting, &m_core->pluginHost, &PluginHost::forgetTracker);
-        connect(&m_core->link, &clsWinSock::linkLost, m_menu, [this] { m_menu->LoadMenus(false, {}); });
+        wireLogin();
         m_menu->setReady();
         m_menu->LoadMenus(false, {});
     });
+}
+
+void qrvrcMain::wireLogin()
+{
+    qrvrcLogin& window = login();
+    connect(&window, &qrvrcLogin::notConnected, this, &qrvrcMain::showLoggedOut);
+    connect(&window, &qrvrcLogin::disconnecting, &m_core->keeper, &LinkKeeper::yield);
+    connect(&window, &qrvrcLogin::disconnecting, &m_core->pluginHost, &PluginHost::forgetTracker);
+    connect(&window, &qrvrcLogin::otherConnectionWanted, &m_core->keeper, &LinkKeeper::stop);
+    connect(&m_core->link, &clsWinSock::linkLost, this, &qrvrcMain::showLoggedOut);
 }
 
 void qrvrcMain::connectProfile(const QString& name)
@@ -256,7 +279,7 @@ void qrvrcMain::showWindow(const QString& name)
         if (left)
             left->hide();
         window->show();
-        if (left)
+        if (left && !m_homecoming->keeps(*left))
             leave(*left);
     }
     if (window->isEnabled())
@@ -315,27 +338,6 @@ void qrvrcMain::startGame(const ChosenProfile& profile)
     m_core->pluginHost.showInterface(std::string(startPlugin), profile.id, {}, *this);
 }
 
-void qrvrcMain::showHelp(const std::filesystem::path& file, const QString& topic)
-{
-    if (QWidget* modal = QApplication::activeModalWidget()) { // nothing but what belongs to it can be used meanwhile
-        auto* viewer = modal->findChild<qrvrcHelpViewer*>();
-        (viewer ? viewer : new qrvrcHelpViewer(modal))->showTopic(file, topic);
-        return;
-    }
-    if (!m_helpViewer)
-        m_helpViewer = std::make_unique<qrvrcHelpViewer>();
-    m_helpViewer->showTopic(file, topic);
-}
-
-void qrvrcMain::openManual(const std::filesystem::path& file)
-{
-#ifdef Q_OS_WIN
-    QDesktopServices::openUrl(QUrl::fromLocalFile(textOf(file)));
-#else
-    showHelp(file, {}); // no other system brings a viewer for such files
-#endif
-}
-
 bool qrvrcMain::event(QEvent* event)
 {
     if (event->type() == QEvent::WindowUnblocked && m_closesBehindBox) {
@@ -372,9 +374,10 @@ void qrvrcMain::closeEvent(QCloseEvent* event)
 void qrvrcMain::unload()
 {
     m_helpKey.reset();
+    m_core->keeper.yield();
     m_core->reporter.silence();
     m_core->boxes.silence();
-    m_helpViewer.reset();
+    m_help.close();
     m_core->windows.unload(u"qrvrcRecovery"_s);
     m_core->link.closeSupportLink();
     m_core->link.close(); // ends the waits that are open

@@ -2,6 +2,7 @@
 
 #include "app/ClientCore.h"
 #include "app/FrameLock.h"
+#include "app/HelpWindows.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -12,14 +13,14 @@
 class Dialogs;
 class FrameUpdates;
 class HelpKey;
-class Housekeeping;
+class Homecoming;
 class LoginExchange;
 class Notices;
-class qrvrcHelpViewer;
 class qrvrcLogin;
 class qrvrcMenu;
 class qrvrcProfilesList;
 class qrvrcProgress;
+class StatusLine;
 class SupportDesk;
 class WorkingWindow;
 
@@ -58,26 +59,25 @@ private:
     void buildFrame();
     void registerWindows();
     void wireLink();
+    void wireLogin();
     void stopReceiving();
+    void showLoggedOut();
     void loadNavigation();
     bool componentsAreChecked();
     void showPlugin(const std::string& plugin, const std::string& menuItem, const ChosenProfile& profile);
     void startGame(const ChosenProfile& profile);
     void leave(WorkingWindow& window);
     void closeFront();
-    void showHelp(const std::filesystem::path& file, const QString& topic);
-    /// Opens a help file at its beginning, in the system's viewer where it has one.
-    void openManual(const std::filesystem::path& file);
     void unload();
     qrvrcLogin& login();
 
     std::unique_ptr<Dialogs> m_ownBoxes;
     FrameLock m_lock;
+    HelpWindows m_help;
     std::unique_ptr<ClientCore> m_core;
     std::unique_ptr<SupportDesk> m_supportDesk;
     std::unique_ptr<LoginExchange> m_exchange;
     std::unique_ptr<HelpKey> m_helpKey;
-    std::unique_ptr<qrvrcHelpViewer> m_helpViewer;
     QWidget* m_pages = nullptr; ///< holds the working windows
     QPointer<WorkingWindow> m_front;
     QPointer<WorkingWindow> m_closesBehindBox; ///< wants to be closed, but a box is open
@@ -86,9 +86,10 @@ private:
     bool m_isQuitAgreed = false;         ///< the user has been asked elsewhere
     qrvrcMenu* m_menu = nullptr;
     qrvrcProgress* m_progress = nullptr;
-    Housekeeping* m_housekeeping = nullptr;
+    StatusLine* m_statusLine = nullptr;
     std::string m_version;
     std::filesystem::path m_licences; ///< folder of the texts that the about window shows
     std::unique_ptr<FrameUpdates> m_updates;
     std::unique_ptr<Notices> m_notices;
+    std::unique_ptr<Homecoming> m_homecoming;
 };

@@ -13,7 +13,9 @@ class MessageBoxes;
 class PictureStore;
 class ReplyDispatcher;
 class Reporter;
+class StatusSlot;
 class WindowRegistry;
+struct Preferences;
 
 /// What every window needs of the program around it. The frame owns all of it and outlives every window.
 struct Client
@@ -30,6 +32,9 @@ struct Client
     WindowRegistry& windows;
     /// Set once the user has confirmed quitting. Written by the frame.
     const bool& quitting;
+    StatusSlot& status;
+    /// Written by the options.
+    const Preferences& preferences;
     /// How much is taken from the host.
     const Bounds bounds = {};
 };

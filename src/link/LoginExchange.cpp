@@ -28,7 +28,8 @@ void LoginExchange::run()
     const Connection account = m_link.connection();
     const WaitEnd end = ask(m_link, loginRequest(account.user, account.password, m_version));
     if (end == WaitEnd::Broken && m_link.state() == SocketState::PeerClosing)
-        m_reporter.ReportMsg(MessageKind::Failed, u"The host closed the connection before it answered the login."_s);
+        Q_EMIT m_link.hostUnusable(u"The host closed the connection before it answered the login."_s,
+                                   HostFault::Silent);
     if (end != WaitEnd::Done || askStatus() != WaitEnd::Done)
         return;
     askMissedStatus();

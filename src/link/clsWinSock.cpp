@@ -45,10 +45,11 @@ QString clsWinSock::StatusText() const
     return statusText(m_phase == LinkPhase::Resolving ? SocketState::ResolvingHost : m_main.state());
 }
 
-void clsWinSock::open(const Connection& connection)
+void clsWinSock::open(const Connection& connection, PendingRequest::Asked by)
 {
     close();
     m_connection = connection;
+    m_openedBy = by;
     if (m_connection.isAddress)
         connectSocket();
     else
@@ -101,12 +102,13 @@ void clsWinSock::SendData(const std::string& name, const std::string& head, cons
     send({name, head, tail}, PendingRequest::Asked::ByUser);
 }
 
-void clsWinSock::send(const Request& request, PendingRequest::Asked asked)
+void clsWinSock::send(const Request& request, PendingRequest::Asked by)
 {
     if (!isConnected())
         return;
-    m_pending = {request.name, m_replies.handlerOf(request.name), asked};
+    m_pending = {request.name, m_replies.handlerOf(request.name), by};
     m_main.send(framed(request));
+    Q_EMIT asked(request.name, by);
 }
 
 void clsWinSock::SendDataS(std::string_view text, std::string_view)
@@ -125,15 +127,16 @@ void clsWinSock::giveUp()
         return;
     }
     breakOff(u"The tracker has not answered for %1 seconds. The connection was closed."_s.arg(
-        std::chrono::duration_cast<std::chrono::seconds>(replyLimit).count()));
+                 std::chrono::duration_cast<std::chrono::seconds>(replyLimit).count()),
+             HostFault::Silent);
 }
 
-void clsWinSock::breakOff(const QString& text)
+void clsWinSock::breakOff(const QString& text, HostFault fault)
 {
     if (!isConnected())
         return;
     close();
-    Q_EMIT hostUnusable(text);
+    Q_EMIT hostUnusable(text, fault);
 }
 
 void clsWinSock::setPhase(LinkPhase phase)
@@ -229,7 +232,7 @@ void clsWinSock::handleMessages(const ReplyOwner& text)
         const std::optional<PendingRequest> request = isAnswer ? takePending() : std::nullopt;
         const bool isSound = m_replies.HandleData(body, text, request ? request->handler : ReplyDispatcher::nobody);
         if (request)
-            Q_EMIT answered();
+            Q_EMIT answered(request->name);
         if (!isSound && leavesAfterFault())
             return;
     }
@@ -259,12 +262,12 @@ void clsWinSock::acceptLogin(const std::string& reply)
 {
     try {
         const LoginSuccess success = decodeLoginSuccess(reply);
-        const bool isAnswer = takePending().has_value();
+        const std::optional<PendingRequest> request = takePending();
         m_supportPort = success.supportPort;
         setPhase(LinkPhase::LoggedIn);
         Q_EMIT loginSucceeded(success.privileges);
-        if (isAnswer)
-            Q_EMIT answered();
+        if (request)
+            Q_EMIT answered(request->name);
     } catch (const RuntimeError&) {
         breakOff(u"The tracker's answer to the login cannot be understood. The connection was closed."_s);
     }

@@ -31,6 +31,12 @@ enum class LinkPhase {
 /// Why a connection was not even tried.
 enum class ConnectFault { UnknownHost, BadPort };
 
+/// What kept a host from being used that was connected.
+enum class HostFault {
+    Silent,   ///< it did not answer, or went away within the login
+    Protocol, ///< what it sent is not what the protocol says
+};
+
 /// The request that is under way. There is one at a time: replies carry no number, so they belong to it.
 struct PendingRequest
 {
@@ -79,14 +85,17 @@ public:
 
     /// Starts connecting; what was connected is closed. `connectFailed` tells that it came to nothing before a socket
     /// was opened, `socketFailed` that it did later.
-    void open(const Connection& connection);
+    /// @param by  the clock, when it connects again what the user connected before
+    void open(const Connection& connection, PendingRequest::Asked by = PendingRequest::Asked::ByUser);
+    /// Who wanted the connection that there is, or was last.
+    PendingRequest::Asked openedBy() const { return m_openedBy; }
     /// Ends the connection, or the attempt, and forgets what was under way.
     void close();
 
     /// Sends one framed request on the host link; does nothing at all unless connected.
     void SendData(const std::string& name, const std::string& head, const std::string& tail);
     /// The same, saying who asked.
-    void send(const Request& request, PendingRequest::Asked asked);
+    void send(const Request& request, PendingRequest::Asked by);
     /// Sends `text` as it stands on the support link; does nothing unless that is connected.
     void SendDataS(std::string_view text, std::string_view unused = {});
     void closeSupportLink() { m_support.close(); }
@@ -97,7 +106,7 @@ public:
     /// link is closed and `hostUnusable` emitted; a request of the raw queue is forgotten, and nothing else.
     void giveUp();
     /// Closes the link, if it is connected, and says why by `hostUnusable`.
-    void breakOff(const QString& text);
+    void breakOff(const QString& text, HostFault fault = HostFault::Protocol);
 
 Q_SIGNALS:
     void connected();
@@ -110,8 +119,10 @@ Q_SIGNALS:
     void linkLost();
     void socketFailed(int number, const QString& description);
     /// The tracker broke the protocol, or went silent; the link has been closed. `text` says it to the user.
-    void hostUnusable(const QString& text);
+    void hostUnusable(const QString& text, HostFault fault);
 
+    /// A request has gone out.
+    void asked(const std::string& request, PendingRequest::Asked by);
     /// A part of a reply has arrived and more is to come.
     void chunkArrived();
     /// A complete reply is about to be handled.
@@ -121,7 +132,7 @@ Q_SIGNALS:
     /// The answer to the pending request is about to be handled.
     void answering();
     /// It has been handled.
-    void answered();
+    void answered(const std::string& request);
     /// The pending request is not waited for any more, though the link stays.
     void requestForgotten();
     /// What the receive-progress window is to do.
@@ -152,6 +163,7 @@ private:
     RateLimit m_faults{std::chrono::minutes(1)}; ///< of this connection
     LinkPhase m_phase = LinkPhase::Down;
     Connection m_connection;
+    PendingRequest::Asked m_openedBy = PendingRequest::Asked::ByUser;
     std::unique_ptr<HostLookup> m_lookup; ///< while resolving
     std::int32_t m_supportPort = 0;
     std::optional<PendingRequest> m_pending;

@@ -127,6 +127,7 @@ QLineEdit* qrvrcLogin::newField(const QString& name, const QString& meaning)
     field->setAccessibleName(meaning);
     field->setTextMargins(2, 0, 2, 0);
     connect(field, &QLineEdit::returnPressed, this, &qrvrcLogin::connectToHost);
+    connect(field, &QLineEdit::textEdited, this, &qrvrcLogin::otherConnectionWanted);
     return field;
 }
 
@@ -181,13 +182,21 @@ void qrvrcLogin::wireSignals()
 {
     connect(cboProfile, &QComboBox::currentTextChanged, this, &qrvrcLogin::profileTextChanged);
     connect(cboProfile, &QComboBox::activated, this, // also when the same item is chosen again
-            m_client.reporter.trapped("cboProfile_Click", [this] { profileClicked(); }));
+            m_client.reporter.trapped("cboProfile_Click", [this] {
+                if (cboProfile->currentText() != m_client.link.connection().profile)
+                    Q_EMIT otherConnectionWanted();
+                profileClicked();
+            }));
     connect(cmdConnect, &ImageButton::activated, this, &qrvrcLogin::connectToHost);
     connect(cmdDisconnect, &ImageButton::activated, this, &qrvrcLogin::disconnectFromHost);
     connect(cmdDelete, &ImageButton::activated, this,
             m_client.reporter.trapped("cmdDelete_Click", [this] { deleteProfile(); }));
     connect(Timer1, &QTimer::timeout, this, m_client.reporter.trapped("Login_Timer", [this] { poll(); }));
     connect(&m_client.link, &clsWinSock::linkLost, this, &qrvrcLogin::showNotConnected);
+    connect(&m_client.link, &clsWinSock::phaseChanged, this, [this](LinkPhase phase) {
+        if (phase != LinkPhase::Down) // also when nobody has pressed it
+            cmdConnect->setEnabled(false);
+    });
     connect(&m_client.link, &clsWinSock::connectFailed, this, &qrvrcLogin::tellFault, Qt::QueuedConnection);
 }
 
@@ -341,6 +350,8 @@ void qrvrcLogin::askForPassword()
 
 void qrvrcLogin::tellFault(ConnectFault fault)
 {
+    if (m_client.link.openedBy() == PendingRequest::Asked::ByClock)
+        return; // it is tried again
     m_client.reporter.ReportMsg(MessageKind::Failed, fault == ConnectFault::UnknownHost ? u"Invalid IP format!"_s
                                                                                         : u"Invalid Port format!"_s);
 }

@@ -42,6 +42,8 @@ Q_SIGNALS:
     void notConnected();
     /// The user disconnects; emitted before the link is closed.
     void disconnecting();
+    /// The user chooses another connection, or begins to type one.
+    void otherConnectionWanted();
 
 private:
     void buildControls();

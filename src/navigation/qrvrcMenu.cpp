@@ -182,7 +182,7 @@ void qrvrcMenu::LoadMenus(bool loggedIn, std::string_view privileges)
         tsSection->hide();
         tsSM->hide();
         tsMain->show();
-        if (tsMain->count() == 0 || tsMain->indexOfKey(u"qrvrcProfilesList"_s) >= 0)
+        if (tsMain->count() == 0 || isFilled())
             fillMain(false);
         selectQuietly(tsMain, 0);
         if (isLive())
@@ -219,6 +219,25 @@ void qrvrcMenu::showProfileList()
         tsMain->setCurrentIndex(index);
 }
 
+bool qrvrcMenu::pointAt(const QString& window)
+{
+    if (window == adminKey) {
+        if (!m_selected.hasProfiles)
+            return false;
+        selectQuietly(tsSection, ServerManager);
+        fillServerManager();
+        return true;
+    }
+    const int own = tsMain->indexOfKey(window);
+    selectQuietly(tsMain, own >= 0 ? own : tsMain->indexOfKey(u"qrvrcProfilesList"_s));
+    return true;
+}
+
+bool qrvrcMenu::isFilled() const
+{
+    return tsMain->indexOfKey(u"qrvrcProfilesList"_s) >= 0;
+}
+
 void qrvrcMenu::unlockStrips()
 {
     for (StripTabBar* strip : {tsSection, tsMain, tsSM})
@@ -248,6 +267,12 @@ void qrvrcMenu::openServerManager()
                                     u"You must have atleast 1 profile created to access the 'Server Manager'!"_s);
         return;
     }
+    fillServerManager();
+    serverManagerClicked();
+}
+
+void qrvrcMenu::fillServerManager()
+{
     const QSignalBlocker quiet(tsSM);
     tsSM->removeAllTabs();
     tsSM->addKeyedTab(u"Admin"_s, adminKey);
@@ -260,7 +285,6 @@ void qrvrcMenu::openServerManager()
     tsMain->hide();
     tsSM->show();
     tsSM->setCurrentIndex(0);
-    serverManagerClicked();
 }
 
 void qrvrcMenu::openProfileManager()

@@ -30,6 +30,12 @@ public:
     void setReady();
     /// Selects the tab "Profile List", which opens it.
     void showProfileList();
+    /// Makes the strips say that this window is in front, which they do not show: that of a tab, of the server manager,
+    /// or one that was opened from the profile list.
+    /// @return false when it cannot be there: the server manager without a profile
+    bool pointAt(const QString& window);
+    /// Whether the strips are those of a client that is logged in.
+    bool isFilled() const;
     /// Enables the three strips.
     void unlockStrips();
 
@@ -52,6 +58,7 @@ private:
     void sectionClicked();
     void serverManagerClicked();
     void openServerManager();
+    void fillServerManager();
     void openProfileManager();
     void fillMain(bool loggedIn);
     void selectQuietly(StripTabBar* strip, int index);

@@ -235,10 +235,13 @@ void PluginHost::showStatus(std::string_view body)
     }
     m_table.isTrackerKnown = true;
     LoadPlugins();
-    if (!m_table.disabled.empty()) {
-        m_client.store.UpdateWarning(m_table.updateNeeded + "\r\n\r\nThe following files have been disabled: \r\n" +
-                                     m_table.disabled);
-    }
+    if (m_table.disabled.empty())
+        return;
+    const std::string warning =
+        m_table.updateNeeded + "\r\n\r\nThe following files have been disabled: \r\n" + m_table.disabled;
+    // A connection that is back by itself says again what is known.
+    if (std::exchange(m_warned, warning) != warning || m_client.link.openedBy() == PendingRequest::Asked::ByUser)
+        m_client.store.UpdateWarning(warning);
 }
 
 void PluginHost::passOn(const std::string& component, const std::string& payload)

@@ -99,5 +99,6 @@ private:
     std::deque<std::string> m_waiting;    ///< files to be registered; the first one is under way
     std::vector<LeftOutPlugin> m_arrived; ///< those that are done
     std::set<std::string> m_told;         ///< what was wrong with files at the last load
+    std::string m_warned;                 ///< what was told last of disabled files
     std::string m_shown;                  ///< name of the plugin whose window a menu item shows
 };

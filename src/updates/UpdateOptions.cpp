@@ -2,7 +2,7 @@
 
 #include "base/RuntimeError.h"
 #include "base/Text.h"
-#include "link/clsWinSock.h"
+#include "link/LinkKeeper.h"
 #include "platform/components/Component.h"
 #include "platform/system/CodePage.h"
 #include "platform/system/FileBytes.h"
@@ -64,6 +64,55 @@ std::string_view wordOf(ReportMode mode)
         ->word;
 }
 
+/// What is stored of the user's preferences, in the program's own section.
+struct Tick
+{
+    std::string_view key;
+    bool& (*of)(Preferences& preferences);
+};
+
+constexpr std::array ticks{
+    Tick{"Reconnect", [](Preferences& likes) -> bool& { return likes.reconnects; }},
+    Tick{"AskBeforeDetach", [](Preferences& likes) -> bool& { return likes.asksBefore.detach; }},
+    Tick{"AskBeforeStop", [](Preferences& likes) -> bool& { return likes.asksBefore.stopGame; }},
+    Tick{"AskBeforeKick", [](Preferences& likes) -> bool& { return likes.asksBefore.kick; }},
+    Tick{"AskBeforeDeleteAccount", [](Preferences& likes) -> bool& { return likes.asksBefore.deleteAccount; }},
+};
+
+struct StoredPause
+{
+    std::string_view key;
+    std::chrono::seconds Preferences::*of;
+};
+
+constexpr std::array storedPauses{
+    StoredPause{"ListRefresh", &Preferences::listRefresh},
+    StoredPause{"PlayerRefresh", &Preferences::playerRefresh},
+};
+
+Preferences readPreferences(const IniText& text)
+{
+    Preferences likes;
+    for (const Tick& tick : ticks)
+        tick.of(likes) = text.value(ownSection, tick.key) == "1";
+    for (const StoredPause& pause : storedPauses) {
+        const auto seconds = parseInt32(text.value(ownSection, pause.key).value_or(std::string()));
+        const auto known =
+            std::find(refreshPauses.begin(), refreshPauses.end(), std::chrono::seconds(seconds.value_or(-1)));
+        if (known != refreshPauses.end())
+            likes.*pause.of = *known;
+    }
+    return likes;
+}
+
+void writePreferences(IniText& text, Preferences likes)
+{
+    for (const Tick& tick : ticks)
+        text.setValue(ownSection, tick.key, tick.of(likes) ? "1" : "0");
+    for (const StoredPause& pause : storedPauses)
+        text.setValue(ownSection, pause.key, std::to_string((likes.*pause.of).count()));
+}
+
 /// @throws RuntimeError InvalidFileFormat for a damaged file
 IniText storedSettings(const AppFolder& folder)
 {
@@ -101,6 +150,7 @@ void UpdateOptions::load()
         m_values.makerHost = fromFile(own(makerHostKey));
         m_values.updateKey = fromFile(own("UpdateKey"));
         m_values.reports = reportModeOf(own("ErrorReports"));
+        m_values.preferences = readPreferences(text);
     }
     putInForce();
     if (!keyInForce().empty() && !m_subjects.services.key) {
@@ -121,6 +171,7 @@ void UpdateOptions::save(const OptionValues& values)
     text.setValue(ownSection, makerHostKey, forFile(values.makerHost));
     text.setValue(ownSection, "UpdateKey", forFile(values.updateKey));
     text.setValue(ownSection, "ErrorReports", wordOf(values.reports));
+    writePreferences(text, values.preferences);
     writeBytes(m_subjects.folder.path(settingsFile), text.bytes(), Access::OwnerOnly);
     m_values = values;
     putInForce();
@@ -158,6 +209,8 @@ void UpdateOptions::putInForce()
     m_subjects.agent.setAutomatic(m_values.automatic);
     m_subjects.link.replyLimit = m_values.replyLimit;
     m_subjects.reporter.reports = m_values.reports;
+    m_subjects.preferences = m_values.preferences;
+    m_subjects.keeper.setOn(m_values.preferences.reconnects);
     if (!m_subjects.codePage.use(m_values.codePage)) { // nobody has chosen one
         m_subjects.codePage = CodePage();
         m_values.codePage = m_subjects.codePage.name();

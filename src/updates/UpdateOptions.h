@@ -1,5 +1,6 @@
 #pragma once
 
+#include "client/Preferences.h"
 #include "diagnostics/report/Reporter.h"
 
 #include <QString>
@@ -11,6 +12,7 @@ class AppFolder;
 class clsWinSock;
 class CodePage;
 class Components;
+class LinkKeeper;
 class QUrl;
 class UpdateAgent;
 struct UpdateServices;
@@ -25,6 +27,7 @@ struct OptionValues
     QString makerHost;                   ///< empty for the one that is built in; counts from the next start on
     QString updateKey; ///< public key of the update location; empty for the one that is built in, if any
     ReportMode reports = ReportMode::ByThemselves;
+    Preferences preferences = {};
 
     bool operator==(const OptionValues&) const = default;
 };
@@ -46,6 +49,8 @@ public:
         CodePage& codePage;
         Components& components;
         Reporter& reporter;
+        LinkKeeper& keeper;
+        Preferences& preferences;
     };
 
     explicit UpdateOptions(Subjects subjects) : m_subjects(subjects) {}

@@ -6,6 +6,8 @@
 #include "platform/net/Inet.h"
 #include "platform/system/CodePageTables.h"
 #include "ui/ImageButton.h"
+#include "updates/OptionRow.h"
+#include "updates/PreferencesPage.h"
 #include "updates/UpdateKey.h"
 #include "updates/UpdateOptions.h"
 #include "updates/UpdateServices.h"
@@ -14,9 +16,12 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSpinBox>
+#include <QStackedLayout>
+#include <QTabBar>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -30,19 +35,6 @@ const QString otherLocation = u"Other Location"_s;
 constexpr QMargins pageMargins(8, 2, 8, 8);
 constexpr int gap = 8;
 constexpr int saveWidth = 130;
-constexpr int labelWidth = 140; // so that the fields of both frames stand in one line
-
-/// A label and its field, which the label's shortcut reaches and which bears its name.
-QLabel* addRow(QFormLayout* form, const QString& caption, QWidget* field, const QString& name)
-{
-    field->setObjectName(name);
-    field->setAccessibleName(QString(caption).remove(u'&').remove(u':'));
-    auto* label = new QLabel(caption);
-    label->setBuddy(field);
-    label->setMinimumWidth(labelWidth);
-    form->addRow(label, field);
-    return label;
-}
 
 QString titleOf(const CodePageTable& table)
 {
@@ -59,17 +51,38 @@ qrvrcOptions::qrvrcOptions(Client& client, UpdateOptions& options, QWidget* pare
     setObjectName(u"qrvrcOptions"_s);
     auto* frame = new QGroupBox(u"Options"_s, this);
     frame->setObjectName(u"Frame1"_s);
-    auto* groups = new QVBoxLayout(frame);
+    auto* programPage = new QWidget;
+    auto* groups = new QVBoxLayout(programPage);
+    groups->setContentsMargins({});
     groups->addWidget(buildUpdates());
     groups->addWidget(buildProgram());
     groups->addStretch();
+    m_use = new PreferencesPage;
+    auto* pages = new QStackedLayout;
+    pages->addWidget(programPage);
+    pages->addWidget(m_use);
+    auto* inFrame = new QVBoxLayout(frame);
+    inFrame->addLayout(pages);
+    // Below the pages, so that the first one is where it was.
+    tsOptions = new QTabBar;
+    tsOptions->setObjectName(u"tsOptions"_s);
+    tsOptions->setAccessibleName(u"Pages of options"_s);
+    tsOptions->setShape(QTabBar::RoundedSouth);
+    tsOptions->setDrawBase(false);
+    tsOptions->addTab(u"Program"_s);
+    tsOptions->addTab(u"Use"_s);
+    connect(tsOptions, &QTabBar::currentChanged, pages, &QStackedLayout::setCurrentIndex);
     cmdSave = new ImageButton(u"cmdSave"_s, u"&Save"_s, client.pictures, this);
     cmdSave->face()->setFixedWidth(saveWidth);
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(pageMargins);
     all->setSpacing(gap);
     all->addWidget(frame, 1);
-    all->addWidget(cmdSave->face(), 0, Qt::AlignRight);
+    auto* foot = new QHBoxLayout;
+    foot->addWidget(tsOptions, 0, Qt::AlignTop);
+    foot->addStretch();
+    foot->addWidget(cmdSave->face());
+    all->addLayout(foot);
     wireSignals();
     show(m_options.values());
 }
@@ -82,10 +95,10 @@ QGroupBox* qrvrcOptions::buildUpdates()
     cboUpdateUrl = new QComboBox;
     cboUpdateUrl->addItems({m_options.builtIn(1), m_options.builtIn(2), otherLocation});
     cboUpdateUrl->setPlaceholderText(u"None is stored yet"_s);
-    addRow(form, u"&Update Location:"_s, cboUpdateUrl, u"cboUpdateUrl"_s);
+    addOptionRow(form, u"&Update Location:"_s, cboUpdateUrl, u"cboUpdateUrl"_s);
     txtUpdatePath = new QLineEdit;
     txtUpdatePath->setPlaceholderText(u"An address that ends with \"/\""_s);
-    Label31 = addRow(form, u"&Other Location:"_s, txtUpdatePath, u"txtUpdatePath"_s);
+    Label31 = addOptionRow(form, u"&Other Location:"_s, txtUpdatePath, u"txtUpdatePath"_s);
     Label31->setObjectName(u"Label31"_s);
     chkCheckForUpdates = new QCheckBox(u"&Automatically check for updates"_s);
     chkCheckForUpdates->setObjectName(u"chkCheckForUpdates"_s);
@@ -108,26 +121,26 @@ QGroupBox* qrvrcOptions::buildProgram()
     txtReplyTimeout->setRange(static_cast<int>(minReplyLimit.count()), static_cast<int>(maxReplyLimit.count()));
     txtReplyTimeout->setSuffix(u" seconds"_s);
     txtReplyTimeout->setToolTip(u"How long the host may be silent before the connection is given up"_s);
-    addRow(form, u"&Reply Time-out:"_s, txtReplyTimeout, u"txtReplyTimeout"_s);
+    addOptionRow(form, u"&Reply Time-out:"_s, txtReplyTimeout, u"txtReplyTimeout"_s);
     cboCodePage = new QComboBox;
     for (const CodePageTable& table : codePageTables)
         cboCodePage->addItem(titleOf(table), QByteArray(table.name.data(), static_cast<qsizetype>(table.name.size())));
-    addRow(form, u"&Code Page of the Host:"_s, cboCodePage, u"cboCodePage"_s);
+    addOptionRow(form, u"&Code Page of the Host:"_s, cboCodePage, u"cboCodePage"_s);
     cboErrorReports = new QComboBox;
     for (const auto& [mode, text] :
          {std::pair(ReportMode::ByThemselves, u"Sent by themselves"_s), std::pair(ReportMode::AskedFor, u"Asked for"_s),
           std::pair(ReportMode::Never, u"Never"_s)})
         cboErrorReports->addItem(text, static_cast<int>(mode));
     cboErrorReports->setToolTip(u"Whether reports of errors go to the maker; neither paths nor names are in them"_s);
-    addRow(form, u"&Error Reports:"_s, cboErrorReports, u"cboErrorReports"_s);
+    addOptionRow(form, u"&Error Reports:"_s, cboErrorReports, u"cboErrorReports"_s);
     txtMakerHost = new QLineEdit;
     txtMakerHost->setPlaceholderText(u"The one that is built in"_s);
     txtMakerHost->setToolTip(u"Web host for the built-in update locations, the news and error reports"_s);
-    addRow(form, u"&Maker Host:"_s, txtMakerHost, u"txtMakerHost"_s);
+    addOptionRow(form, u"&Maker Host:"_s, txtMakerHost, u"txtMakerHost"_s);
     txtUpdateKey = new QLineEdit;
     txtUpdateKey->setPlaceholderText(u"None of your own"_s);
     txtUpdateKey->setToolTip(u"Public key, as minisign writes it, with which the update location signs its manifest"_s);
-    addRow(form, u"Update &Key:"_s, txtUpdateKey, u"txtUpdateKey"_s);
+    addOptionRow(form, u"Update &Key:"_s, txtUpdateKey, u"txtUpdateKey"_s);
     auto* note = new QLabel(u"A change of the maker host counts from the next start on."_s);
     note->setWordWrap(true);
     form->addRow(QString(), note);
@@ -156,6 +169,7 @@ void qrvrcOptions::show(const OptionValues& values)
     cboErrorReports->setCurrentIndex(cboErrorReports->findData(static_cast<int>(values.reports)));
     txtMakerHost->setText(values.makerHost);
     txtUpdateKey->setText(values.updateKey);
+    m_use->show(values.preferences);
 }
 
 void qrvrcOptions::locationChosen()
@@ -174,11 +188,13 @@ OptionValues qrvrcOptions::typed() const
             .codePage = cboCodePage->currentData().toByteArray().toStdString(),
             .makerHost = txtMakerHost->text().trimmed(),
             .updateKey = txtUpdateKey->text().trimmed(),
-            .reports = static_cast<ReportMode>(cboErrorReports->currentData().toInt())};
+            .reports = static_cast<ReportMode>(cboErrorReports->currentData().toInt()),
+            .preferences = m_use->chosen()};
 }
 
 void qrvrcOptions::complainOf(QLineEdit* field, const QString& fault)
 {
+    tsOptions->setCurrentIndex(0); // the page of all fields that can be wrong
     m_client.reporter.ReportMsg(MessageKind::Failed, fault);
     field->setFocus();
     field->selectAll();

@@ -3,6 +3,7 @@
 #include "ui/WorkingWindow.h"
 
 class ImageButton;
+class PreferencesPage;
 class QCheckBox;
 class QComboBox;
 class QFormLayout;
@@ -10,6 +11,7 @@ class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QSpinBox;
+class QTabBar;
 class UpdateOptions;
 struct Client;
 struct OptionValues;
@@ -46,5 +48,7 @@ private:
     QComboBox* cboErrorReports = nullptr;
     QLineEdit* txtMakerHost = nullptr;
     QLineEdit* txtUpdateKey = nullptr;
+    PreferencesPage* m_use = nullptr;
+    QTabBar* tsOptions = nullptr;
     ImageButton* cmdSave = nullptr;
 };

@@ -256,6 +256,33 @@ private Q_SLOTS:
         QVERIFY(desk.holds(u"bob\u4e00"_s, u"pw"_s));
     }
 
+    void aQuestionComesFirstWhereOneWantsIt_data()
+    {
+        addColumns<QString, QByteArray, QString, bool>("button", "request", "question", "answer");
+        const QString kick = u"Are you sure you want to kick the account 'guest'?"_s;
+        const QString remove = u"Are you sure you want to delete the account 'guest'?"_s;
+        addRow("kick", u"cmdKickUser"_s, "KickProfileAdmin"_ba, kick, true);
+        addRow("no kick", u"cmdKickUser"_s, "KickProfileAdmin"_ba, kick, false);
+        addRow("delete", u"cmdDeleteUser"_s, "DeleteProfileAdmin"_ba, remove, true);
+        addRow("no delete", u"cmdDeleteUser"_s, "DeleteProfileAdmin"_ba, remove, false);
+    }
+    void aQuestionComesFirstWhereOneWantsIt()
+    {
+        QFETCH(const QString, button);
+        QFETCH(const QByteArray, request);
+        QFETCH(const bool, answer);
+        OpenDesk desk;
+        desk.core().preferences.asksBefore = {.kick = true, .deleteAccount = true};
+        desk.boxes.answer = answer;
+        desk.boxes.whileOpen = [&] { desk.selectUser(u"moderator"_s); }; // who it is about is settled
+        desk.selectUser(u"guest"_s);
+        desk.click(button);
+        QVERIFY(desk.settles());
+        QTEST(desk.boxes.onlyText(), "question");
+        QCOMPARE(desk.requestCount(request), answer ? 1 : 0);
+        QCOMPARE(desk.lastRequest(request).contains("guest"), answer);
+    }
+
     void whatWasTypedSurvivesARefresh()
     {
         OpenDesk desk;

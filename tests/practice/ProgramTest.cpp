@@ -25,6 +25,7 @@ private Q_SLOTS:
         QTest::newRow("plugin without a name") << QStringList{u"--plugin"_s, u"=1000"_s};
         QTest::newRow("separator in a version") << QStringList{u"--plugin"_s, u"Match Watch=1-0"_s};
         QTest::newRow("no such manner") << QStringList{u"--recovery"_s, u"rude"_s};
+        QTest::newRow("outage without an end") << QStringList{u"--outage"_s, u"20"_s};
         QTest::newRow("fault without a request") << QStringList{u"--misbehave"_s, u"=never"_s};
     }
     void badUsageIsOneLineAndTwo()

@@ -1,16 +1,41 @@
 #include "practice/links/Tracker.h"
 #include "Caller.h"
 #include "practice/links/Framing.h"
+#include "practice/links/Outage.h"
+#include "practice/links/SupportSide.h"
 #include "support/AddRow.h"
+
+#include <QSignalSpy>
+#include <QTcpSocket>
 
 using namespace practice;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 class TrackerTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void anOutageEndsLinksAndComesBack()
+    {
+        Tracker tracker(World::small());
+        SupportSide support;
+        QVERIFY(tracker.listen() && support.listen());
+        const quint16 port = tracker.port();
+        for (const quint32 seed : {1U, 2U, 3U, 4U}) { // some resets, some not
+            QTcpSocket client;
+            client.connectToHost(u"127.0.0.1"_s, port);
+            QTRY_COMPARE(tracker.links(), 1);
+            Outage outage(tracker, support, 1ms, 1ms, seed);
+            const QSignalSpy turns(&outage, &Outage::turned);
+            QTRY_VERIFY(turns.size() >= 2);
+            QVERIFY(!turns[0][0].toBool() && turns[1][0].toBool());
+            QTRY_COMPARE(tracker.links(), 0);
+            QCOMPARE(tracker.port(), port);
+        }
+    }
+
     void aLoginIsAnsweredByItsAccount_data()
     {
         // privileges: how they begin; empty when the login fails

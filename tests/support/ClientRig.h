@@ -1,6 +1,8 @@
 #pragma once
 
 #include "client/Client.h"
+#include "client/Preferences.h"
+#include "client/StatusSlot.h"
 #include "platform/net/Inet.h"
 #include "support/LinkRig.h"
 #include "ui/PictureStore.h"
@@ -13,5 +15,8 @@ struct ClientRig : LinkRig
     WindowRegistry windows;
     Inet inet;
     bool quitting = false;
-    Client client{link, replies, store, folder, inet, reporter, boxes, codePage, pictures, windows, quitting};
+    StatusSlot status;
+    Preferences preferences;
+    Client client{link,     replies,  store,   folder,   inet,   reporter,   boxes,
+                  codePage, pictures, windows, quitting, status, preferences};
 };

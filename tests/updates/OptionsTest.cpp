@@ -94,6 +94,28 @@ private Q_SLOTS:
         QCOMPARE(options.desk.core().codePage.firstForeign(u"a\u00CF"), u"\u00CF"_s);
     }
 
+    void whatTheUserLikesIsStoredAndInForce()
+    {
+        QVERIFY(Options().desk.core().preferences == Preferences()); // off, all of it
+        Options options;
+        Desk& desk = options.desk;
+        desk.clickTab(u"tsOptions"_s, u"Use"_s);
+        for (const char16_t* tick :
+             {u"chkReconnect", u"chkAskDetach", u"chkAskStop", u"chkAskKick", u"chkAskDeleteAccount"})
+            desk.control<QCheckBox>(QString::fromUtf16(tick)).click();
+        desk.control<QComboBox>(u"cboListRefresh"_s).setCurrentText(u"Never"_s);
+        desk.control<QComboBox>(u"cboPlayerRefresh"_s).setCurrentText(u"Every 30 seconds"_s);
+        desk.click(u"cmdSave"_s);
+        const Preferences all{.reconnects = true,
+                              .listRefresh = 0s,
+                              .playerRefresh = 30s,
+                              .asksBefore = {.detach = true, .stopGame = true, .kick = true, .deleteAccount = true}};
+        QVERIFY(desk.core().preferences == all);
+        QVERIFY(Options(desk.bytesOf(settings)).desk.core().preferences == all);
+        Options odd("[Program]\r\nListRefresh=7\r\nPlayerRefresh=x\r\nReconnect=yes\r\n");
+        QVERIFY(odd.desk.core().preferences == Preferences());
+    }
+
     void anEmptyOtherLocationMeansTheFirstAtTheNextStart()
     {
         Options options("[Settings]\r\nUpdateUrl=http://x/\r\n");

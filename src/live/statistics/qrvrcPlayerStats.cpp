@@ -2,10 +2,12 @@
 
 #include "base/RuntimeError.h"
 #include "client/Client.h"
+#include "client/QuietRefresh.h"
 #include "diagnostics/report/Reporter.h"
 #include "link/Ask.h"
 #include "link/ReplyDispatcher.h"
 #include "link/clsWinSock.h"
+#include "live/statistics/StatisticsCells.h"
 #include "live/statistics/StatisticsRows.h"
 #include "platform/system/CodePage.h"
 #include "ui/ElidedLabel.h"
@@ -23,7 +25,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -46,23 +47,6 @@ constexpr Twips buttonWidth = 1215_twips;
 constexpr Twips buttonHeight = 375_twips;
 constexpr Twips refreshLeft = 3960_twips;
 constexpr Twips closeLeft = 5640_twips;
-
-constexpr std::array playerColumns{
-    GridColumn{"Slot", 400_twips, Qt::AlignLeft},         GridColumn{"Name", 1100_twips, Qt::AlignLeft},
-    GridColumn{"Team", 500_twips, Qt::AlignHCenter},      GridColumn{"Shots Fired", 900_twips, Qt::AlignRight},
-    GridColumn{"Kills", 500_twips, Qt::AlignRight},       GridColumn{"Deaths", 600_twips, Qt::AlignRight},
-    GridColumn{"DoubleKills", 900_twips, Qt::AlignRight}, GridColumn{"Headshots", 900_twips, Qt::AlignRight},
-    GridColumn{"Knifings", 700_twips, Qt::AlignRight},    GridColumn{"SniperKills", 950_twips, Qt::AlignRight},
-    GridColumn{"MedSaves", 950_twips, Qt::AlignRight},    GridColumn{"Exp.", 550_twips, Qt::AlignRight},
-    GridColumn{"Timer", 800_twips, Qt::AlignRight},
-};
-
-constexpr std::array weaponColumns{
-    GridColumn{"", 300_twips, Qt::AlignLeft},           GridColumn{"Weapon", 3900_twips, Qt::AlignLeft},
-    GridColumn{"Stance", 1500_twips, Qt::AlignHCenter}, GridColumn{"Shots", 1000_twips, Qt::AlignRight},
-    GridColumn{"Kills", 1000_twips, Qt::AlignRight},    GridColumn{"Exp.", 1000_twips, Qt::AlignRight},
-    GridColumn{"Timer", 1000_twips, Qt::AlignRight},
-};
 
 /// Replaces the rows and leaves selection and view where they are.
 void refill(GridView& grid, std::size_t count, std::function<GridRow(int)> make)
@@ -106,12 +90,12 @@ void qrvrcPlayerStats::buildControls()
 
     fgPlayers = new GridView(u"fgPlayers"_s, this);
     fgPlayers->setAccessibleName(u"Player statistics"_s);
-    fgPlayers->setColumns(playerColumns);
+    fgPlayers->setColumns(playerColumns());
     fgWeapons = new GridView(u"fgWeapons"_s, this);
     fgWeapons->setAccessibleName(u"Weapon statistics"_s);
     for (GridView* grid : {fgPlayers, fgWeapons})
         grid->setBackground(m_client.pictures, "\\background.gif");
-    fgWeapons->setColumns(weaponColumns);
+    fgWeapons->setColumns(weaponColumns());
     fgWeapons->hide();
 
     fmeOptions = new QGroupBox(this);
@@ -166,7 +150,12 @@ void qrvrcPlayerStats::wireSignals()
     connect(fgPlayers->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &qrvrcPlayerStats::takeSelectedPlayer);
     connect(fgPlayers, &GridView::rowOpened, tsMain, [this] { tsMain->setCurrentIndex(Weapons); });
-    connect(&m_client.link, &clsWinSock::linkLost, this, [this] { explain(u"Not connected."_s); });
+    connect(&m_client.link, &clsWinSock::linkLost, this, [this] {
+        explain(u"Not connected."_s);
+        m_isLoaded = m_isQuiet = false; // kept for a connection that comes back, it asks anew
+    });
+    m_clock = new QuietRefresh(m_client, *this, u"tmrPlayerRefresh"_s, &Preferences::playerRefresh);
+    connect(m_clock, &QuietRefresh::due, this, &qrvrcPlayerStats::refreshQuietly);
     m_client.replies.on("GetPlayerStats", this, [this](std::string_view body) { showStatistics(body); });
 }
 
@@ -177,6 +166,7 @@ qrvrcPlayerStats::Tab qrvrcPlayerStats::chosenTab() const
 
 void qrvrcPlayerStats::Form_Activate()
 {
+    m_clock->start();
     if (std::exchange(m_isLoaded, true))
         return;
     fgPlayers->setFocus();
@@ -202,10 +192,37 @@ void qrvrcPlayerStats::refresh()
         explain(u"The tracker did not answer."_s);
 }
 
+/// By the clock, while no other request is under way: the one behind it is the user's.
+void qrvrcPlayerStats::refreshQuietly()
+{
+    if (m_openRequests > 0)
+        return;
+    m_isQuiet = true;
+    // What ends the wait without an answer ends the link too, which the tables then say.
+    static_cast<void>(
+        ask(m_client.link, getPlayerStatsRequest(m_client.link.user(), m_profile.id), PendingRequest::Asked::ByClock));
+}
+
+/// Of what nobody has asked for the same trouble is told once.
 void qrvrcPlayerStats::showStatistics(std::string_view body)
+{
+    const bool isQuiet = std::exchange(m_isQuiet, false);
+    const std::string known = std::exchange(m_lastDamage, {});
+    try {
+        showWhatIsTold(body, isQuiet);
+    } catch (const RuntimeError& error) {
+        m_lastDamage = error.description();
+        if (!isQuiet || m_lastDamage != known)
+            throw;
+    }
+}
+
+void qrvrcPlayerStats::showWhatIsTold(std::string_view body, bool isQuiet)
 {
     if (saysNotRunning(body)) {
         explain(u"The server does not appear to be running."_s);
+        if (isQuiet)
+            return; // the title stays, and what was told last
         m_client.reporter.ReportMsg(MessageKind::Failed, u"The server does not appear to be running!"_s);
         return;
     }
@@ -213,6 +230,7 @@ void qrvrcPlayerStats::showStatistics(std::string_view body)
         explain(u"The tracker sent no statistics."_s);
         return;
     }
+    const std::string player = m_selectedPlayer;
     auto statistics = std::make_shared<PlayerStatistics>();
     m_statistics = statistics;
     try {
@@ -221,7 +239,25 @@ void qrvrcPlayerStats::showStatistics(std::string_view body)
         showWhatArrived();
         throw;
     }
-    UpdateGrid();
+    if (!isQuiet) {
+        UpdateGrid();
+    } else if (!lacksPlayer()) {
+        fillGrid();
+        followPlayer(player);
+    }
+}
+
+/// The player who was selected is it again, wherever he stands now, and the table does not move.
+void qrvrcPlayerStats::followPlayer(const std::string& player)
+{
+    const auto& rows = m_players->rows;
+    const auto found = std::find_if(rows.begin(), rows.end(), [&](const PlayerRow& row) { return row.name == player; });
+    const int scrolled = fgPlayers->verticalScrollBar()->value();
+    if (player.empty() || found == rows.end())
+        fgPlayers->clearSelection();
+    else
+        fgPlayers->selectRow(static_cast<int>(found - rows.begin()));
+    fgPlayers->verticalScrollBar()->setValue(scrolled);
 }
 
 /// Fills the table from a reply that breaks off. That is reported already, so what its gap leads to is not.
@@ -286,8 +322,9 @@ void qrvrcPlayerStats::fillPlayers()
     const auto show = qScopeGuard([&] {
         fgPlayers->setEmptyText(whyEmpty);
         m_players = table;
-        refill(*fgPlayers, table->rows.size(),
-               [this, table = m_players](int row) { return cellsOf(table->rows.at(static_cast<std::size_t>(row))); });
+        refill(*fgPlayers, table->rows.size(), [this, table = m_players](int row) {
+            return cellsOf(table->rows.at(static_cast<std::size_t>(row)), m_client.codePage);
+        });
         takeSelectedPlayer();
     });
     const GameFamily family = familyOf(m_profile.gameVersion);
@@ -309,8 +346,9 @@ void qrvrcPlayerStats::fillWeapons()
     QString whyEmpty = unreadable;
     const auto show = qScopeGuard([&] {
         fgWeapons->setEmptyText(whyEmpty);
-        refill(*fgWeapons, table->rows.size(),
-               [this, table](int row) { return cellsOf(table->rows.at(static_cast<std::size_t>(row))); });
+        refill(*fgWeapons, table->rows.size(), [this, table](int row) {
+            return cellsOf(table->rows.at(static_cast<std::size_t>(row)), m_client.codePage);
+        });
         fitPositions();
     });
     const GameFamily family = familyOf(m_profile.gameVersion);
@@ -327,30 +365,8 @@ void qrvrcPlayerStats::fitPositions()
     constexpr int cellMargins = 8; // pixels, both sides together
     const int rows = fgWeapons->rows().rowCount();
     const QString widest = rows > 0 ? fgWeapons->rows().text(rows - 1, 0) : QString();
-    fgWeapons->setColumnWidth(
-        0, std::max(weaponColumns[0].width.pixels(), fgWeapons->fontMetrics().horizontalAdvance(widest) + cellMargins));
-}
-
-GridRow qrvrcPlayerStats::cellsOf(const PlayerRow& row) const
-{
-    const CodePage& codePage = m_client.codePage;
-    GridRow cells{.cells = {codePage.toText(row.slot), codePage.toText(row.name), codePage.toText(row.team)},
-                  .pictures = {},
-                  .data = 0};
-    for (const std::string_view count : row.counts)
-        cells.cells.push_back(codePage.toText(count));
-    cells.cells.push_back(codePage.toText(timeText(row.seconds)));
-    return cells;
-}
-
-GridRow qrvrcPlayerStats::cellsOf(const WeaponRow& row) const
-{
-    const CodePage& codePage = m_client.codePage;
-    return {.cells = {QString::number(row.position), codePage.toText(row.weapon), codePage.toText(row.stance),
-                      codePage.toText(row.shots), codePage.toText(row.kills), codePage.toText(row.experience),
-                      codePage.toText(timeText(row.seconds))},
-            .pictures = {},
-            .data = 0};
+    fgWeapons->setColumnWidth(0, std::max(weaponColumns()[0].width.pixels(),
+                                          fgWeapons->fontMetrics().horizontalAdvance(widest) + cellMargins));
 }
 
 void qrvrcPlayerStats::takeSelectedPlayer()

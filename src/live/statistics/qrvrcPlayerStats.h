@@ -16,10 +16,10 @@ class ElidedLabel;
 class GridView;
 class ImageButton;
 class PlayerStatistics;
+class QuietRefresh;
 class QGroupBox;
 class StripTabBar;
 struct Client;
-struct GridRow;
 struct PlayerRow;
 struct WeaponRow;
 
@@ -60,14 +60,15 @@ private:
     void fitPositions();
     void wireSignals();
     void refresh();
+    void refreshQuietly();
+    void showWhatIsTold(std::string_view body, bool isQuiet);
     void showStatistics(std::string_view body);
     void showWhatArrived();
     void showGridOf(Tab tab);
     void fillGrid();
+    void followPlayer(const std::string& player);
     void fillPlayers();
     void fillWeapons();
-    GridRow cellsOf(const PlayerRow& row) const;
-    GridRow cellsOf(const WeaponRow& row) const;
     void takeSelectedPlayer();
     void settlePlayer();
     bool lacksPlayer() const;
@@ -83,7 +84,10 @@ private:
     std::string m_weaponsOf;                              ///< the player whose weapons fgWeapons shows
     int m_openRequests = 0;
     std::optional<BusyPointer> m_pointer; ///< while there are any
-    bool m_isLoaded = false;              ///< the first request has been made
+    bool m_isLoaded = false;              ///< the first request on this connection has been made
+    bool m_isQuiet = false;               ///< the answer that comes next was asked for by the clock
+    std::string m_lastDamage;             ///< of the statistics that came last, as it was reported
+    QuietRefresh* m_clock = nullptr;
 
     StripTabBar* tsMain = nullptr;
     ElidedLabel* lblTitle = nullptr;

@@ -35,7 +35,10 @@ SupportDesk::SupportDesk(Client& client, Winsock& wSupport, QObject* parent)
         endWait();
     });
     connect(&m_client.link, &clsWinSock::phaseChanged, this, &SupportDesk::followPhase);
-    connect(&m_client.link, &clsWinSock::linkLost, &m_socket, &Winsock::close);
+    connect(&m_client.link, &clsWinSock::linkLost, this, [this] {
+        m_isLostWithLink = isConnected();
+        m_socket.close();
+    });
     // A link that the host has closed or that failed is closed here too: only a closed one can be opened again. Behind
     // the socket's own doings, and before the box, which is modal.
     connect(
@@ -77,6 +80,9 @@ void SupportDesk::followPhase(LinkPhase phase)
     if (phase != LinkPhase::LoggedIn)
         return;
     m_isUnseen = false; // what comes from now on is news again
+    // What was lost with a host link that is back by itself comes back with it.
+    if (std::exchange(m_isLostWithLink, false) && m_client.link.openedBy() == PendingRequest::Asked::ByClock)
+        QMetaObject::invokeMethod(this, &SupportDesk::connectToHost, Qt::QueuedConnection);
     if (!m_talks.select(m_client.link.connection()))
         return;
     m_ending.clear();

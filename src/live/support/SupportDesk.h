@@ -92,10 +92,11 @@ private:
     QString m_hostStatus;
     QString m_ending; ///< why the link is closed; empty when nothing is to be said of it
     bool m_wasConnected = false;
-    bool m_isDamageTold = false; ///< once a connection is enough
-    bool m_isWaiting = false;    ///< for the answer to the announcement
-    bool m_isAnswered = false;   ///< on this connection
-    bool m_isUnseen = false;     ///< something has been told by `unseenMessage`
+    bool m_isLostWithLink = false; ///< it was connected when the host link was lost
+    bool m_isDamageTold = false;   ///< once a connection is enough
+    bool m_isWaiting = false;      ///< for the answer to the announcement
+    bool m_isAnswered = false;     ///< on this connection
+    bool m_isUnseen = false;       ///< something has been told by `unseenMessage`
     QTimer m_pause;
     QTimer m_answer;
 };

@@ -1,5 +1,7 @@
 #include "platform/net/Winsock.h"
 
+#include "platform/net/KeepAlive.h"
+
 #include <QMetaObject>
 #include <QNetworkProxy>
 
@@ -48,6 +50,7 @@ Winsock::Winsock(const QString& name, QObject* parent) : QObject(parent)
     });
     connect(&m_socket, &QTcpSocket::connected, this, [this] {
         m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        watchConnection(static_cast<std::intptr_t>(m_socket.socketDescriptor()));
         setState(SocketState::Connected);
         Q_EMIT connected();
     });
@@ -102,7 +105,8 @@ void Winsock::fail(QAbstractSocket::SocketError error)
 {
     if (m_state == SocketState::Closed || m_state == SocketState::Error)
         return; // an error of a connection that was given up meanwhile
-    if (m_state == SocketState::Connected)
+    const bool wasConnected = m_state == SocketState::Connected;
+    if (wasConnected)
         drain();
     if (m_state == SocketState::Closed)
         return;                                            // what arrived last made the program close the link
@@ -119,6 +123,8 @@ void Winsock::fail(QAbstractSocket::SocketError error)
             description = QString::fromUtf16(fault.description);
         }
     }
+    if (wasConnected && error == QAbstractSocket::SocketTimeoutError)
+        description = u"The host cannot be reached any more."_s;
     setState(SocketState::Error);
     Q_EMIT failed(number, description);
 }

@@ -2,6 +2,8 @@
 
 #include "base/Text.h"
 #include "client/Client.h"
+#include "client/Preferences.h"
+#include "client/StatusSlot.h"
 #include "diagnostics/report/MessageBoxes.h"
 #include "diagnostics/report/Reporter.h"
 #include "link/Ask.h"
@@ -171,20 +173,47 @@ void ProfileActions::attachByMenu(const ProfileAim& aim)
     m_list.reloadBehind(aim);
 }
 
+/// @param isAsked   whether the user wants to be asked
+/// @param question  with a place for the profile's name
+bool ProfileActions::isMeant(bool isAsked, const QString& question, const ProfileRecord& profile)
+{
+    return !isAsked ||
+           m_client.boxes.confirm(u"Confirmation Required!"_s, question.arg(m_client.codePage.toText(profile.name)));
+}
+
 void ProfileActions::detach(const ProfileAim& aim)
 {
+    if (!isMeant(m_client.preferences.asksBefore.detach,
+                 u"Are you sure you want to detach the profile '%1' from its game?"_s, aim.profile))
+        return;
     const BusyPointer pointer;
     // The list shows what has become of it.
-    static_cast<void>(send(detachRequest(m_client.link.user(), aim.profile.id), aim.profile));
+    const bool isAnswered = send(detachRequest(m_client.link.user(), aim.profile.id), aim.profile) == WaitEnd::Done;
     m_list.reloadBehind(aim);
+    if (isAnswered)
+        tellWhetherHosting(aim.profile, u"'%1' is detached."_s,
+                           u"'%1' was to be detached, and still follows its game."_s);
 }
 
 void ProfileActions::stopGame(const ProfileAim& aim)
 {
+    if (!isMeant(m_client.preferences.asksBefore.stopGame,
+                 u"Are you sure you want to stop the game of the profile '%1'?"_s, aim.profile))
+        return;
     const WindowLock lock({m_hooks.navigation, &m_list});
-    if (send(stopGameRequest(m_client.link.user(), aim.profile.id), aim.profile) == WaitEnd::Done)
+    const bool isAnswered = send(stopGameRequest(m_client.link.user(), aim.profile.id), aim.profile) == WaitEnd::Done;
+    if (isAnswered)
         pauseFor(afterStop);
     m_list.reloadBehind(aim);
+    if (isAnswered)
+        tellWhetherHosting(aim.profile, u"'%1' has stopped."_s, u"'%1' was asked to stop, and is still hosting."_s);
+}
+
+/// The tracker does not say what has come of an action; the list that follows it does.
+void ProfileActions::tellWhetherHosting(const ProfileRecord& profile, const QString& no, const QString& yes)
+{
+    if (const auto now = m_list.find(profile.id))
+        m_client.status.tell((now->map.empty() ? no : yes).arg(m_client.codePage.toText(profile.name)));
 }
 
 void ProfileActions::startGame(const ProfileAim& aim)
@@ -210,9 +239,7 @@ void ProfileActions::letRawRequestsOut()
 
 void ProfileActions::deleteProfile(const ProfileAim& aim)
 {
-    const QString name = m_client.codePage.toText(aim.profile.name);
-    if (!m_client.boxes.confirm(u"Confirmation Required!"_s,
-                                u"Are you sure you want to delete the '%1' Profile?"_s.arg(name)))
+    if (!isMeant(true, u"Are you sure you want to delete the '%1' Profile?"_s, aim.profile))
         return;
     const WindowLock lock({m_hooks.navigation, &m_list});
     static_cast<void>(send(deleteProfileRequest(m_client.link.user(), aim.profile.name), aim.profile));

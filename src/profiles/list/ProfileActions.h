@@ -83,6 +83,8 @@ private:
     void viewPlayers(const ProfileAim& aim);
     void viewFiles(const ProfileAim& aim);
 
+    bool isMeant(bool isAsked, const QString& question, const ProfileRecord& profile);
+    void tellWhetherHosting(const ProfileRecord& profile, const QString& no, const QString& yes);
     void takeAttachReply(std::string_view body);
     bool attach(const ProfileRecord& profile);
     std::optional<ProcessRecord> chooseProcess(const ProfileRecord& profile);

@@ -4,6 +4,8 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr std::size_t recordFields = 12; // those of a record, and what stands behind them
@@ -73,6 +75,17 @@ std::string decodePictureBytes(std::string_view entry)
 Request getProfilesRequest(std::string_view user, const std::vector<std::string>& heldPictures)
 {
     return {"GetProfiles", "GetProfiles_" + std::string(user) + '_' + base64::encode(join(heldPictures, "|")), {}};
+}
+
+std::uint32_t playersIn(const ProfileRecord& record)
+{
+    std::uint32_t count = 0;
+    for (const char digit : trimmed(record.players)) {
+        if (digit < '0' || digit > '9')
+            break;
+        count = std::min(count * 10 + static_cast<std::uint32_t>(digit - '0'), mostPlayers);
+    }
+    return count;
 }
 
 ChosenProfile chosen(const ProfileRecord& record)

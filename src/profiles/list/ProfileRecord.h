@@ -56,6 +56,10 @@ ProfileElements splitProfilesReply(std::string_view body, std::size_t most);
 /// @throws RuntimeError TypeMismatch for a piece that is no number, Overflow for one above 255
 std::string decodePictureBytes(std::string_view entry);
 
+/// How many play, as far as the players text tells: the number that it begins with, at most `mostPlayers`.
+std::uint32_t playersIn(const ProfileRecord& record);
+inline constexpr std::uint32_t mostPlayers = 100'000;
+
 /// The profile as those know it who work on it.
 ChosenProfile chosen(const ProfileRecord& record);
 

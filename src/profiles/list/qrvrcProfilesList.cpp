@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "client/Client.h"
 #include "client/PermissionRecords.h"
+#include "client/QuietRefresh.h"
 #include "client/SelectedProfile.h"
 #include "diagnostics/report/Reporter.h"
 #include "link/ReplyDispatcher.h"
@@ -12,6 +13,7 @@
 #include "plugins/PluginTable.h"
 #include "profiles/list/ProfileControls.h"
 #include "profiles/list/ProfileGrid.h"
+#include "profiles/list/ProfileLegend.h"
 #include "profiles/list/ProfileMenu.h"
 #include "profiles/list/ProfilePictures.h"
 #include "store/AppFolder.h"
@@ -32,34 +34,15 @@
 #include <utility>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
-
-// How often the list follows the tracker while it is in front.
-constexpr auto refreshPause = 5s;
 
 // Pixels.
 constexpr QMargins pageMargins(8, 2, 8, 8);
 constexpr int pageSpacing = 6;
 constexpr QMargins gridMargins(7, 2, 7, 7);
-constexpr QMargins legendMargins(13, 5, 13, 5);
-constexpr int legendSpacing = 6;
-constexpr int legendLabelWidth = 120;
 constexpr int buttonWidth = 130;
 constexpr int buttonSpacing = 8;
-
-struct LegendEntry
-{
-    const char16_t* picture; ///< name of the control with the picture
-    const char16_t* label;
-    std::int32_t status;
-};
-
-constexpr std::array legend{
-    LegendEntry{u"ImgNA", u"lblNA", 5}, LegendEntry{u"ImgNH", u"lblNH", 0}, LegendEntry{u"ImgLM", u"lblLM", 1},
-    LegendEntry{u"ImgHM", u"lblHM", 2}, LegendEntry{u"imgSM", u"lblSM", 4},
-};
 
 /// Decodes a profile and notes what is to be kept for it.
 /// @throws RuntimeError as `decodeProfileRecord` does; PermissionDenied for an id or a picture that is no plain name
@@ -75,6 +58,16 @@ ProfileRecord takeProfile(const ProfileElement& element, ProfileFiles::Wanted& f
     if (hasPicture && !element.picture.empty())
         files.pictures.push_back({record.modPicture, element.picture});
     return record;
+}
+
+ListNews newsOf(const std::vector<ProfileRecord>& records)
+{
+    ListNews news{.isKnown = true, .profiles = records.size()};
+    for (const ProfileRecord& record : records) {
+        news.hosting += record.map.empty() ? 0 : 1;
+        news.players += playersIn(record);
+    }
+    return news;
 }
 
 } // namespace
@@ -112,11 +105,8 @@ void qrvrcProfilesList::buildControls()
     lblProfilesCut = new CutNote(u"lblProfilesCut"_s, fmeProfiles);
     mnuMain = new ProfileMenu(*fgProfiles, this);
     buildButtons();
-    fmeLegend = new QGroupBox(u"Legend"_s, this);
-    fmeLegend->setObjectName(u"fmeLegend"_s);
-    tmrRefresh = new QTimer(this);
-    tmrRefresh->setObjectName(u"tmrRefresh"_s);
-    tmrRefresh->setInterval(refreshPause);
+    fmeLegend = newLegend(*m_pictures, this);
+    m_clock = new QuietRefresh(m_client, *this, u"tmrRefresh"_s, &Preferences::listRefresh);
 }
 
 void qrvrcProfilesList::buildButtons()
@@ -140,7 +130,6 @@ void qrvrcProfilesList::layOut()
     profiles->setContentsMargins(gridMargins);
     profiles->addWidget(fgProfiles);
     profiles->addWidget(lblProfilesCut);
-    layOutLegend();
 
     // Attach and Detach share a place, as Start and Stop do: of each pair one is shown.
     auto* buttons = new QGridLayout;
@@ -162,26 +151,6 @@ void qrvrcProfilesList::layOut()
     page->addLayout(buttons);
 }
 
-void qrvrcProfilesList::layOutLegend()
-{
-    auto* row = new QGridLayout(fmeLegend);
-    row->setContentsMargins(legendMargins);
-    row->setHorizontalSpacing(legendSpacing);
-    int column = 0;
-    for (const LegendEntry& entry : legend) {
-        auto* picture = new QLabel(fmeLegend);
-        picture->setObjectName(QString::fromUtf16(entry.picture));
-        picture->setPixmap(m_pictures->statusPicture(entry.status, devicePixelRatioF()));
-        auto* label = new QLabel(ProfilePictures::statusMeaning(entry.status), fmeLegend);
-        label->setObjectName(QString::fromUtf16(entry.label));
-        if (column > 0)
-            row->setColumnMinimumWidth(column - 1, legendLabelWidth); // of the entry before
-        row->addWidget(picture, 0, column++);
-        row->addWidget(label, 0, column++);
-    }
-    row->setColumnStretch(column, 1);
-}
-
 void qrvrcProfilesList::followPrivileges(const Permissions& permissions)
 {
     const auto entry = [this](const QString& name) { return mnuMain->entry(name); };
@@ -198,7 +167,10 @@ void qrvrcProfilesList::wireSignals()
     connect(fgProfiles, &ProfileGrid::rowChosen, this,
             m_client.reporter.trapped("fgProfiles_MouseDown", [this] { updateSelection(); }));
     connect(cmdQuit, &ImageButton::activated, this, &qrvrcProfilesList::quitRequested);
-    connect(tmrRefresh, &QTimer::timeout, this, &qrvrcProfilesList::refreshQuietly);
+    connect(m_clock, &QuietRefresh::due, this, [this] {
+        if (!m_refresh->isUnderWay())
+            m_refresh->start({.asked = PendingRequest::Asked::ByClock});
+    });
     connect(&m_client.link, &clsWinSock::loginSucceeded, this, [this] { m_controls->reset(); });
     connect(&m_client.link, &clsWinSock::linkLost, this, &qrvrcProfilesList::followLoss);
     m_client.replies.on("GetProfiles", this,
@@ -237,7 +209,7 @@ void qrvrcProfilesList::wireActions()
 void qrvrcProfilesList::Form_Activate()
 {
     fgProfiles->setFocus();
-    tmrRefresh->start();
+    m_clock->start();
     // Behind the click that led here, which holds the tab strips: they are not to wait for the tracker.
     QTimer::singleShot(0, this, [this] { reload(std::exchange(m_returnTo, {}), fgProfiles->choices()); });
 }
@@ -262,11 +234,18 @@ void qrvrcProfilesList::chooseOnReturn(const ProfileAim& aim)
     m_returnTo = aim.profile.id;
 }
 
+void qrvrcProfilesList::reloadBehindLoss()
+{
+    reload(std::exchange(m_returnTo, {}), fgProfiles->choices());
+}
+
 void qrvrcProfilesList::reload(const std::optional<std::string>& profile, unsigned choice)
 {
     const QPointer<QWidget> self(this);
     if (m_client.link.isLoggedIn()) {
         fgProfiles->setEmptyText(u"Asking the tracker for its profiles..."_s);
+        if (rowCount() == 0)
+            Q_EMIT listTold({.why = u"asking the tracker for its profiles"_s});
         m_refresh->start({.profile = profile, .choice = choice});
     } else {
         showNoProfiles(u"Not connected."_s);
@@ -275,22 +254,14 @@ void qrvrcProfilesList::reload(const std::optional<std::string>& profile, unsign
         updateSelection();
 }
 
-void qrvrcProfilesList::refreshQuietly()
-{
-    // The list does not move under a menu, a box or a button that is held down.
-    if (!isVisible() || !isEnabled() || m_refresh->isUnderWay() || m_client.link.pending() ||
-        QApplication::activePopupWidget() || QApplication::activeModalWidget() ||
-        QApplication::mouseButtons() != Qt::NoButton)
-        return;
-    m_refresh->start({.asked = PendingRequest::Asked::ByClock});
-}
-
 /// A profile that cannot be shown ends the list, and those before it are shown.
 void qrvrcProfilesList::showProfiles(std::string_view body, const ReplyOwner& owner)
 {
     const ListRefresh::Wish wish = m_refresh->takeWish();
     if (body.find('_') == std::string_view::npos) { // no list at all, not even an empty one
         fgProfiles->setEmptyText(u"The tracker sent no list of profiles."_s);
+        if (rowCount() == 0)
+            Q_EMIT listTold({.why = u"the tracker sent no list of profiles"_s});
         return;
     }
     const bool isQuiet = wish.asked == PendingRequest::Asked::ByClock;
@@ -307,11 +278,13 @@ void qrvrcProfilesList::showProfiles(std::string_view body, const ReplyOwner& ow
     m_files->keep(std::move(files));
     m_selected.hasProfiles = !records.empty();
     fgProfiles->setEmptyText(u"The tracker has no profiles."_s);
+    const ListNews news = newsOf(records);
     lblProfilesCut->tell(elements.isCut, std::ssize(records));
     fgProfiles->showRecords(std::move(records));
     if (!isQuiet && wish.choice == fgProfiles->choices())
         fgProfiles->select(wish.profile);
     updateSelection();
+    Q_EMIT listTold(news);
     tellDamage(damage, isQuiet, m_lastDamage);
 }
 
@@ -346,10 +319,13 @@ void qrvrcProfilesList::showNoProfiles(const QString& why)
     fgProfiles->clearRecords(why);
     m_selected = SelectedProfile();
     updateSelection();
+    Q_EMIT listTold({.why = why});
 }
 
 void qrvrcProfilesList::followLoss()
 {
+    if (const auto aim = fgProfiles->aimAtSelected())
+        m_lostFrom = aim->profile.id;
     mnuMain->drop();
     m_pressAim.reset();
     m_returnTo.reset();

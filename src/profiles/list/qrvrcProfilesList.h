@@ -1,5 +1,6 @@
 #pragma once
 
+#include "client/ListNews.h"
 #include "profiles/list/ListRefresh.h"
 #include "profiles/list/ProfileActions.h"
 #include "profiles/list/ProfileFiles.h"
@@ -18,7 +19,7 @@ class ProfileGrid;
 class ProfileMenu;
 class ProfilePictures;
 class QGroupBox;
-class QTimer;
+class QuietRefresh;
 class RuntimeError;
 struct Client;
 struct Permissions;
@@ -45,6 +46,11 @@ public:
     void reloadBehind(const ProfileAim& aim);
     /// Another window opens for this profile; when the list is in front again, the profile is selected again.
     void chooseOnReturn(const ProfileAim& aim);
+    /// The connection is back: the profile that was selected when it was lost is selected when the list is in front
+    /// again, or behind the next call of `reloadBehindLoss`.
+    void chooseAsBeforeLoss() { m_returnTo = m_lostFrom; }
+    /// Reloads though the list is not in front.
+    void reloadBehindLoss();
     /// Data rows shown.
     int rowCount() const;
     /// The profile with this id as the tracker told of it last; nothing when it is not in the list.
@@ -59,6 +65,8 @@ public:
 
 Q_SIGNALS:
     void quitRequested();
+    /// What is shown has come from the tracker anew, or is gone.
+    void listTold(const ListNews& news);
     /// A plugin's entry of the pop-up menu was chosen for this profile.
     void pluginChosen(const std::string& plugin, const std::string& menuItem, const ChosenProfile& profile);
 
@@ -66,11 +74,9 @@ private:
     void buildControls();
     void buildButtons();
     void layOut();
-    void layOutLegend();
     void followPrivileges(const Permissions& permissions);
     void wireSignals();
     void wireActions();
-    void refreshQuietly();
     void reload(const std::optional<std::string>& profile, unsigned choice);
     void showProfiles(std::string_view body, const ReplyOwner& owner);
     void takeOutcome(const ProfileFiles::Outcome& outcome);
@@ -88,6 +94,7 @@ private:
     std::unique_ptr<ProfileActions> m_actions;
     std::unique_ptr<ListRefresh> m_refresh;
     std::optional<std::string> m_returnTo; ///< id of the profile that a window was opened for
+    std::optional<std::string> m_lostFrom; ///< id of the one that was selected when the link was lost
     std::optional<ProfileAim> m_pressAim;  ///< what the button that went down last is about
     std::unique_ptr<ProfileFiles> m_files;
     std::optional<std::string> m_lastDamage; ///< of the newest list, as it was reported
@@ -105,5 +112,5 @@ private:
     ImageButton* cmdModify = nullptr;
     ImageButton* cmdQuit = nullptr;
     ProfileMenu* mnuMain = nullptr;
-    QTimer* tmrRefresh = nullptr;
+    QuietRefresh* m_clock = nullptr;
 };

@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTableView>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -98,6 +99,35 @@ private Q_SLOTS:
         QTRY_VERIFY(isShown(desk, u"fgWeapons"_s));
         QTEST(desk.in(windowName).cells(u"fgWeapons"_s, 0), "weapon");
         QVERIFY(desk.boxes.boxes.isEmpty());
+    }
+
+    void theClockKeepsPlayerAndPlace()
+    {
+        Desk desk;
+        desk.tracker.world() = practice::World::many(1, 40);
+        QVERIFY(desk.open());
+        desk.core().preferences.playerRefresh = 60s;
+        QVERIFY(open(desk));
+        auto& clock = desk.control<QTimer>(u"tmrPlayerRefresh"_s);
+        QVERIFY(clock.intervalAsDuration() == 60s && clock.isActive());
+        const auto byClock = [&] {
+            return desk.answered("GetPlayerStats", [&] { clock.start(1); }) && (clock.stop(), true);
+        };
+        const GridView& players = grid(desk, u"fgPlayers"_s);
+        desk.in(windowName).clickRow(u"fgPlayers"_s, 20);
+        const QString name = desk.in(windowName).cells(u"fgPlayers"_s, 20)[1];
+        const int scrolled = players.verticalScrollBar()->value();
+        QVERIFY(scrolled > 0);
+        desk.tracker.world().profiles[0].players.removeFirst();
+        QVERIFY(byClock());
+        QCOMPARE(players.rows().rowCount(), 39);
+        QCOMPARE(desk.in(windowName).cells(u"fgPlayers"_s, players.selectedRow())[1], name);
+        QCOMPARE(players.selectedRow(), 19);
+        QCOMPARE(players.verticalScrollBar()->value(), scrolled);
+        desk.tracker.answerAlways("GetPlayerStats", Fault::garbage());
+        for (int round = 0; round < 3; ++round)
+            QVERIFY(byClock());
+        QVERIFY(desk.boxes.boxes.size() <= 1); // the same trouble is told once
     }
 
     void weaponsAreThoseOfThePlayerWhoIsSelected()

@@ -71,6 +71,36 @@ private Q_SLOTS:
         QVERIFY(isUsable(desk));
     }
 
+    void aQuestionComesFirstWhereOneWantsIt_data()
+    {
+        addColumns<bool, bool, QString, QByteArray, QString>("isStop", "answer", "question", "request", "told");
+        const QString stop = u"Are you sure you want to stop the game of the profile 'Alpha'?"_s;
+        const QString detach = u"Are you sure you want to detach the profile 'Alpha' from its game?"_s;
+        addRow("stop", true, true, stop, "StopGame"_ba, u"'Alpha' has stopped."_s);
+        addRow("no stop", true, false, stop, "StopGame"_ba, u""_s);
+        addRow("detach", false, true, detach, "Detach"_ba, u"'Alpha' is detached."_s);
+        addRow("no detach", false, false, detach, "Detach"_ba, u""_s);
+    }
+    void aQuestionComesFirstWhereOneWantsIt()
+    {
+        QFETCH(const bool, isStop);
+        QFETCH(const bool, answer);
+        QFETCH(const QByteArray, request);
+        LoggedIn<Desk> desk;
+        pretendStartPlugin(desk);
+        desk.clickRow(Bravo);
+        desk.clickRow(Alpha);
+        desk.core().preferences.asksBefore = {.detach = !isStop, .stopGame = isStop};
+        desk.boxes.answer = answer;
+        desk.boxes.whileOpen = [&] { desk.clickRow(Charlie); }; // what it is about is settled
+        QStringList told;
+        connect(&desk.core().status, &StatusSlot::told, this, [&](const QString& text) { told += text; });
+        use(desk, isStop ? u"cmdStop"_s : u"cmdDetach"_s);
+        QTEST(desk.boxes.onlyText(), "question");
+        QCOMPARE(desk.lastRequest(request), answer ? request + "_admin_VB6_1" : QByteArray());
+        QTEST(told.join(u'|'), "told");
+    }
+
     void aRefusedAttachFromTheMenuOnlyRefreshes()
     {
         LoggedIn<Desk> desk;

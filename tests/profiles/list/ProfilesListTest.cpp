@@ -329,6 +329,29 @@ private Q_SLOTS:
         QCOMPARE(desk.control(u"cmdModify"_s).isEnabled(), selectedId(desk) != none);
     }
 
+    void theListFollowsTheTrackerAsOneLikes()
+    {
+        LoggedIn<Desk> desk;
+        auto& clock = desk.control<QTimer>(u"tmrRefresh"_s);
+        const auto intervalAt = [&](std::chrono::seconds pause) {
+            desk.core().preferences.listRefresh = pause;
+            return askForList(desk), clock.isActive() ? clock.intervalAsDuration() : 0ms;
+        };
+        QVERIFY(intervalAt(30s) == 30s);
+        QVERIFY(intervalAt(0s) == 0s);
+        QVERIFY(intervalAt(5s) == 5s);
+        QVERIFY(desk.settles());
+        desk.frame().showMinimized();
+        QTRY_VERIFY(desk.frame().isMinimized());
+        const qsizetype asked = desk.requestCount("GetProfiles");
+        const QSignalSpy ticks(&clock, &QTimer::timeout);
+        clock.start(1);
+        QTRY_VERIFY(ticks.size() > 20);
+        QCOMPARE(desk.requestCount("GetProfiles"), asked); // once a minute is enough
+        desk.frame().showNormal();
+        QVERIFY(desk.refreshQuietly());
+    }
+
     void aQuietRefreshTouchesOnlyWhatHasChanged()
     {
         LoggedIn<Desk> desk(practice::World::many(80, 1));
