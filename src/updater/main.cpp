@@ -35,7 +35,7 @@ constexpr std::string_view help =
     "Installs the updates of the client that wait in the folder 'Updates' of the current\n"
     "folder, or of its own, and starts the client again.\n"
     "\n"
-    "  --restore   put back what the last update replaced\n"
+    "  --restore   put back what the last update replaced, and drop what still waits\n"
     "  --version   print the version and end\n"
     "  --help      print this text and end\n";
 
