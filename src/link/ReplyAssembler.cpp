@@ -41,10 +41,8 @@ void ReplyAssembler::add(std::string_view chunk)
     if (!m_prefixRead)
         chunk.remove_prefix(readPrefix(chunk));
     m_buffer.append(chunk);
-    if (m_prefixRead) {
-        lookForMarkers();
-        lookForFailure();
-    }
+    if (m_prefixRead)
+        lookForTexts();
 }
 
 /// @return how much of `chunk` it took
@@ -65,33 +63,25 @@ std::size_t ReplyAssembler::readPrefix(std::string_view chunk)
     return count;
 }
 
-/// Looks at every byte once for what all markers begin with. One that is cut off by the end waits for more.
-void ReplyAssembler::lookForMarkers()
+/// Goes to the letters by which the texts are found fastest. All markers begin with the same one; a login failure
+/// stands anywhere, without a marker, and a blank is the rarest of its letters: Base64 has none.
+void ReplyAssembler::lookForTexts()
 {
     const std::string_view text = m_buffer;
-    std::size_t at = text.find(endMarker.front(), m_markersFrom);
-    for (; at != nowhere; at = text.find(endMarker.front(), at + 1)) {
-        const std::string_view found = text.substr(at, successStart.size());
+    for (std::size_t at = text.find('[', m_lookFrom); at != nowhere; at = text.find('[', at + 1)) {
+        const std::string_view found = text.substr(at);
         if (found.starts_with(endMarker))
             m_end = at + endMarker.size();
-        else if (found == successStart)
+        else if (found.starts_with(successStart))
             m_success = std::min(m_success, at);
-        else if (endMarker.starts_with(found) || successStart.starts_with(found))
-            break;
     }
-    m_markersFrom = std::min(at, text.size());
-}
-
-/// A login failure stands anywhere, without a marker. A blank is the rarest of its letters: Base64 has none.
-void ReplyAssembler::lookForFailure()
-{
-    const std::string_view text = m_buffer;
     constexpr std::size_t blank = failureText.find(' ');
-    for (std::size_t at = text.find(' ', m_failureFrom + blank); at != nowhere; at = text.find(' ', at + 1)) {
+    for (std::size_t at = text.find(' ', m_lookFrom + blank); at != nowhere; at = text.find(' ', at + 1)) {
         if (text.substr(at - blank).starts_with(failureText))
             m_failure = std::min(m_failure, at - blank);
     }
-    m_failureFrom = text.size() - std::min(text.size(), failureText.size() - 1); // it may have begun there
+    // The longest of them may have begun, and an end marker that is seen twice does no harm.
+    m_lookFrom = text.size() - std::min(text.size(), std::max(successStart.size(), failureText.size()) - 1);
 }
 
 std::optional<Reply> ReplyAssembler::take()

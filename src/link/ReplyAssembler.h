@@ -53,16 +53,14 @@ private:
     static constexpr std::size_t nowhere = std::string_view::npos;
 
     std::size_t readPrefix(std::string_view chunk);
-    void lookForMarkers();
-    void lookForFailure();
+    void lookForTexts();
     ReplyKind kind() const;
 
     std::string m_buffer;
     std::int32_t m_expected = 0;
     bool m_prefixRead = false;
     // All that must be known of a reply is looked for while it arrives: a large one is not gone through at its end.
-    std::size_t m_markersFrom = 0; ///< nothing before is a marker that was not seen
-    std::size_t m_failureFrom = 0;
+    std::size_t m_lookFrom = 0;      ///< nothing that is looked for begins before and was not seen
     std::size_t m_end = nowhere;     ///< behind the last end marker
     std::size_t m_success = nowhere; ///< where the first login success begins
     std::size_t m_failure = nowhere; ///< where the first login failure begins
