@@ -25,8 +25,15 @@ const GridModel& gridOf(const QModelIndex& index)
 QFont cellFont(const QStyleOptionViewItem& option, bool bold)
 {
     QFont font = option.font;
-    font.setBold(bold || font.bold());
+    if (bold)
+        font.setBold(true);
     return font;
+}
+
+/// What the view's lines leave of a cell.
+QRect insideOf(const QStyleOptionViewItem& option)
+{
+    return option.rect.adjusted(0, 0, -gridLineWidth, -gridLineWidth);
 }
 
 /// The ground of a picture in a selected row: pictures are drawn for a light one and get lost on the highlight.
@@ -73,11 +80,12 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
                                                                                      : QPalette::Inactive;
     if (selected)
         painter->fillRect(option.rect, option.palette.color(group, QPalette::Highlight));
+    const QRect cell = insideOf(option);
     if (const GridPicture* const picture = grid.pictureAt(index.row(), index.column())) {
         if (selected)
-            paintPlate(*painter, option.rect, option.palette.color(group, QPalette::Base));
+            paintPlate(*painter, cell, option.palette.color(group, QPalette::Base));
         painter->setOpacity(group == QPalette::Disabled ? lockedOpacity : 1.0);
-        paintPicture(*painter, picture->pixmap, option.rect);
+        paintPicture(*painter, picture->pixmap, cell);
         painter->setOpacity(1.0);
         return;
     }
@@ -86,9 +94,10 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, 
         return;
     const bool bold = grid.row(index.row()).title;
     const LaidOutText& laid = laidOut(text, option, bold);
-    const QRect room = option.rect.adjusted(margin, 0, -margin, 0);
+    const QRect room = cell.adjusted(margin, 0, -margin, 0);
     const QRect place = QStyle::alignedRect(option.direction, grid.alignment(index.column()), laid.size.toSize(), room);
-    painter->setFont(cellFont(option, bold));
+    if (const QFont font = cellFont(option, bold); painter->font() != font)
+        painter->setFont(font);
     painter->setPen(option.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
     painter->drawStaticText(place.topLeft(), laid.text);
 }
@@ -125,7 +134,7 @@ QString GridDelegate::toolTipText(const QStyleOptionViewItem& option, const QMod
 const GridDelegate::LaidOutText& GridDelegate::laidOut(const QString& text, const QStyleOptionViewItem& option,
                                                        bool bold) const
 {
-    const int width = qMax(0, option.rect.width() - 2 * margin);
+    const int width = qMax(0, insideOf(option).width() - 2 * margin);
     // No character that shows is narrower than a pixel, so what lies behind these cannot be seen. Neither the layout
     // nor the cache ever holds a text of unbounded length.
     const qsizetype limit = width + 1;

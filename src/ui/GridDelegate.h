@@ -6,6 +6,9 @@
 
 class GridModel;
 
+/// Pixels at the right and the lower edge of each cell, which the view paints its lines on.
+constexpr int gridLineWidth = 1;
+
 /// `text` as one line: what would break or shift a line becomes a blank.
 QString singleLine(QString text);
 

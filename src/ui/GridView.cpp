@@ -53,6 +53,7 @@ GridView::GridView(const QString& name, QWidget* parent)
     setSelectionMode(SingleSelection);
     setEditTriggers(NoEditTriggers);
     setAlternatingRowColors(true);
+    setShowGrid(false); // paintLines() shows it
     setTextElideMode(Qt::ElideRight);
     setWordWrap(false);
     setCornerButtonEnabled(false);
@@ -228,6 +229,7 @@ void GridView::paintEvent(QPaintEvent* event)
     QTableView::paintEvent(event);
     QPainter painter(viewport());
     const QRect area = viewport()->rect();
+    paintLines(painter, event->rect());
     if (m_model->rowCount() == 0 && !m_emptyText.isEmpty()) {
         painter.setPen(palette().color(QPalette::PlaceholderText));
         painter.drawText(area.adjusted(emptyTextInset, emptyTextInset, -emptyTextInset, -emptyTextInset),
@@ -235,6 +237,27 @@ void GridView::paintEvent(QPaintEvent* event)
     }
     if (m_pictures)
         paintBackground(painter, m_pictures->scaled(m_background, area.size(), devicePixelRatioF()), area);
+}
+
+/// The lines that the table would draw point by point, which takes as long as half of its texts.
+void GridView::paintLines(QPainter& painter, const QRect& dirty) const
+{
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const auto colour =
+        QColor::fromRgba(static_cast<QRgb>(style()->styleHint(QStyle::SH_Table_GridLineColor, &option, this)));
+    const int columns = m_model->columnCount();
+    const int left = -horizontalHeader()->offset();
+    for (int row = qMax(0, rowAt(dirty.top())); row < m_model->rowCount(); ++row) {
+        const QRect whole(left, rowViewportPosition(row), horizontalHeader()->length(), rowHeight(row));
+        if (whole.top() > dirty.bottom())
+            break;
+        painter.fillRect(whole.adjusted(0, whole.height() - gridLineWidth, 0, 0), colour);
+        for (int column = columnSpan(row, 0) - 1; column < columns; ++column) {
+            const int end = columnViewportPosition(column) + columnWidth(column);
+            painter.fillRect(end - gridLineWidth, whole.top(), gridLineWidth, whole.height(), colour);
+        }
+    }
 }
 
 void GridView::scrollContentsBy(int dx, int dy)

@@ -64,6 +64,7 @@ private:
     void fixRowHeight();
     void fitHeaderFont();
     void spanTitles(int firstRow);
+    void paintLines(QPainter& painter, const QRect& dirty) const;
 
     GridModel* m_model;
     GridDelegate* m_delegate;
