@@ -268,6 +268,8 @@ void qrvrcProfilesList::showProfiles(std::string_view body, const ReplyOwner& ow
     const ProfileElements elements = splitProfilesReply(body, m_client.bounds.listRows);
     std::vector<ProfileRecord> records;
     ProfileFiles::Wanted files{.folders = {}, .pictures = {}, .owner = owner};
+    records.reserve(elements.profiles.size());
+    files.folders.reserve(elements.profiles.size());
     std::optional<RuntimeError> damage;
     try {
         for (const ProfileElement& element : elements.profiles)
