@@ -4,10 +4,9 @@
 #include "client/Client.h"
 #include "ui/BackgroundPicture.h"
 #include "ui/PictureStore.h"
+#include "ui/ProgramIcon.h"
 #include "ui/StripTabBar.h"
 
-#include <QApplication>
-#include <QIcon>
 #include <QLabel>
 #include <QPainter>
 #include <QStackedWidget>
@@ -27,7 +26,7 @@ class Emblem : public QLabel
 public:
     explicit Emblem(PictureStore& pictures) : m_pictures(pictures)
     {
-        setPixmap(QApplication::windowIcon().pixmap(QSize(96, 96), devicePixelRatioF()));
+        setPixmap(programIcon().pixmap(QSize(96, 96), devicePixelRatioF()));
         setAlignment(Qt::AlignCenter);
         setBackgroundRole(QPalette::Base);
         setAutoFillBackground(true);

@@ -8,10 +8,11 @@
 #include "platform/system/CodePage.h"
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
+#include "ui/FirstPaint.h"
 #include "ui/ImageButton.h"
+#include "ui/ProgramIcon.h"
 #include "ui/QuietComboBox.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
@@ -112,7 +113,9 @@ void qrvrcLogin::buildControls()
     lblStatus->setTextFormat(Qt::PlainText);
 
     lblEmblem = new QLabel(this);
-    lblEmblem->setPixmap(QApplication::windowIcon().pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
+    afterFirstPaint(*this, [this] {
+        lblEmblem->setPixmap(programIcon().pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
+    });
     lblEmblem->setAlignment(Qt::AlignCenter);
 
     Timer1 = new QTimer(this);

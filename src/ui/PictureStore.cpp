@@ -16,18 +16,27 @@ namespace {
 
 constexpr int cacheKiB = 16 * 1024;
 
-bool isKnownFormat(const QByteArray& format)
+/// Told by how the content begins, so that no other decoder is asked, or even loaded. Empty for what is not shown.
+QByteArray formatOf(const QByteArray& content)
 {
-    constexpr std::array known{"gif", "png", "jpeg", "jpg", "bmp"};
-    return std::find(known.begin(), known.end(), format) != known.end();
+    struct Format
+    {
+        QByteArrayView begin;
+        const char* name;
+    };
+    constexpr std::array known{Format{"GIF8", "gif"}, Format{"\x89PNG", "png"}, Format{"\xFF\xD8\xFF", "jpeg"},
+                               Format{"BM", "bmp"}};
+    const auto found = std::find_if(known.begin(), known.end(),
+                                    [&content](const Format& format) { return content.startsWith(format.begin); });
+    return found == known.end() ? QByteArray() : QByteArray(found->name);
 }
 
 /// The size is known from the head of a file: nothing is decoded before it has been judged.
 bool isAllowed(QImageReader& reader, int maxSide)
 {
-    reader.setDecideFormatFromContent(true);
+    reader.setAutoDetectImageFormat(false);
     const QSize size = reader.size();
-    return isKnownFormat(reader.format()) && !size.isEmpty() && size.width() <= maxSide && size.height() <= maxSide;
+    return !size.isEmpty() && size.width() <= maxSide && size.height() <= maxSide;
 }
 
 } // namespace
@@ -42,7 +51,7 @@ bool PictureStore::isPicture(std::string_view bytes, int maxSide)
 {
     QByteArray content = QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&content);
-    QImageReader reader(&buffer);
+    QImageReader reader(&buffer, formatOf(content));
     return isAllowed(reader, maxSide);
 }
 
@@ -106,7 +115,7 @@ QPixmap PictureStore::decode(const std::filesystem::path& path, QSize pixels, Qt
     if (content.size() > qint64(maxFileBytes))
         return {};
     QBuffer buffer(&content);
-    QImageReader reader(&buffer);
+    QImageReader reader(&buffer, formatOf(content));
     if (!isAllowed(reader, maxSide))
         return {};
     const QSize shown = reader.size().scaled(pixels, aspect);
