@@ -58,8 +58,14 @@ declare -A packages=(
     "
     # What packaging/linux/build needs besides the build.
     [linux]="
-        dpkg-dev            # finds the packages that the program's libraries come from
+        dpkg-dev            # finds the packages that the program's libraries come from, and the flags of a package
         file                # as it asks for
+    "
+    # What 'packaging/linux/build check' needs besides.
+    [linux-check]="
+        appstream           # looks at the metadata for software centres
+        desktop-file-utils  # looks at the menu entry
+        lintian             # looks at the package
     "
     # What packaging/windows/build needs: the compiler, Qt's own tools, and what fetches source packages.
     [windows]="

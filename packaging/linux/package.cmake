@@ -1,5 +1,5 @@
-# What an installation holds, and the Debian package made of it. The program finds its shipped files in the share folder
-# beside its own and keeps its state in the user's data folder.
+# What an installation holds. The program finds its shipped files in the share folder beside its own and keeps its state in
+# the user's data folder. packaging/linux/build makes a Debian package of it.
 include(GNUInstallDirs)
 
 install(TARGETS qrvv3rc QRVV3Updater RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
@@ -11,19 +11,21 @@ foreach(size 16 24 32 48 64 128 256)
 endforeach()
 install(FILES assets/shipped/icons/qrvv3rc.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
 
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME qrvv3rc)
-set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_PACKAGE_CONTACT "QRVRC <packages@maker.example>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "remote client of a game-server statistics tracker")
-set(CPACK_PACKAGE_DESCRIPTION
-    "The desktop client with which an administrator watches and steers game servers\nthrough the statistics tracker on their host.")
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_STRIP_FILES ON)
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION net)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-liberation2 | fonts-dejavu-core, qt6-wayland")
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
-    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-include(CPack)
+string(TIMESTAMP QRVRC_DATE "%Y-%m-%d" UTC) # of SOURCE_DATE_EPOCH where that is set
+set(written ${CMAKE_CURRENT_BINARY_DIR}/linux)
+set(id example.maker.qrvv3rc)
+configure_file(packaging/linux/metainfo.xml.in ${written}/${id}.metainfo.xml @ONLY)
+install(FILES ${written}/${id}.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+
+set(VERSION ${PROJECT_VERSION})
+set(programs qrvv3rc QRVV3Updater)
+if(TARGET qrvrc-practice)
+    install(TARGETS qrvrc-practice RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    list(APPEND programs qrvrc-practice)
+endif()
+foreach(program ${programs})
+    configure_file(packaging/linux/man/${program}.1 ${written}/${program}.1 @ONLY)
+    install(FILES ${written}/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES packaging/linux/completion.bash RENAME ${program}
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+endforeach()

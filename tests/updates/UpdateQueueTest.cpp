@@ -310,6 +310,17 @@ private Q_SLOTS:
         QVERIFY2(check.hasList(), qPrintable(check.fault()));
     }
 
+    void aPackagedProgramLooksForPluginsOnly()
+    {
+        Yard yard;
+        yard.services.isPackaged = true;
+        ListCheck client(yard.services, clientCheck, 30s);
+        ListCheck plugins(yard.services, pluginCheck, 30s);
+        QTRY_VERIFY(client.isOver() && plugins.isOver());
+        QVERIFY(!client.hasList() && client.fault().isEmpty() && plugins.hasList());
+        QVERIFY(!yard.web.updates().requested().contains("qrvv3rc_filelist.txt"));
+    }
+
     void listsBeyondTheBoundsAreRefused()
     {
         QByteArray list = "qrvv3rc.exe|\\|executable file|(qrv) main executable|1|1.0.0.0\n";
