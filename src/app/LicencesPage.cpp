@@ -8,6 +8,7 @@
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -20,6 +21,7 @@ constexpr int gap = 8;
 constexpr std::size_t maxTextBytes = std::size_t{1024} * 1024;
 constexpr qsizetype maxTexts = 100;
 const QString ending = u".txt"_s;
+const QString ownLicence = u"QRVRC"_s; // is shown first, and tells of the others
 
 } // namespace
 
@@ -54,6 +56,7 @@ void LicencesPage::fill()
     }
     names.sort(Qt::CaseInsensitive);
     cboLicence->addItems(names);
+    cboLicence->setCurrentIndex(std::max(0, cboLicence->findText(ownLicence)));
     cboLicence->setEnabled(!names.isEmpty());
 }
 
