@@ -65,6 +65,7 @@ void StatusLine::wireLink()
         showSoon();
     });
     connect(&m_core.status, &StatusSlot::told, this, &StatusLine::tell);
+    connect(this, &StatusLine::stateTold, lblLink, &StatusLabel::announce);
 }
 
 void StatusLine::tell(const QString& text)
@@ -116,7 +117,7 @@ void StatusLine::showNow()
     lblLink->show(markOf(link), texts);
     const QString steady = steadyLinkText(link);
     if (std::exchange(m_announced, steady) != steady)
-        lblLink->announce();
+        Q_EMIT stateTold(steady);
     showTries();
     followFrame();
 }
@@ -130,7 +131,7 @@ void StatusLine::showTries()
         auto* made = new QPushButton(caption, &m_bar);
         made->setObjectName(name);
         made->setToolTip(tip);
-        made->setMaximumHeight(m_bar.fontMetrics().height() + 2); // the frame's parts keep their places
+        made->setMaximumHeight(m_bar.fontMetrics().height()); // the frame's parts keep their places
         m_bar.addWidget(made);
         return made;
     };

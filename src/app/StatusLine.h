@@ -31,6 +31,10 @@ public:
     void withdraw(const QString& text);
     void followList(const ListNews& news);
 
+Q_SIGNALS:
+    /// The connection stands differently; not told of the seconds that pass.
+    void stateTold(const QString& text);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 

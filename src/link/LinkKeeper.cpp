@@ -7,6 +7,21 @@
 using namespace Qt::StringLiterals;
 using Asked = PendingRequest::Asked;
 
+namespace {
+
+/// A message as the end of a sentence: its first one, without a capital and a point.
+QString reasonIn(const QString& message)
+{
+    QString reason = message.left(message.indexOf(u". "_s));
+    if (reason.endsWith(u'.'))
+        reason.chop(1);
+    if (!reason.isEmpty())
+        reason[0] = reason[0].toLower();
+    return reason;
+}
+
+} // namespace
+
 LinkKeeper::LinkKeeper(clsWinSock& link) : m_link(link)
 {
     m_wait.setSingleShot(true);
@@ -118,7 +133,7 @@ void LinkKeeper::connectAgain()
 
 void LinkKeeper::explain(const QString& why)
 {
-    m_why = why;
+    m_why = reasonIn(why);
     Q_EMIT changed();
 }
 

@@ -321,7 +321,7 @@ void qrvrcProfilesList::showNoProfiles(const QString& why)
     fgProfiles->clearRecords(why);
     m_selected = SelectedProfile();
     updateSelection();
-    Q_EMIT listTold({.why = why});
+    Q_EMIT listTold({});
 }
 
 void qrvrcProfilesList::followLoss()

@@ -114,15 +114,16 @@ private Q_SLOTS:
             return desk.answered("GetPlayerStats", [&] { clock.start(1); }) && (clock.stop(), true);
         };
         const GridView& players = grid(desk, u"fgPlayers"_s);
-        desk.in(windowName).clickRow(u"fgPlayers"_s, 20);
-        const QString name = desk.in(windowName).cells(u"fgPlayers"_s, 20)[1];
+        desk.in(windowName).clickRow(u"fgPlayers"_s, 30);
+        const QString name = desk.in(windowName).cells(u"fgPlayers"_s, 30)[1];
+        players.verticalScrollBar()->setValue(7);
         const int scrolled = players.verticalScrollBar()->value();
         QVERIFY(scrolled > 0);
         desk.tracker.world().profiles[0].players.removeFirst();
         QVERIFY(byClock());
         QCOMPARE(players.rows().rowCount(), 39);
         QCOMPARE(desk.in(windowName).cells(u"fgPlayers"_s, players.selectedRow())[1], name);
-        QCOMPARE(players.selectedRow(), 19);
+        QCOMPARE(players.selectedRow(), 29);
         QCOMPARE(players.verticalScrollBar()->value(), scrolled);
         desk.tracker.answerAlways("GetPlayerStats", Fault::garbage());
         for (int round = 0; round < 3; ++round)
