@@ -67,7 +67,7 @@ QGroupBox* PreferencesPage::buildConnection()
     chkReconnect = tick(u"chkReconnect"_s, u"Reconnect by &itself"_s,
                         u"A connection that is lost without your doing is tried again after 5, 10, 20, 40 and then "
                         "every 60 seconds"_s);
-    rows->addWidget(chkReconnect);
+    rows->addWidget(chkReconnect, 0, Qt::AlignLeft);
     return frame;
 }
 
@@ -92,10 +92,12 @@ QGroupBox* PreferencesPage::buildAskBefore()
     chkAskKick = tick(u"chkAskKick"_s, u"Kic&king an account"_s, tip);
     chkAskDeleteAccount = tick(u"chkAskDeleteAccount"_s, u"Deleting an acco&unt"_s, tip);
     auto* rows = new QGridLayout(frame);
-    rows->addWidget(chkAskDetach, 0, 0);
-    rows->addWidget(chkAskStop, 1, 0);
-    rows->addWidget(chkAskKick, 0, 1);
-    rows->addWidget(chkAskDeleteAccount, 1, 1);
+    rows->addWidget(chkAskDetach, 0, 0, Qt::AlignLeft);
+    rows->addWidget(chkAskStop, 1, 0, Qt::AlignLeft);
+    rows->addWidget(chkAskKick, 0, 1, Qt::AlignLeft);
+    rows->addWidget(chkAskDeleteAccount, 1, 1, Qt::AlignLeft);
+    rows->setColumnStretch(0, 1);
+    rows->setColumnStretch(1, 1);
     return frame;
 }
 

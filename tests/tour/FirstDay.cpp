@@ -2,6 +2,7 @@
 #include "tour/Scenes.h"
 #include "tour/Screen.h"
 
+#include <QAbstractButton>
 #include <QProgressBar>
 
 using namespace Qt::StringLiterals;
@@ -100,6 +101,56 @@ void comeAsOthers(Act& act)
     act.escape(u"mnuMain"_s);
 }
 
+void toggleReconnecting(Act& act)
+{
+    act.step(
+        u"the second page of the options opens"_s,
+        [] {
+            clickTab(u"tsMain"_s, u"Options"_s);
+            clickTab(u"tsOptions"_s, u"Use"_s);
+        },
+        [] { return seen(u"chkReconnect"_s) != nullptr; });
+    act.step(
+        u"a tick is stored"_s,
+        [] {
+            click(seen<QAbstractButton>(u"chkReconnect"_s));
+            click(u"cmdSave"_s);
+        },
+        [] { return boxSays(u"Settings Saved Successfully."_s); });
+    act.dismissBox();
+}
+
+void loseAndComeBack(Act& act)
+{
+    toggleReconnecting(act);
+    act.picture(u"options-use.png"_s);
+    act.step(
+        u"the list is in front"_s, [] { clickTab(u"tsMain"_s, u"Profile List"_s); },
+        [] { return rowsOf(u"fgProfiles"_s) == 9; });
+    act.step(
+        u"another row is selected"_s, [] { clickRow(u"fgProfiles"_s, 3); }, [] { return selectedRow() == 3; });
+    act.step(
+        u"a lost connection waits for its next try"_s,
+        [&act] {
+            act.tracker.stopListening();
+            act.tracker.resetLinks();
+        },
+        [] { return isLoggedOut() && seen(u"cmdTryNow"_s); });
+    act.picture(u"reconnecting.png"_s);
+    act.step(
+        u"the list is back with the same row selected"_s,
+        [&act] {
+            act.tracker.listen(act.tracker.port());
+            click(seen<QAbstractButton>(u"cmdTryNow"_s));
+        },
+        [] { return rowsOf(u"fgProfiles"_s) == 9 && selectedRow() == 3 && !seen(u"cmdTryNow"_s); });
+    act.picture(u"reconnected.png"_s);
+    toggleReconnecting(act);
+    act.step(
+        u"the list is in front again"_s, [] { clickTab(u"tsMain"_s, u"Profile List"_s); },
+        [] { return rowsOf(u"fgProfiles"_s) == 9; });
+}
+
 void meetTrouble(Act& act)
 {
     act.step(
@@ -138,6 +189,7 @@ void firstDay(Act& act)
     findTheWayIn(act);
     lookAround(act);
     comeAsOthers(act);
+    loseAndComeBack(act);
     meetTrouble(act);
     act.quit(u"quit.png"_s);
 }
