@@ -5,6 +5,7 @@
 #include "client/Client.h"
 #include "diagnostics/report/Reporter.h"
 #include "link/clsWinSock.h"
+#include "login/FieldRows.h"
 #include "platform/system/CodePage.h"
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
@@ -39,32 +40,10 @@ constexpr int frameWidth = 430;
 constexpr int frameSpacing = 10;
 constexpr QMargins connectMargins(17, 12, 17, 9);
 constexpr QMargins statusMargins(17, 4, 17, 6);
-constexpr int labelWidth = 120; // so that the fields of both frames stand in one line
-constexpr int fieldHeight = 25;
 constexpr int rowSpacing = 7;
 constexpr int buttonWidth = 120;
 constexpr int buttonSpacing = 15;
 constexpr int emblemSide = 128;
-
-/// Captions on the left, fields on the right.
-QFormLayout* fieldsIn(const QMargins& margins)
-{
-    auto* form = new QFormLayout;
-    form->setContentsMargins(margins);
-    form->setHorizontalSpacing(0);
-    form->setVerticalSpacing(rowSpacing);
-    return form;
-}
-
-void addRow(QFormLayout* form, const QString& name, const QString& caption, QWidget* field)
-{
-    auto* label = new QLabel(caption);
-    label->setObjectName(name);
-    label->setMinimumWidth(labelWidth);
-    label->setBuddy(field);
-    field->setMinimumHeight(fieldHeight);
-    form->addRow(label, field);
-}
 
 } // namespace
 
@@ -137,8 +116,8 @@ QLineEdit* qrvrcLogin::newField(const QString& name, const QString& meaning)
 void qrvrcLogin::layOut()
 {
     layOutConnect();
-    QFormLayout* status = fieldsIn(statusMargins);
-    addRow(status, {}, u"Status:"_s, lblStatus);
+    QFormLayout* status = fieldsIn(statusMargins, rowSpacing);
+    addFieldRow(status, {}, u"Status:"_s, lblStatus);
     fmeStatus->setLayout(status);
 
     auto* page = new QGridLayout(this);
@@ -156,14 +135,14 @@ void qrvrcLogin::layOut()
 
 void qrvrcLogin::layOutConnect()
 {
-    QFormLayout* form = fieldsIn({});
-    addRow(form, {}, u"Profiles:"_s, cboProfile);
-    addRow(form, u"lblProfile"_s, u"Profile Name:"_s, txtProfile);
-    addRow(form, u"lblHost"_s, u"Host IP/Name:"_s, txtHost);
-    addRow(form, u"lblPort"_s, u"Port:"_s, txtPort);
-    addRow(form, u"lblUser"_s, u"Username:"_s, txtUser);
-    addRow(form, u"lblPass"_s, u"Password:"_s, txtPass);
-    form->addRow(QString(), chkRemember);
+    QFormLayout* form = fieldsIn({}, rowSpacing);
+    addFieldRow(form, {}, u"Profiles:"_s, cboProfile);
+    addFieldRow(form, u"lblProfile"_s, u"Profile Name:"_s, txtProfile);
+    addFieldRow(form, u"lblHost"_s, u"Host IP/Name:"_s, txtHost);
+    addFieldRow(form, u"lblPort"_s, u"Port:"_s, txtPort);
+    addFieldRow(form, u"lblUser"_s, u"Username:"_s, txtUser);
+    addFieldRow(form, u"lblPass"_s, u"Password:"_s, txtPass);
+    form->addFieldRow(QString(), chkRemember);
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(buttonSpacing);

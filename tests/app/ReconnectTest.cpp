@@ -122,7 +122,11 @@ private Q_SLOTS:
     {
         ReconnectDesk desk;
         QVERIFY(desk.begin());
+        desk.frame().supportDesk().open();
+        QTRY_COMPARE(desk.operatorSide.links(), 1);
         QVERIFY(desk.lose());
+        QTRY_COMPARE(desk.operatorSide.links(), 0);
+        desk.frame().activateWindow();
         desk.clickTab(u"tsMain"_s, u"Help"_s);
         desk.pressTry();
         QTRY_COMPARE(desk.core().keeper.plan.attempt(), 2);
@@ -132,6 +136,7 @@ private Q_SLOTS:
         QTRY_COMPARE(desk.grid().rowCount(), 3);
         QVERIFY(desk.settles());
         QVERIFY(desk.isInFront(u"qrvrcHelp"_s));
+        QTRY_COMPARE(desk.operatorSide.links(), 1); // the support link as well
         QCOMPARE(back.size(), 1);
         QCOMPARE(back[0][0].toInt(), 2);
     }

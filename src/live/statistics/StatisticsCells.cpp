@@ -2,7 +2,11 @@
 
 #include "live/statistics/StatisticsRows.h"
 #include "platform/system/CodePage.h"
+#include "ui/GridView.h"
 
+#include <QScrollBar>
+
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -54,4 +58,15 @@ GridRow cellsOf(const WeaponRow& row, const CodePage& codePage)
                       codePage.toText(timeText(row.seconds))},
             .pictures = {},
             .data = 0};
+}
+
+void refill(GridView& grid, std::size_t count, std::function<GridRow(int)> make)
+{
+    const int selected = grid.selectedRow();
+    const int scrolled = grid.verticalScrollBar()->value();
+    const int rows = static_cast<int>(count);
+    grid.rows().setRows(rows, std::move(make));
+    if (selected >= 0 && rows > 0)
+        grid.selectRow(std::min(selected, rows - 1));
+    grid.verticalScrollBar()->setValue(scrolled);
 }

@@ -48,18 +48,6 @@ constexpr Twips buttonHeight = 375_twips;
 constexpr Twips refreshLeft = 3960_twips;
 constexpr Twips closeLeft = 5640_twips;
 
-/// Replaces the rows and leaves selection and view where they are.
-void refill(GridView& grid, std::size_t count, std::function<GridRow(int)> make)
-{
-    const int selected = grid.selectedRow();
-    const int scrolled = grid.verticalScrollBar()->value();
-    const int rows = static_cast<int>(count);
-    grid.rows().setRows(rows, std::move(make));
-    if (selected >= 0 && rows > 0)
-        grid.selectRow(std::min(selected, rows - 1));
-    grid.verticalScrollBar()->setValue(scrolled);
-}
-
 } // namespace
 
 qrvrcPlayerStats::qrvrcPlayerStats(Client& client, ChosenProfile profile, QWidget* parent)
