@@ -3,6 +3,7 @@
 //
 //   FileStall [MIB]     64 unless told otherwise
 
+#include "Heartbeat.h"
 #include "QuietDesk.h"
 #include "TrackerThread.h"
 #include "profiles/viewer/LinedText.h"
@@ -16,8 +17,6 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QElapsedTimer>
-#include <QFile>
 #include <QPlainTextEdit>
 #include <QTimer>
 
@@ -25,61 +24,14 @@
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
-
-constexpr auto beat = 5ms;
 
 practice::World worldWithLog(int mebibytes)
 {
     practice::World world = practice::World::small();
     world.addBigLog(mebibytes);
     return world;
-}
-
-class Heartbeat : public QObject
-{
-public:
-    Heartbeat()
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        connect(&m_timer, &QTimer::timeout, this, [this] { m_greatest = std::max(m_greatest, m_since.restart()); });
-        m_since.start();
-        m_timer.start(beat);
-    }
-
-    /// The greatest gap since it was last asked for, in milliseconds.
-    qint64 greatest()
-    {
-        m_greatest = std::max(m_greatest, m_since.restart());
-        return std::exchange(m_greatest, 0);
-    }
-
-private:
-    QTimer m_timer;
-    QElapsedTimer m_since;
-    qint64 m_greatest = 0;
-};
-
-template <typename Condition>
-void runUntil(Condition condition)
-{
-    while (!condition())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
-/// Memory of this process in MiB, tracker included. @param key  "VmRSS" or "VmHWM"
-double mebibytesOf(const QByteArray& key)
-{
-    QFile file(u"/proc/self/status"_s);
-    if (file.open(QFile::ReadOnly)) {
-        for (const QByteArray& line : file.readAll().split('\n')) {
-            if (line.startsWith(key + ':'))
-                return line.mid(key.size() + 1).chopped(2).trimmed().toDouble() / 1024;
-        }
-    }
-    return 0;
 }
 
 void logIn(QuietDesk& desk, quint16 port)

@@ -35,13 +35,13 @@ private:
 class QuietDesk
 {
 public:
-    QuietDesk()
+    /// @param boxes  instead of those that end the run
+    explicit QuietDesk(MessageBoxes* boxes = nullptr,
+                       const QUrl& makerHost = QUrl(QStringLiteral("http://maker.example")))
     {
         fillAppFolder(AppFolder(folder()), QRVRC_SHIPPED_DIR);
-        frame = std::make_unique<qrvrcMain>(Setup{.folder = folder(),
-                                                  .makerHost = QUrl(QStringLiteral("http://maker.example")),
-                                                  .version = "3.0.1.0",
-                                                  .boxes = &m_boxes});
+        frame = std::make_unique<qrvrcMain>(
+            Setup{.folder = folder(), .makerHost = makerHost, .version = "3.0.1.0", .boxes = boxes ? boxes : &m_boxes});
         if (!frame->MDIFormLoad())
             qFatal("the client does not start");
         frame->show();

@@ -33,6 +33,7 @@ ClientCore::ClientCore(const Setup& setup, MessageBoxes& boxWindows, LockableInt
       components(folder),
       client{link,     replies,  store,   folder,   inet,   reporter,    boxes,
              codePage, pictures, windows, quitting, status, preferences, setup.bounds},
+      passwords(client, setup.keyring, setup.keyringLimit),
       pluginHost(client, plugins, components, problems, pluginAccess(), setup.version),
       updates{.inet = inet,
               .targets = updateTargets,

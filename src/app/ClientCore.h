@@ -13,6 +13,8 @@
 #include "link/LinkKeeper.h"
 #include "link/ReplyDispatcher.h"
 #include "link/clsWinSock.h"
+#include "live/support/SupportDesk.h"
+#include "login/KeptPasswords.h"
 #include "platform/components/Component.h"
 #include "platform/net/Inet.h"
 #include "platform/net/Winsock.h"
@@ -60,6 +62,11 @@ struct Setup
     MessageBoxes* boxes = nullptr;
     /// How much and how often the program takes from others.
     Bounds bounds = {};
+    SupportDesk::Limits support = {};
+    /// Where passwords may be kept; null for nowhere but the profile store.
+    std::shared_ptr<Keyring> keyring = {};
+    /// How long it may take to answer.
+    std::chrono::milliseconds keyringLimit = std::chrono::seconds(10);
 };
 
 /// Everything of the program that is no window, in the order in which one part needs the other. Owned by the frame.
@@ -94,6 +101,7 @@ struct ClientCore
     StatusSlot status;
     Preferences preferences; ///< written by the options
     Client client;
+    KeptPasswords passwords; ///< whether they go to the keyring is written by the options
     PluginHost pluginHost;
     UpdateServices updates; ///< the location and its key are written by the options
 

@@ -99,6 +99,16 @@ private:
     bool m_isTooLate = false;
 };
 
+/// Whatever window a component opens is nobody's business, nor what the toolkit has to say of there being no screen.
+/// Before there is an application.
+void keepWindowsOffScreen()
+{
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+#if defined(Q_OS_UNIX)
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+#endif
+}
+
 } // namespace
 
 Components::Probe childProcessProbe(const QString& program, const std::filesystem::path& applicationFolder,
@@ -120,8 +130,8 @@ int runComponentProbe(int argc, char** argv, const std::filesystem::path& applic
 #if defined(Q_OS_UNIX)
     const rlimit noDump{0, 0};
     setrlimit(RLIMIT_CORE, &noDump);
-    qputenv("QT_QPA_PLATFORM", "offscreen"); // whatever window the component opens is nobody's business
 #endif
+    keepWindowsOffScreen();
     const QApplication application(argc, argv);
     const bool isPlugin = lowerAscii(progId).ends_with(".clsplugin");
     tryComponent(AppFolder(applicationFolder), file, progId, [isPlugin](ComponentObject& object) {
@@ -134,7 +144,8 @@ int runComponentProbe(int argc, char** argv, const std::filesystem::path& applic
 ComponentFault registerComponent(int argc, char** argv, const std::filesystem::path& applicationFolder,
                                  const std::filesystem::path& file)
 {
-    const QCoreApplication application(argc, argv);
+    keepWindowsOffScreen();
+    const QApplication application(argc, argv);
     const AppFolder folder(applicationFolder);
     Components components(folder);
     components.setProbe(childProcessProbe(QCoreApplication::applicationFilePath(), folder.root()));
@@ -146,5 +157,13 @@ ComponentFault registerComponent(int argc, char** argv, const std::filesystem::p
     const std::string progId = componentClass(isPlugin ? "\\Plugins\\" + name : name).progId;
     if (progId.empty())
         return std::nullopt;
-    return awaitComponent([&](const Components::Done& done) { components.tryClass(progId, done); });
+    if (const ComponentFault fault =
+            awaitComponent([&](const Components::Done& done) { components.tryClass(progId, done); }))
+        return fault;
+    // The trial passes what ends in good order, as an error of the plugin does.
+    return faultIn([&] {
+        const ObjectRef object = components.createObject(progId);
+        if (isPlugin)
+            readPluginData(*object);
+    });
 }

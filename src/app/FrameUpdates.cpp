@@ -20,7 +20,7 @@ FrameUpdates::FrameUpdates(ClientCore& core, RestartOrder restart, QWidget* fram
       m_agent(std::make_unique<UpdateAgent>(core.updates, core.client, core.updatesAvailable, frame)),
       m_options(std::make_unique<UpdateOptions>(UpdateOptions::Subjects{core.folder, core.updates, *m_agent, core.link,
                                                                         core.codePage, core.components, core.reporter,
-                                                                        core.keeper, core.preferences}))
+                                                                        core.keeper, core.preferences, core.passwords}))
 {
     core.updates.undoUpdate = [this, quit] {
         if (!startUpdater(m_core.updateTargets, m_restart, {u"--restore"_s}))

@@ -147,7 +147,8 @@ int run(Application& application, const CommandLine& line)
                      .arguments = restartArguments(line, folder),
                      .updateKey = QRVRC_UPDATE_KEY,
                      .isPackaged = QRVRC_PACKAGED != 0,
-                     .licences = installationFolder(executable) / "Licences"});
+                     .licences = installationFolder(executable) / "Licences",
+                     .keyring = systemKeyring()});
     application.reporter = &frame.core().reporter;
     instance.show(frame);
     if (!frame.MDIFormLoad())

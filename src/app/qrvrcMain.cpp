@@ -58,7 +58,7 @@ qrvrcMain::qrvrcMain(const Setup& setup)
 {
     if (setup.probesComponents && !setup.program.empty())
         m_core->components.setProbe(childProcessProbe(textOf(setup.program), setup.folder));
-    m_supportDesk = std::make_unique<SupportDesk>(m_core->client, m_core->wSupport);
+    m_supportDesk = std::make_unique<SupportDesk>(m_core->client, m_core->wSupport, setup.support);
     buildFrame();
     wireLink();
     m_updates = std::make_unique<FrameUpdates>(*m_core, RestartOrder{setup.program, setup.arguments}, this, [this] {
@@ -112,7 +112,7 @@ void qrvrcMain::buildFrame()
 void qrvrcMain::registerWindows()
 {
     WindowRegistry& windows = m_core->windows;
-    windows.add<qrvrcLogin>([this] { return new qrvrcLogin(m_core->client, m_pages); });
+    windows.add<qrvrcLogin>([this] { return new qrvrcLogin(m_core->client, m_core->passwords, m_pages); });
     windows.add<qrvrcProfilesList>([this] {
         const ActionHooks hooks{
             .navigation = m_menu,

@@ -21,7 +21,8 @@ PackedReply splitPackedReply(std::string_view body)
 
 ListText expandList(const PackedReply& packed, std::string_view separator, std::size_t maxBytes)
 {
-    ListText list{clsMFD::DecompressString(packed.data, packed.length)};
+    // A separator that ends at the bound still ends an element there.
+    ListText list{clsMFD::DecompressString(packed.data, packed.length, maxBytes + separator.size())};
     if (list.text.size() <= maxBytes)
         return list;
     const std::size_t end = list.text.rfind(separator, maxBytes);

@@ -11,6 +11,9 @@
 /// The entry for new profiles in the list of profiles; none is stored under it.
 inline constexpr const char* newProfileName = "New Profile";
 
+/// Layout name of the profile store.
+inline constexpr std::string_view connectionFile = "\\profiles.ini";
+
 /// What the login window holds of one connection, as typed, in the code page of the profile store.
 struct ConnectionFields
 {

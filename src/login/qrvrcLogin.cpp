@@ -5,26 +5,18 @@
 #include "client/Client.h"
 #include "diagnostics/report/Reporter.h"
 #include "link/clsWinSock.h"
-#include "login/FieldRows.h"
+#include "login/KeptPasswords.h"
 #include "platform/system/CodePage.h"
 #include "store/AppFolder.h"
 #include "store/clsMFD.h"
-#include "ui/FirstPaint.h"
 #include "ui/ImageButton.h"
-#include "ui/ProgramIcon.h"
-#include "ui/QuietComboBox.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFormLayout>
-#include <QGridLayout>
-#include <QGroupBox>
-#include <QHBoxLayout>
-#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QSignalBlocker>
-#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -32,132 +24,25 @@ using namespace std::chrono_literals;
 namespace {
 
 const QString newProfile = QString::fromLatin1(newProfileName);
-constexpr std::string_view storeFile = "\\profiles.ini";
-
-// Pixels.
-constexpr int pageLeft = 36;
-constexpr int frameWidth = 430;
-constexpr int frameSpacing = 10;
-constexpr QMargins connectMargins(17, 12, 17, 9);
-constexpr QMargins statusMargins(17, 4, 17, 6);
-constexpr int rowSpacing = 7;
-constexpr int buttonWidth = 120;
-constexpr int buttonSpacing = 15;
-constexpr int emblemSide = 128;
 
 } // namespace
 
-qrvrcLogin::qrvrcLogin(Client& client, QWidget* parent)
+qrvrcLogin::qrvrcLogin(Client& client, KeptPasswords& passwords, QWidget* parent)
     : WorkingWindow(parent),
+      LoginControls(*this, client.pictures),
       m_client(client),
-      m_rawRequests(client.link, client.folder, client.store)
+      m_kept(passwords),
+      m_rawRequests(client.link, client.folder, client.store),
+      Timer1(new QTimer(this))
 {
     setObjectName(u"qrvrcLogin"_s);
-    buildControls();
-    layOut();
+    lblStatus->setText(statusText(SocketState::Closed));
+    Timer1->setObjectName(u"Timer1"_s);
+    Timer1->setInterval(100ms);
     wireSignals();
     // Behind the constructor: a store that cannot be read is told in a box, which needs the window to stand.
     QTimer::singleShot(0, this, m_client.reporter.trapped("Login_FormLoad", [this] { listProfiles(); }));
     Timer1->start();
-}
-
-void qrvrcLogin::buildControls()
-{
-    fmeConnect = new QGroupBox(u"Connect to Server Manager"_s, this);
-    fmeConnect->setObjectName(u"fmeConnect"_s);
-
-    cboProfile = new QuietComboBox(fmeConnect);
-    cboProfile->setObjectName(u"cboProfile"_s);
-    cboProfile->setAccessibleName(u"Profiles"_s);
-    cboProfile->addItem(newProfile);
-    txtProfile = newField(u"txtProfile"_s, u"Profile Name"_s);
-    txtHost = newField(u"txtHost"_s, u"Host IP/Name"_s);
-    txtPort = newField(u"txtPort"_s, u"Port"_s);
-    txtUser = newField(u"txtUser"_s, u"Username"_s);
-    txtPass = newField(u"txtPass"_s, u"Password"_s);
-    txtPass->setEchoMode(QLineEdit::Password);
-    chkRemember = new QCheckBox(u"&Remember password"_s, fmeConnect);
-    chkRemember->setObjectName(u"chkRemember"_s);
-    chkRemember->setToolTip(u"Otherwise it is kept until the program ends, and asked for after that"_s);
-    chkRemember->setChecked(true);
-
-    cmdConnect = new ImageButton(u"cmdConnect"_s, u"Connect"_s, m_client.pictures, fmeConnect);
-    cmdDisconnect = new ImageButton(u"cmdDisconnect"_s, u"Disconnect"_s, m_client.pictures, fmeConnect);
-    cmdDelete = new ImageButton(u"cmdDelete"_s, u"Delete"_s, m_client.pictures, fmeConnect);
-
-    fmeStatus = new QGroupBox(u"Connection Status"_s, this);
-    fmeStatus->setObjectName(u"fmeStatus"_s);
-    lblStatus = new QLabel(statusText(SocketState::Closed), fmeStatus);
-    lblStatus->setObjectName(u"lblStatus"_s);
-    lblStatus->setTextFormat(Qt::PlainText);
-
-    lblEmblem = new QLabel(this);
-    afterFirstPaint(*this, [this] {
-        lblEmblem->setPixmap(programIcon().pixmap(QSize(emblemSide, emblemSide), devicePixelRatioF()));
-    });
-    lblEmblem->setAlignment(Qt::AlignCenter);
-
-    Timer1 = new QTimer(this);
-    Timer1->setObjectName(u"Timer1"_s);
-    Timer1->setInterval(100ms);
-}
-
-QLineEdit* qrvrcLogin::newField(const QString& name, const QString& meaning)
-{
-    auto* field = new QLineEdit(fmeConnect);
-    field->setObjectName(name);
-    field->setAccessibleName(meaning);
-    field->setTextMargins(2, 0, 2, 0);
-    connect(field, &QLineEdit::returnPressed, this, &qrvrcLogin::connectToHost);
-    connect(field, &QLineEdit::textEdited, this, &qrvrcLogin::otherConnectionWanted);
-    return field;
-}
-
-void qrvrcLogin::layOut()
-{
-    layOutConnect();
-    QFormLayout* status = fieldsIn(statusMargins, rowSpacing);
-    addFieldRow(status, {}, u"Status:"_s, lblStatus);
-    fmeStatus->setLayout(status);
-
-    auto* page = new QGridLayout(this);
-    page->setContentsMargins(pageLeft, 0, 0, 0);
-    page->setHorizontalSpacing(0);
-    page->setVerticalSpacing(frameSpacing);
-    page->addWidget(fmeConnect, 1, 0);
-    page->addWidget(fmeStatus, 2, 0);
-    page->addWidget(lblEmblem, 1, 1);
-    page->setColumnMinimumWidth(0, frameWidth);
-    page->setColumnStretch(1, 1);
-    for (const int outside : {0, 3})
-        page->setRowStretch(outside, 1);
-}
-
-void qrvrcLogin::layOutConnect()
-{
-    QFormLayout* form = fieldsIn({}, rowSpacing);
-    addFieldRow(form, {}, u"Profiles:"_s, cboProfile);
-    addFieldRow(form, u"lblProfile"_s, u"Profile Name:"_s, txtProfile);
-    addFieldRow(form, u"lblHost"_s, u"Host IP/Name:"_s, txtHost);
-    addFieldRow(form, u"lblPort"_s, u"Port:"_s, txtPort);
-    addFieldRow(form, u"lblUser"_s, u"Username:"_s, txtUser);
-    addFieldRow(form, u"lblPass"_s, u"Password:"_s, txtPass);
-    form->addFieldRow(QString(), chkRemember);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(buttonSpacing);
-    buttons->addStretch();
-    for (const ImageButton* button : {cmdConnect, cmdDisconnect, cmdDelete}) {
-        button->face()->setFixedWidth(buttonWidth);
-        buttons->addWidget(button->face());
-    }
-    buttons->addStretch();
-
-    auto* rows = new QVBoxLayout(fmeConnect);
-    rows->setContentsMargins(connectMargins);
-    rows->setSpacing(2 * rowSpacing);
-    rows->addLayout(form);
-    rows->addLayout(buttons);
 }
 
 void qrvrcLogin::wireSignals()
@@ -169,6 +54,10 @@ void qrvrcLogin::wireSignals()
                     Q_EMIT otherConnectionWanted();
                 profileClicked();
             }));
+    for (const QLineEdit* field : {txtProfile, txtHost, txtPort, txtUser, txtPass}) {
+        connect(field, &QLineEdit::returnPressed, this, &qrvrcLogin::connectToHost);
+        connect(field, &QLineEdit::textEdited, this, &qrvrcLogin::otherConnectionWanted);
+    }
     connect(cmdConnect, &ImageButton::activated, this, &qrvrcLogin::connectToHost);
     connect(cmdDisconnect, &ImageButton::activated, this, &qrvrcLogin::disconnectFromHost);
     connect(cmdDelete, &ImageButton::activated, this,
@@ -186,10 +75,10 @@ void qrvrcLogin::listProfiles()
 {
     using std::filesystem::perms;
     std::error_code ignored; // there may be no such file yet
-    std::filesystem::permissions(m_client.folder.path(storeFile), perms::group_all | perms::others_all,
+    std::filesystem::permissions(m_client.folder.path(connectionFile), perms::group_all | perms::others_all,
                                  std::filesystem::perm_options::remove, ignored);
     QStringList names{newProfile};
-    for (const std::string& name : m_client.store.GetAllIniSections(m_client.folder.path(storeFile))) {
+    for (const std::string& name : m_client.store.GetAllIniSections(m_client.folder.path(connectionFile))) {
         if (!name.empty() && !isSameSection(name, newProfileName))
             names += m_client.codePage.toText(name);
     }
@@ -224,7 +113,7 @@ void qrvrcLogin::profileClicked()
     txtProfile->setText(*chosen);
     const std::string section = m_client.codePage.toBytes(*chosen);
     const ConnectionFields stored =
-        storedConnection(section, m_client.store.GetIniSection(section, m_client.folder.path(storeFile)));
+        storedConnection(section, m_client.store.GetIniSection(section, m_client.folder.path(connectionFile)));
     txtHost->setText(m_client.codePage.toText(stored.host));
     txtPort->setText(m_client.codePage.toText(stored.port));
     txtUser->setText(m_client.codePage.toText(stored.user));
@@ -233,7 +122,7 @@ void qrvrcLogin::profileClicked()
     txtPass->setText(
         m_client.codePage.toText(isForgotten && kept != m_passwords.end() ? kept->second : stored.password));
     txtPass->setEnabled(isForgotten);
-    chkRemember->setChecked(!isForgotten);
+    chkRemember->setChecked(!isForgotten || m_kept.areInKeyring());
 }
 
 void qrvrcLogin::profileTextChanged()
@@ -283,7 +172,11 @@ void qrvrcLogin::connectToHost()
     m_client.reporter.trap("cmdConnect_Click", [this] {
         const ConnectionFields typed = fields();
         const ProfileKind kind = chosenProfile() ? ProfileKind::Stored : ProfileKind::New;
-        if (const auto fault = firstFault(typed, kind)) {
+        const bool isFetched = kind == ProfileKind::Stored && typed.password.empty() && m_kept.areInKeyring();
+        ConnectionFields judged = typed;
+        if (isFetched)
+            judged.password = "to come";
+        if (const auto fault = firstFault(judged, kind)) {
             m_client.reporter.ReportMsg(MessageKind::Failed,
                                         QString::fromLatin1(fault->data(), static_cast<qsizetype>(fault->size())));
             askForPassword();
@@ -295,16 +188,46 @@ void qrvrcLogin::connectToHost()
         }
         // Before fields and Connect are disabled: they would hand the keyboard on to Disconnect, for the next Return.
         cboProfile->setFocus();
-        saveProfile(typed);
         cmdConnect->setEnabled(false);
-        const std::string host = hostToConnect(typed.host);
-        m_client.link.open({.profile = m_client.codePage.toText(typed.profile),
-                            .host = m_client.codePage.toText(host),
-                            .isAddress = isDottedAddress(host),
-                            .port = portNumber(typed.port).value_or(0),
-                            .user = typed.user,
-                            .password = typed.password});
+        if (isFetched) {
+            fetchPassword(typed);
+            return;
+        }
+        saveProfile(typed);
+        openLink(typed);
     });
+}
+
+/// What was meant with the click stands, whatever the window shows when the keyring answers.
+void qrvrcLogin::fetchPassword(const ConnectionFields& typed)
+{
+    m_fetching = ++m_fetches;
+    lblStatus->setText(u"Asking the keyring..."_s);
+    m_kept.fetch(typed.profile,
+                 [window = QPointer(this), turn = m_fetches, typed](const std::optional<std::string>& password) {
+                     if (!window || window->m_fetching != turn)
+                         return; // the user has thought better of it
+                     window->m_fetching = 0;
+                     if (password) {
+                         ConnectionFields whole = typed;
+                         whole.password = *password;
+                         window->openLink(whole);
+                     } else {
+                         window->showNotConnected();
+                         window->txtPass->setFocus();
+                     }
+                 });
+}
+
+void qrvrcLogin::openLink(const ConnectionFields& typed)
+{
+    const std::string host = hostToConnect(typed.host);
+    m_client.link.open({.profile = m_client.codePage.toText(typed.profile),
+                        .host = m_client.codePage.toText(host),
+                        .isAddress = isDottedAddress(host),
+                        .port = portNumber(typed.port).value_or(0),
+                        .user = typed.user,
+                        .password = typed.password});
 }
 
 /// A store that cannot be used is told and keeps nobody from connecting; the profile is not listed then.
@@ -312,15 +235,27 @@ void qrvrcLogin::saveProfile(const ConnectionFields& typed)
 {
     m_client.reporter.trap("cmdConnect_Click", [&] {
         ConnectionFields stored = typed;
-        if (!chkRemember->isChecked())
+        const bool goesToKeyring = m_kept.areInKeyring() && chkRemember->isChecked();
+        if (!chkRemember->isChecked() || (goesToKeyring && !isPasswordStored(typed.profile)))
             stored.password.clear();
-        m_client.store.WriteIniKeys(typed.profile, entriesOf(stored), m_client.folder.path(storeFile));
+        m_client.store.WriteIniKeys(typed.profile, entriesOf(stored), m_client.folder.path(connectionFile));
         if (indexOf(typed.profile) == 0)
             listProfiles();
         cboProfile->setCurrentIndex(indexOf(typed.profile));
         txtProfile->setEnabled(!chosenProfile());
         m_passwords[m_client.codePage.toBytes(cboProfile->currentText())] = typed.password;
+        if (goesToKeyring)
+            m_kept.keep(typed.profile, typed.password);
+        else if (m_kept.areInKeyring())
+            m_kept.forget(typed.profile);
     });
+}
+
+/// One that stands in the store stays there until the keyring has it.
+bool qrvrcLogin::isPasswordStored(const std::string& profile) const
+{
+    const auto lines = m_client.store.GetIniSection(profile, m_client.folder.path(connectionFile));
+    return !storedConnection(profile, lines).password.empty();
 }
 
 void qrvrcLogin::askForPassword()
@@ -340,6 +275,7 @@ void qrvrcLogin::tellFault(ConnectFault fault)
 
 void qrvrcLogin::disconnectFromHost()
 {
+    m_fetching = 0;
     Q_EMIT disconnecting();
     m_client.link.closeSupportLink();
     m_client.link.close();
@@ -355,8 +291,10 @@ void qrvrcLogin::deleteProfile()
         m_client.reporter.ReportMsg(MessageKind::Failed, u"No Profiles Selected!"_s);
         return;
     }
-    m_client.store.ClearIniSection(m_client.codePage.toBytes(*chosen), m_client.folder.path(storeFile));
+    m_client.store.ClearIniSection(m_client.codePage.toBytes(*chosen), m_client.folder.path(connectionFile));
     m_passwords.erase(m_client.codePage.toBytes(*chosen));
+    if (m_kept.areInKeyring())
+        m_kept.forget(m_client.codePage.toBytes(*chosen));
     const int index = cboProfile->currentIndex();
     cboProfile->setCurrentIndex(0);
     cboProfile->removeItem(index);
@@ -365,6 +303,8 @@ void qrvrcLogin::deleteProfile()
 
 void qrvrcLogin::poll()
 {
+    if (m_fetching != 0)
+        return;
     if (m_client.link.state() == SocketState::PeerClosing) {
         m_client.link.close();
         return; // the loss of the link has been shown

@@ -2,6 +2,7 @@
 
 #include "link/RawRequestQueue.h"
 #include "login/ConnectionFields.h"
+#include "login/LoginControls.h"
 #include "ui/WorkingWindow.h"
 
 #include <QTimer>
@@ -9,24 +10,19 @@
 #include <map>
 #include <string>
 
-class ImageButton;
-class QCheckBox;
-class QComboBox;
-class QGroupBox;
-class QLabel;
-class QLineEdit;
+class KeptPasswords;
 enum class ConnectFault;
 struct Client;
 
 /// Where the administrator chooses or creates a connection profile, connects and disconnects. Also polls the link's
 /// state for the status label and the raw request queue.
-class qrvrcLogin : public WorkingWindow
+class qrvrcLogin : public WorkingWindow, private LoginControls
 {
     Q_OBJECT
 
 public:
-    /// @param client  outlives the window
-    qrvrcLogin(Client& client, QWidget* parent);
+    /// Both outlive the window.
+    qrvrcLogin(Client& client, KeptPasswords& passwords, QWidget* parent);
 
     /// Chooses a stored profile as the user would; false when there is none of that name.
     bool chooseProfile(const QString& name);
@@ -46,10 +42,6 @@ Q_SIGNALS:
     void otherConnectionWanted();
 
 private:
-    void buildControls();
-    QLineEdit* newField(const QString& name, const QString& meaning);
-    void layOut();
-    void layOutConnect();
     void wireSignals();
     /// Fills the list from the store. The entry for new profiles is chosen then.
     void listProfiles();
@@ -67,28 +59,20 @@ private:
     std::string bytesOf(const QLineEdit* field) const;
     QString sendFault() const;
     void saveProfile(const ConnectionFields& fields);
+    bool isPasswordStored(const std::string& profile) const;
+    void fetchPassword(const ConnectionFields& fields);
+    void openLink(const ConnectionFields& fields);
     void tellFault(ConnectFault fault);
     void setFieldsEnabled(bool enabled);
     /// Leads the user to the password when nothing else is missing.
     void askForPassword();
 
     Client& m_client;
+    KeptPasswords& m_kept;
     RawRequestQueue m_rawRequests;
+    int m_fetches = 0;                              ///< of passwords from the keyring, so far
+    int m_fetching = 0;                             ///< the one under way, 0 for none
     std::map<std::string, std::string> m_passwords; ///< by profile; those that are not remembered, for this run
 
-    QGroupBox* fmeConnect = nullptr;
-    QGroupBox* fmeStatus = nullptr;
-    QComboBox* cboProfile = nullptr;
-    QLineEdit* txtProfile = nullptr;
-    QLineEdit* txtHost = nullptr;
-    QLineEdit* txtPort = nullptr;
-    QLineEdit* txtUser = nullptr;
-    QLineEdit* txtPass = nullptr;
-    QCheckBox* chkRemember = nullptr;
-    QLabel* lblStatus = nullptr;
-    QLabel* lblEmblem = nullptr;
-    ImageButton* cmdConnect = nullptr;
-    ImageButton* cmdDisconnect = nullptr;
-    ImageButton* cmdDelete = nullptr;
-    QTimer* Timer1 = nullptr;
+    QTimer* Timer1;
 };

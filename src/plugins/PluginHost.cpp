@@ -102,7 +102,7 @@ void PluginHost::tell(const std::vector<RuntimeError>& faults)
     for (const RuntimeError& fault : faults) {
         told.insert(fault.description());
         if (!m_told.contains(fault.description()))
-            news = news ? news->followedBy("\r\n" + fault.description()) : fault;
+            news = news ? news->followedBy("\r\n" + m_client.store.reportable(fault)) : fault;
     }
     m_told = std::move(told);
     if (news)

@@ -149,30 +149,3 @@ std::vector<std::string> AppFolder::fileNames(std::string_view layoutName) const
     std::sort(names.begin(), names.end());
     return names;
 }
-
-std::string AppFolder::withLayoutNames(std::string_view text) const
-{
-    const std::string root = bytesOf(m_root);
-    constexpr std::string_view separators = "/\\";
-    constexpr std::string_view ends = " \t\r\n'\":;";
-    const auto isOneOf = [](std::string_view characters, char c) {
-        return characters.find(c) != std::string_view::npos;
-    };
-    std::string result;
-    std::size_t start = 0;
-    for (std::size_t at = text.find(root); at != std::string_view::npos; at = text.find(root, start)) {
-        std::size_t next = at + root.size();
-        result.append(text, start, at - start);
-        if (next < text.size() && !isOneOf(separators, text[next]) && !isOneOf(ends, text[next])) {
-            result += root; // the name of another folder begins like this one's
-        } else {
-            result += '\\';
-            if (next < text.size() && isOneOf(separators, text[next]))
-                ++next;
-            for (; next < text.size() && !isOneOf(ends, text[next]); ++next)
-                result += isOneOf(separators, text[next]) ? '\\' : text[next];
-        }
-        start = next;
-    }
-    return result.append(text, start);
-}

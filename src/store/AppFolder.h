@@ -32,8 +32,6 @@ public:
     void makeFolder(std::string_view layoutName) const;
     /// Names of the plain files in a folder, sorted byte by byte; empty when there is no such folder.
     std::vector<std::string> fileNames(std::string_view layoutName) const;
-    /// `text` with layout names in the place of the paths in it that lead into this folder.
-    std::string withLayoutNames(std::string_view text) const;
 
 private:
     std::filesystem::path m_root;

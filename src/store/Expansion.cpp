@@ -31,26 +31,48 @@ DecompressFunction functionFor(std::string_view data)
     return libdeflate_deflate_decompress;
 }
 
-} // namespace
+/// Far more than the library leaves unfilled at the end of a place that is too small.
+constexpr std::size_t slack = 64 * Bounds::kibibyte;
 
-std::string expand(std::string_view data, std::uint32_t length, const Bounds& bounds)
+void checkLength(std::string_view data, std::uint32_t length, const Bounds& bounds)
 {
     if (length > bounds.logTextBytes)
         throw RuntimeError(ErrorNumber::OutOfMemory, "compressed text");
     // A byte of deflate holds at most four repetitions, each of at most 258 bytes.
     if (length > std::uint64_t{bounds.expansionFactor} * data.size())
         throw RuntimeError(ErrorNumber::InvalidFileFormat, "compressed text");
-    if (data.empty())
-        return {}; // nothing declared, nothing sent
+}
 
+std::string expandTo(std::size_t size, std::string_view data, libdeflate_result wanted)
+{
+    std::string text(size, '\0');
     const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> decompressor(libdeflate_alloc_decompressor());
     if (!decompressor)
         throw RuntimeError(ErrorNumber::OutOfMemory, "compressed text");
-    std::string text(length, '\0');
-    // Without a place for the actual length, less than `length` bytes are a fault like more.
-    const libdeflate_result result =
-        functionFor(data)(decompressor.get(), data.data(), data.size(), text.data(), text.size(), nullptr);
-    if (result != LIBDEFLATE_SUCCESS)
+    // Without a place for the actual length, less than `size` bytes are a fault like more.
+    if (functionFor(data)(decompressor.get(), data.data(), data.size(), text.data(), text.size(), nullptr) != wanted)
         throw RuntimeError(ErrorNumber::InvalidFileFormat, "compressed text");
+    return text;
+}
+
+} // namespace
+
+std::string expand(std::string_view data, std::uint32_t length, const Bounds& bounds)
+{
+    checkLength(data, length, bounds);
+    if (data.empty())
+        return {}; // nothing declared, nothing sent
+    return expandTo(length, data, LIBDEFLATE_SUCCESS);
+}
+
+std::string expandBeginning(std::string_view data, std::uint32_t length, std::size_t most, const Bounds& bounds)
+{
+    if (length <= most + slack)
+        return expand(data, length, bounds);
+    checkLength(data, length, bounds);
+    // The library fills its place from the beginning on and gives up when the next bytes do not fit. Had it left
+    // anything else there, that would be a damaged list like any other.
+    std::string text = expandTo(most + slack, data, LIBDEFLATE_INSUFFICIENT_SPACE);
+    text.resize(most);
     return text;
 }

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <ctime>
 #include <random>
+#include <utility>
 
 namespace {
 
@@ -80,7 +81,8 @@ std::optional<std::string> identityIfAny(const clsMFD& store)
 clsMFD::clsMFD(const AppFolder& folder, HelperServices services, const Bounds& bounds)
     : m_folder(folder),
       m_services(std::move(services)),
-      m_bounds(bounds)
+      m_bounds(bounds),
+      m_places(localPlaces(folder.root()))
 {}
 
 struct clsMFD::IniFile
@@ -177,11 +179,11 @@ void clsMFD::WriteFile(const Path& file, std::string_view text) const
     writeBytes(file, text);
 }
 
-std::string clsMFD::DecompressString(std::string_view data, std::int32_t length)
+std::string clsMFD::DecompressString(std::string_view data, std::int32_t length, std::size_t most)
 {
     if (length < 0)
         throw RuntimeError(ErrorNumber::InvalidFileFormat, "compressed text");
-    return expand(data, static_cast<std::uint32_t>(length));
+    return expandBeginning(data, static_cast<std::uint32_t>(length), most);
 }
 
 std::string clsMFD::GetUIDStr() const
@@ -215,8 +217,13 @@ ErrorLogBlock clsMFD::blockOf(const ErrorReportRecord& record) const
 std::string clsMFD::reportable(const RuntimeError& error) const
 {
     const std::string name(error.privateName());
-    const std::string layoutName = m_folder.withLayoutNames(name);
-    return m_folder.withLayoutNames(error.descriptionWith(layoutName == name ? "(a name)" : layoutName));
+    const std::string standIn = reportable(name);
+    return reportable(error.descriptionWith(standIn == name ? "(a name)" : standIn));
+}
+
+std::string clsMFD::reportable(std::string text) const
+{
+    return withoutLocalPaths(std::move(text), m_places);
 }
 
 /// A log that cannot be moved away goes on growing: what it holds next is worth more.

@@ -2,6 +2,7 @@
 
 #include "base/Bounds.h"
 #include "store/IniText.h"
+#include "store/LocalPaths.h"
 
 #include <array>
 #include <cstdint>
@@ -85,15 +86,19 @@ public:
     /// Makes the file hold exactly `text`.
     void WriteFile(const Path& file, std::string_view text) const;
     /// @param length  bytes of the expanded text, as declared by the tracker
+    /// @param most    of a text that is longer than these bytes and a little no more than these are expanded
     /// @throws RuntimeError InvalidFileFormat for damaged data or a length that does not match, OutOfMemory above 256
     /// MiB
-    static std::string DecompressString(std::string_view data, std::int32_t length);
+    static std::string DecompressString(std::string_view data, std::int32_t length,
+                                        std::size_t most = Bounds{}.logTextBytes);
 
     /// 32 hexadecimal digits that name this installation; made at random on first use and kept in the settings folder.
     std::string GetUIDStr() const;
-    /// What a log or a report may tell of an error: its description with layout names in the place of paths, and
-    /// without its private name.
+    /// What a log or a report may tell of an error: its description without paths of this machine and without its
+    /// private name.
     std::string reportable(const RuntimeError& error) const;
+    /// The same of a text that was written before, as a block of an older log.
+    std::string reportable(std::string text) const;
     /// Appends one block to "\ErrorLog.txt". A log that would grow beyond its bound takes the place of
     /// "\ErrorLog.old.txt" first.
     void LogError(std::string_view program, std::string_view procedure, const RuntimeError& error,
@@ -116,4 +121,5 @@ private:
     const AppFolder& m_folder;
     HelperServices m_services;
     Bounds m_bounds;
+    std::vector<LocalPlace> m_places;
 };

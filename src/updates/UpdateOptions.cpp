@@ -3,6 +3,8 @@
 #include "base/RuntimeError.h"
 #include "base/Text.h"
 #include "link/LinkKeeper.h"
+#include "link/clsWinSock.h"
+#include "login/KeptPasswords.h"
 #include "platform/components/Component.h"
 #include "platform/system/CodePage.h"
 #include "platform/system/FileBytes.h"
@@ -151,6 +153,7 @@ void UpdateOptions::load()
         m_values.updateKey = fromFile(own("UpdateKey"));
         m_values.reports = reportModeOf(own("ErrorReports"));
         m_values.preferences = readPreferences(text);
+        m_values.usesKeyring = own("Keyring") == "1";
     }
     putInForce();
     if (!keyInForce().empty() && !m_subjects.services.key) {
@@ -172,6 +175,7 @@ void UpdateOptions::save(const OptionValues& values)
     text.setValue(ownSection, "UpdateKey", forFile(values.updateKey));
     text.setValue(ownSection, "ErrorReports", wordOf(values.reports));
     writePreferences(text, values.preferences);
+    text.setValue(ownSection, "Keyring", values.usesKeyring ? "1" : "0");
     writeBytes(m_subjects.folder.path(settingsFile), text.bytes(), Access::OwnerOnly);
     m_values = values;
     putInForce();
@@ -211,6 +215,7 @@ void UpdateOptions::putInForce()
     m_subjects.reporter.reports = m_values.reports;
     m_subjects.preferences = m_values.preferences;
     m_subjects.keeper.setOn(m_values.preferences.reconnects);
+    m_subjects.passwords.use(m_values.usesKeyring);
     if (!m_subjects.codePage.use(m_values.codePage)) { // nobody has chosen one
         m_subjects.codePage = CodePage();
         m_values.codePage = m_subjects.codePage.name();

@@ -12,6 +12,7 @@ class AppFolder;
 class clsWinSock;
 class CodePage;
 class Components;
+class KeptPasswords;
 class LinkKeeper;
 class QUrl;
 class UpdateAgent;
@@ -28,6 +29,7 @@ struct OptionValues
     QString updateKey; ///< public key of the update location; empty for the one that is built in, if any
     ReportMode reports = ReportMode::ByThemselves;
     Preferences preferences = {};
+    bool usesKeyring = false; ///< for the passwords of connection profiles
 
     bool operator==(const OptionValues&) const = default;
 };
@@ -51,6 +53,7 @@ public:
         Reporter& reporter;
         LinkKeeper& keeper;
         Preferences& preferences;
+        KeptPasswords& passwords;
     };
 
     explicit UpdateOptions(Subjects subjects) : m_subjects(subjects) {}
@@ -70,6 +73,8 @@ public:
     const OptionValues& values() const { return m_values; }
     /// Whether the system's package manager keeps the program current.
     bool isPackaged() const;
+    /// Where passwords are kept; there may be a keyring or not.
+    KeptPasswords& passwords() { return m_subjects.passwords; }
     /// One of the two built-in update locations.
     QString builtIn(int number) const;
 

@@ -3,6 +3,7 @@
 #include "client/Client.h"
 #include "diagnostics/report/MessageBoxes.h"
 #include "diagnostics/report/Reporter.h"
+#include "login/KeptPasswords.h"
 #include "platform/net/Inet.h"
 #include "platform/system/CodePageTables.h"
 #include "ui/ImageButton.h"
@@ -133,6 +134,12 @@ QGroupBox* qrvrcOptions::buildProgram()
         cboErrorReports->addItem(text, static_cast<int>(mode));
     cboErrorReports->setToolTip(u"Whether reports of errors go to the maker; neither paths nor names are in them"_s);
     addOptionRow(form, u"&Error Reports:"_s, cboErrorReports, u"cboErrorReports"_s);
+    chkKeyring = new QCheckBox(u"Keep &passwords in the system's keyring"_s);
+    chkKeyring->setObjectName(u"chkKeyring"_s);
+    chkKeyring->setEnabled(m_options.passwords().isThereAKeyring());
+    chkKeyring->setToolTip(chkKeyring->isEnabled() ? u"Otherwise those that are remembered stand in profiles.ini"_s
+                                                   : u"This program was built without a keyring"_s);
+    form->addRow(new QLabel, chkKeyring);
     txtMakerHost = new QLineEdit;
     txtMakerHost->setPlaceholderText(u"The one that is built in"_s);
     txtMakerHost->setToolTip(u"Web host for the built-in update locations, the news and error reports"_s);
@@ -167,6 +174,7 @@ void qrvrcOptions::show(const OptionValues& values)
     txtReplyTimeout->setValue(static_cast<int>(values.replyLimit.count()));
     cboCodePage->setCurrentIndex(cboCodePage->findData(QByteArray::fromStdString(values.codePage)));
     cboErrorReports->setCurrentIndex(cboErrorReports->findData(static_cast<int>(values.reports)));
+    chkKeyring->setChecked(values.usesKeyring);
     txtMakerHost->setText(values.makerHost);
     txtUpdateKey->setText(values.updateKey);
     m_use->show(values.preferences);
@@ -189,7 +197,8 @@ OptionValues qrvrcOptions::typed() const
             .makerHost = txtMakerHost->text().trimmed(),
             .updateKey = txtUpdateKey->text().trimmed(),
             .reports = static_cast<ReportMode>(cboErrorReports->currentData().toInt()),
-            .preferences = m_use->chosen()};
+            .preferences = m_use->chosen(),
+            .usesKeyring = chkKeyring->isChecked()};
 }
 
 void qrvrcOptions::complainOf(QLineEdit* field, const QString& fault)
@@ -218,6 +227,13 @@ void qrvrcOptions::save()
             !m_client.reporter.trap("cmdSave_Click", [&] { m_options.setDamagedAside(); }))
             return;
     }
-    if (m_client.reporter.trap("cmdSave_Click", [&] { m_options.save(values); }))
-        m_client.reporter.ReportMsg(MessageKind::Success, u"Settings Saved Successfully."_s);
+    KeptPasswords& passwords = m_options.passwords();
+    const bool wasInKeyring = passwords.areInKeyring();
+    if (!m_client.reporter.trap("cmdSave_Click", [&] { m_options.save(values); }))
+        return;
+    m_client.reporter.ReportMsg(MessageKind::Success, u"Settings Saved Successfully."_s);
+    if (wasInKeyring && !passwords.areInKeyring() &&
+        m_client.boxes.confirm(u"Confirmation Required!"_s,
+                               u"Do you want to take the passwords in the keyring back into profiles.ini?"_s))
+        m_client.reporter.trap("cmdSave_Click", [&] { passwords.takeBack(); });
 }

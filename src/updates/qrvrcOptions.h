@@ -46,6 +46,7 @@ private:
     QSpinBox* txtReplyTimeout = nullptr;
     QComboBox* cboCodePage = nullptr;
     QComboBox* cboErrorReports = nullptr;
+    QCheckBox* chkKeyring = nullptr;
     QLineEdit* txtMakerHost = nullptr;
     QLineEdit* txtUpdateKey = nullptr;
     PreferencesPage* m_use = nullptr;

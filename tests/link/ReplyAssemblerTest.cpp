@@ -125,17 +125,6 @@ private Q_SLOTS:
         QCOMPARE(textOf(assembler.take()), "[ST]A[ND]"s);
     }
 
-    void aReplyThatNeverEndsIsGivenUp()
-    {
-        ReplyAssembler assembler;
-        const std::string chunk(ReplyAssembler::maxReplyBytes / 4, 'x');
-        for (int i = 0; i < 4; ++i)
-            assembler.add(chunk);
-        QCOMPARE(raisedBy([&] { assembler.add("x"); }), numberOf(ErrorNumber::OutOfMemory));
-        assembler.add("0000009[ST]A[ND]");
-        QCOMPARE(textOf(assembler.take()), "[ST]A[ND]"s);
-    }
-
     void loginRepliesAreRecognisedAnywhere_data()
     {
         addColumns<std::string, int>("reply", "kind");

@@ -207,7 +207,9 @@ private Q_SLOTS:
         row("a file elsewhere", PrivateName("/home/joe/notes.txt", " is gone"), QStringLiteral("(a name) is gone"));
         row("a player", PrivateName("Joe", {}, "nothing about "), QStringLiteral("nothing about (a name)"));
         row("a path in a text", root + "/Plugins/a.dll: bad; " + root + "x/b", //
-            QStringLiteral("\\Plugins\\a.dll: bad; ") + QString::fromStdString(root) + QStringLiteral("x/b"));
+            QStringLiteral("\\Plugins\\a.dll: bad; (the folder for temporary files)"));
+        row("a file of the user's", "'/Users\\JOE/a b' /users/joey",
+            QStringLiteral("'(the home folder) b' /users/joey"));
         row("a private name behind the cut", PrivateName("Joe", {}, std::string(5000, 'x')),
             QString(4096 - 16, QLatin1Char('x')));
     }
@@ -216,7 +218,11 @@ private Q_SLOTS:
         QFETCH(const RuntimeError, error);
         QFETCH(const QString, told);
         const AppFolder folder(m_shared.path().toStdString());
-        QCOMPARE(QString::fromStdString(clsMFD(folder, {}).reportable(error)), told);
+        const QByteArray home = qgetenv("HOME");
+        qputenv("HOME", "/users/joe");
+        const clsMFD store(folder, {});
+        qputenv("HOME", home);
+        QCOMPARE(QString::fromStdString(store.reportable(error)), told);
         QVERIFY(error.description().size() <= Bounds{}.descriptionBytes);
     }
 

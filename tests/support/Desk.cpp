@@ -43,7 +43,10 @@ bool Desk::open()
                                                 .makerHost = makerHost,
                                                 .version = "3.0.1.0",
                                                 .boxes = hasRealBoxes ? nullptr : &boxes,
-                                                .bounds = bounds});
+                                                .bounds = bounds,
+                                                .support = limits,
+                                                .keyring = keyring,
+                                                .keyringLimit = keyringLimit});
     if (!m_frame->MDIFormLoad())
         return false;
     m_frame->show();

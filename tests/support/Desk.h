@@ -27,8 +27,11 @@ public:
     practice::Tracker tracker;
     practice::SupportSide operatorSide;                   ///< at the port that the tracker announces
     QUrl makerHost{QStringLiteral("http://127.0.0.1:1")}; ///< of the next open(); nobody is there
-    bool hasRealBoxes = false; ///< instead of those that are written down; of the next open()
-    Bounds bounds;             ///< of the next open()
+    bool hasRealBoxes = false;        ///< instead of those that are written down; of the next open()
+    Bounds bounds;                    ///< of the next open()
+    std::shared_ptr<Keyring> keyring; ///< of the next open()
+    std::chrono::milliseconds keyringLimit = std::chrono::seconds(10);
+    SupportDesk::Limits limits; ///< of the next open()
 
     /// Makes the frame as a start of the program does, and shows it.
     /// @return what the start says about going on

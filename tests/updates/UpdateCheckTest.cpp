@@ -192,6 +192,17 @@ private Q_SLOTS:
                  numberOf(ErrorNumber::PermissionDenied));
     }
 
+    void aFileIsReadOnceHoweverOftenItIsNamed()
+    {
+        const Disk disk;
+        const fs::path file = disk.folder.root() / "big.bin";
+        writeBytes(file, "as long as it was");
+        const LocalFacts facts = diskFacts(disk.targets, ListKind::Client, "", helpVersionFile);
+        QCOMPARE(facts.file(record("big.bin", "\\", 1, "9"))->size, std::uint64_t{17});
+        writeBytes(file, "");
+        QCOMPARE(facts.file(record("BIG.BIN", "\\", 1, "9"))->size, std::uint64_t{17});
+    }
+
     void manifestsAreWholeOrNone_data()
     {
         QTest::addColumn<std::string>("text");

@@ -230,7 +230,7 @@ void ErrorLogPanel::previewReports()
     std::size_t silent = 0;
     for (const std::string_view piece : m_log.pieces()) {
         if (isReportable(piece))
-            reports.emplace_back(piece);
+            reports.push_back(m_client.store.reportable(std::string(piece)));
         else if (!isBlank(piece))
             ++silent;
     }

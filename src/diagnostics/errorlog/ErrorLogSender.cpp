@@ -70,8 +70,9 @@ void ErrorLogSender::sendNext()
         return;
     }
     Q_EMIT sending(++m_number, m_count);
-    m_transfer = m_inet.post(
-        m_page.url, QByteArray::fromStdString(reportBody(m_log.pieces()[m_at], m_identity, m_sentAt)), m_page.limit);
+    const std::string piece = m_store.reportable(std::string(m_log.pieces()[m_at]));
+    m_transfer =
+        m_inet.post(m_page.url, QByteArray::fromStdString(reportBody(piece, m_identity, m_sentAt)), m_page.limit);
     connect(m_transfer.get(), &PageFetch::finished, this, [this] {
         if (!m_reporter.trap("cmdSendErrors", [this] { handleAnswer(); }))
             finish(End::Stopped);

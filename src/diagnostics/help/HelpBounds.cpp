@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
+#include <map>
 
 namespace {
 
@@ -43,16 +45,12 @@ std::size_t behindMarkup(std::string_view page, std::size_t start)
     return behindTag(page, start);
 }
 
-/// Cells of the tables of a page, whether anything stands in them or not: the layout makes every row as wide as the
-/// widest one.
-constexpr std::size_t maxCells = 10'000;
-
-/// The number behind an attribute's name, 0 when there is none.
-std::size_t spanAt(std::string_view text)
+/// The number behind an attribute's name, 0 when there is none; all beyond `most` are alike.
+std::size_t spanAt(std::string_view text, std::size_t most)
 {
     const std::size_t digits = text.find_first_not_of(" \t\r\n=\"'");
     std::size_t number = 0;
-    for (std::size_t at = digits; at < text.size() && text[at] >= '0' && text[at] <= '9' && number < maxCells; ++at)
+    for (std::size_t at = digits; at < text.size() && text[at] >= '0' && text[at] <= '9' && number < most; ++at)
         number = number * 10 + static_cast<std::size_t>(text[at] - '0');
     return number;
 }
@@ -65,11 +63,11 @@ std::size_t countOf(std::string_view text, std::string_view what)
     return count;
 }
 
-std::size_t spansOf(std::string_view text, std::string_view attribute)
+std::size_t spansOf(std::string_view text, std::string_view attribute, std::size_t most)
 {
     std::size_t sum = 0;
     for (std::size_t at = text.find(attribute); at != std::string_view::npos; at = text.find(attribute, at + 1))
-        sum = std::min(sum + spanAt(text.substr(at + attribute.size())), maxCells);
+        sum = std::min(sum + spanAt(text.substr(at + attribute.size()), most), most);
     return sum;
 }
 
@@ -89,14 +87,15 @@ std::size_t widestRow(std::string_view page, bool isNested)
     return widest;
 }
 
-/// No fewer than the cells of any table of the page.
+/// Whether any table of the page may have more cells than `most`, filled or not: the layout makes every row as wide as
+/// the widest one.
 /// @param page  in lower case
-std::size_t mostCells(std::string_view page, bool isNested)
+bool hasMoreCells(std::string_view page, bool isNested, std::size_t most)
 {
-    const std::size_t rowSpans = spansOf(page, "rowspan");
+    const std::size_t rowSpans = spansOf(page, "rowspan", most);
     const std::size_t rows = 1 + countOf(page, "<tr") + rowSpans;
     // A cell of several rows pushes those of the rows below it to the right.
-    return rows * (widestRow(page, isNested) + spansOf(page, "colspan") + rowSpans);
+    return rows * (widestRow(page, isNested) + spansOf(page, "colspan", most) + rowSpans) > most;
 }
 
 constexpr std::array<std::pair<std::string_view, char>, 6> entities{{
@@ -108,7 +107,84 @@ constexpr std::array<std::pair<std::string_view, char>, 6> entities{{
     {"&amp;", '&'},
 }};
 
+/// The name of the element whose tag begins at the beginning of `tag`, with the "/" of one that closes.
+std::string_view nameOf(std::string_view tag)
+{
+    const std::size_t end =
+        tag.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789", tag.starts_with("</") ? 2 : 1);
+    return tag.substr(1, end == std::string_view::npos ? end : end - 1);
+}
+
+bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names)
+{
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+/// How deep the elements of a page stand in each other, in those that nothing but their own end closes. One that is
+/// closed by another's end still counts, so no page looks flatter than it is.
+class Nesting
+{
+public:
+    void open(std::string_view name)
+    {
+        if (name.empty() || isOneOf(name, {"br", "dd", "dt", "hr", "img", "li", "link", "meta", "p", "td", "th", "tr"}))
+            return;
+        ++m_open[name];
+        m_deepest = std::max(m_deepest, ++m_depth);
+    }
+    void close(std::string_view name)
+    {
+        if (const auto found = m_open.find(name); found != m_open.end() && found->second > 0) {
+            --found->second;
+            --m_depth;
+        }
+    }
+    std::size_t deepest() const { return m_deepest; }
+
+private:
+    std::map<std::string_view, std::size_t> m_open;
+    std::size_t m_depth = 0;
+    std::size_t m_deepest = 0;
+};
+
+/// Whether the text of a page has a word that takes long to be wrapped; tags within a line do not end one.
+/// @param page  in lower case
+bool hasLongWord(std::string_view page)
+{
+    std::size_t word = 0;
+    for (std::size_t at = 0; at < page.size() && word <= longWords::longest;) {
+        if (page[at] == '<') {
+            if (isOneOf(nameOf(page.substr(at)),
+                        {"br", "dd", "div", "dt", "h1", "h2", "h3", "hr", "li", "p", "td", "tr"}))
+                word = 0;
+            at = behindMarkup(page, at);
+            continue;
+        }
+        word = page[at] == ' ' || page[at] == '\n' || page[at] == '\r' || page[at] == '\t' ? 0 : word + 1;
+        at = page[at] == '&' ? std::min(page.find_first_of("; <\n", at), page.size() - 1) + 1 : at + 1;
+    }
+    return word > longWords::longest;
+}
+
+/// Whether a page has more of anything than the layout can take in a moment, but for nesting and tables.
+/// @param page  in lower case
+bool isTooMuch(std::string_view page, const Bounds& bounds)
+{
+    // Without wrapping the whole page may be one word.
+    const bool isUnwrapped = page.find("nobr") != page.npos || page.find("nowrap") != page.npos;
+    const bool hasLines = page.find("<pre") != page.npos || page.find("white-space") != page.npos;
+    return countOf(page, "<") + (hasLines ? countOf(page, "\n") : 0) > bounds.helpTags ||
+           countOf(page, "<img") > bounds.helpPictures ||
+           (page.find("<style") != page.npos && styleRules(page) > bounds.helpStyleRules) ||
+           (isUnwrapped && page.size() > bounds.helpPageBytes / 32) || hasLongWord(page);
+}
+
 } // namespace
+
+std::size_t styleRules(std::string_view styles)
+{
+    return countOf(styles, "{");
+}
 
 bool canBeLaidOut(std::string_view page, const Bounds& bounds)
 {
@@ -116,6 +192,9 @@ bool canBeLaidOut(std::string_view page, const Bounds& bounds)
         return false;
     const std::string lower = lowerAscii(page);
     const std::string_view text = lower;
+    if (isTooMuch(text, bounds))
+        return false;
+    Nesting nesting;
     int depth = 0;
     int deepest = 0;
     std::size_t quietUntil = 0; // before that nothing closes
@@ -124,13 +203,18 @@ bool canBeLaidOut(std::string_view page, const Bounds& bounds)
         if (rest.starts_with("<table") && ++depth > bounds.helpTableNesting)
             return false;
         deepest = std::max(deepest, depth);
+        const std::string_view name = nameOf(rest);
+        if (!name.starts_with('/'))
+            nesting.open(name);
         if (at < quietUntil)
             continue;
+        if (name.starts_with('/'))
+            nesting.close(name.substr(1));
         if (rest.starts_with("</table>"))
             depth = std::max(0, depth - 1);
         quietUntil = behindMarkup(text, at);
     }
-    return mostCells(text, deepest > 1) <= maxCells;
+    return nesting.deepest() <= bounds.helpNesting && !hasMoreCells(text, deepest > 1, bounds.helpTableCells);
 }
 
 std::string pageAsText(std::string_view page, std::size_t maxBytes)

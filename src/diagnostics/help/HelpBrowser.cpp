@@ -71,7 +71,8 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name)
             const QByteArray bytes(found->data(), qsizetype(found->size()));
             if (type == QTextDocument::ImageResource)
                 return picture(bytes);
-            return bytes;
+            m_styleRules += styleRules(*found);
+            return m_styleRules <= m_bounds.helpStyleRules ? bytes : QByteArray();
         }
         if (isPage)
             return messagePage(tr("This page is missing"),
@@ -87,12 +88,16 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name)
 QString HelpBrowser::laidOut(const QUrl& name, const std::string& page)
 {
     m_points = 0;
+    m_styleRules = 0;
     m_page = name;
     if (name != std::exchange(m_asText, {}) && canBeLaidOut(page, m_bounds))
         return fromBook(page);
-    const QString text = fromBook(pageAsText(page, m_bounds.helpPageBytes));
+    const QString text = fromBook(pageAsText(page, m_bounds.helpTextBytes));
+    const QString note = page.size() > m_bounds.helpTextBytes
+                             ? tr("This page is too large to be laid out. This is the beginning of its text.")
+                             : tr("This page is too large to be laid out. This is its text.");
     return u"<html><body><p><i>%1</i></p><pre style=\"white-space: pre-wrap\">%2</pre></body></html>"_s.arg(
-        tr("This page is too large to be laid out. This is its text."), text.toHtmlEscaped());
+        note, text.toHtmlEscaped());
 }
 
 /// What the head of a picture says of its size is judged before anything is decoded.
@@ -122,8 +127,10 @@ QImage HelpBrowser::picture(const QByteArray& bytes)
 void HelpBrowser::mark(const QStringList& words)
 {
     QList<ExtraSelection> marks;
+    const auto limit = static_cast<qsizetype>(m_bounds.helpMarks);
     for (const QString& word : words) {
-        for (QTextCursor at = document()->find(word, 0); !at.isNull(); at = document()->find(word, at)) {
+        for (QTextCursor at = document()->find(word, 0); !at.isNull() && marks.size() < limit;
+             at = document()->find(word, at)) {
             ExtraSelection marked;
             marked.cursor = at;
             marked.format.setBackground(QColor(0xFF, 0xE9, 0x8A));

@@ -35,7 +35,7 @@ public:
     explicit HelpBrowser(Source source, const Bounds& bounds = {});
 
     QVariant loadResource(int type, const QUrl& name) override;
-    /// Marks every place of the page in which one of `words` stands, until the page changes.
+    /// Marks the places of the page in which one of `words` stands, the first of very many, until the page changes.
     void mark(const QStringList& words);
 
 private:
@@ -44,7 +44,8 @@ private:
 
     Source m_source;
     const Bounds m_bounds;
-    QUrl m_page;               ///< the one that was asked for last
-    QUrl m_asText;             ///< the page whose pictures are too large
-    std::int64_t m_points = 0; ///< of the pictures of the page so far
+    QUrl m_page;                  ///< the one that was asked for last
+    QUrl m_asText;                ///< the page whose pictures are too large
+    std::int64_t m_points = 0;    ///< of the pictures of the page so far
+    std::size_t m_styleRules = 0; ///< of the style sheets that the page has taken in so far
 };

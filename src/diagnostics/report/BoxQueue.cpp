@@ -4,13 +4,16 @@
 
 #include <QPointer>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 void BoxQueue::show(const QString& title, const QString& text)
 {
-    add([this, title, text] { m_boxes.show(title, text); });
+    add({.title = title, .text = text.isNull() ? u""_s : text, .open = [this, title, text](int times) {
+             m_boxes.show(title, times == 1 ? text : text + u"\r\n\r\n%1 times"_s.arg(times));
+         }});
 }
 
 /// Counts a box while it is open; who owns the boxes may go meanwhile.
@@ -39,7 +42,7 @@ bool BoxQueue::confirm(const QString& title, const QString& question)
 void BoxQueue::showTrapped(const QString& title, const std::shared_ptr<TrappedError>& error)
 {
     const std::shared_ptr<void> end(nullptr, [error](void*) { error->close(); }); // shown, left out or forgotten
-    add([this, title, error, end] { m_boxes.showTrapped(title, error); });
+    add({.title = title, .text = {}, .open = [this, title, error, end](int) { m_boxes.showTrapped(title, error); }});
 }
 
 void BoxQueue::silence()
@@ -49,12 +52,24 @@ void BoxQueue::silence()
     m_leftOut = 0;
 }
 
-void BoxQueue::add(std::function<void()> open)
+/// Counts the message in an equal one that waits. @return whether there is one
+bool BoxQueue::isCounted(const Waiting& box)
 {
-    if (m_isSilent)
+    const auto equal = std::find_if(m_waiting.begin(), m_waiting.end(), [&box](const Waiting& other) {
+        return !box.text.isNull() && !other.text.isNull() && other.title == box.title && other.text == box.text;
+    });
+    if (equal == m_waiting.end())
+        return false;
+    ++equal->times;
+    return true;
+}
+
+void BoxQueue::add(Waiting box)
+{
+    if (m_isSilent || isCounted(box))
         return;
     if (m_waiting.size() < m_bounds.waitingBoxes)
-        m_waiting.push_back(std::move(open));
+        m_waiting.push_back(std::move(box));
     else
         ++m_leftOut;
     if (m_holds > 0)
@@ -90,9 +105,9 @@ void BoxQueue::showWaiting()
 std::function<void()> BoxQueue::takeNext()
 {
     if (!m_waiting.empty()) {
-        std::function<void()> next = std::move(m_waiting.front());
+        Waiting next = std::move(m_waiting.front());
         m_waiting.pop_front();
-        return next;
+        return [open = std::move(next.open), times = next.times] { open(times); };
     }
     if (const std::size_t leftOut = std::exchange(m_leftOut, 0); leftOut > 0)
         return [this, leftOut] {

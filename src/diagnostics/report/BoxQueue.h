@@ -10,8 +10,8 @@
 #include <functional>
 
 /// Shows boxes one at a time. A message that comes while another is open, or while boxes are held back, waits in a
-/// short line, and the call returns at once; of those for which there is no room a sum is told at the end. A question
-/// is asked at once, because its answer is waited for.
+/// short line, and the call returns at once; one that is equal to one in line is counted there, and of those for which
+/// there is no room a sum is told at the end. A question is asked at once, because its answer is waited for.
 class BoxQueue : public QObject, public MessageBoxes
 {
 public:
@@ -30,7 +30,16 @@ public:
 private:
     class Opening;
 
-    void add(std::function<void()> open);
+    struct Waiting
+    {
+        QString title;
+        QString text; ///< null for a trapped error, which counts itself
+        std::function<void(int times)> open;
+        int times = 1;
+    };
+
+    void add(Waiting box);
+    bool isCounted(const Waiting& box);
     bool isAnyWaiting() const { return !m_waiting.empty() || m_leftOut > 0; }
     void showLater();
     void showWaiting();
@@ -38,7 +47,7 @@ private:
 
     MessageBoxes& m_boxes;
     Bounds m_bounds;
-    std::deque<std::function<void()>> m_waiting;
+    std::deque<Waiting> m_waiting;
     std::size_t m_leftOut = 0;
     int m_holds = 0;
     int m_open = 0; ///< boxes: a question may stand over a message

@@ -34,14 +34,28 @@ std::optional<std::size_t> position(std::size_t offset)
 Conversation::Entry Conversation::made(std::string_view entry)
 {
     std::string text = asShown(entry);
-    const std::size_t laidOut = text.size() + longWords::breaksIn(text).size();
-    return {std::move(text), laidOut};
+    const std::size_t breaks = longWords::breaksIn(text).size();
+    const auto ends = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    const std::size_t laidOut = text.size() + breaks;
+    return {.text = std::move(text), .laidOut = laidOut, .lines = ends + breaks};
+}
+
+void Conversation::count(const Entry& entry)
+{
+    m_bytes += entry.text.size();
+    m_lines += entry.lines;
+}
+
+void Conversation::discount(const Entry& entry)
+{
+    m_bytes -= entry.text.size();
+    m_lines -= entry.lines;
 }
 
 Conversation::Number Conversation::add(std::string_view entry)
 {
     m_entries.push_back(made(entry));
-    m_bytes += m_entries.back().text.size();
+    count(m_entries.back());
     const Number number = end() - 1;
     if (m_isFiltered)
         m_shown.push_back(number);
@@ -52,8 +66,8 @@ Conversation::Number Conversation::add(std::string_view entry)
 
 void Conversation::dropOldest()
 {
-    while (m_bytes > m_maxBytes && m_entries.size() > 1) {
-        m_bytes -= m_entries.front().text.size();
+    while ((m_bytes > m_maxBytes || m_lines > m_maxLines) && m_entries.size() > 1) {
+        discount(m_entries.front());
         m_entries.pop_front();
         if (!m_shown.empty() && m_shown.front() == m_first)
             m_shown.pop_front();
@@ -64,7 +78,8 @@ void Conversation::dropOldest()
 std::optional<TextSpan> Conversation::replace(Number number, std::string_view entry)
 {
     Entry before = std::exchange(m_entries[number - m_first], made(entry));
-    m_bytes += this->entry(number).size() - before.text.size();
+    discount(before);
+    count(m_entries[number - m_first]);
     TextSpan span{0, before.laidOut};
     const bool isShown = !m_isFiltered || std::binary_search(m_shown.begin(), m_shown.end(), number);
     if (isShown) {

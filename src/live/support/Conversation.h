@@ -19,8 +19,8 @@ struct TextSpan
 
 /// The conversation of the support console: what was said, of which a filter may show a part. Texts are bytes of the
 /// host's code page, one a character. Entries are shown newest first, one below the other; each ends in an empty line,
-/// so that words of different entries never touch. When there are too many bytes the oldest entries go; the newest one
-/// stays in any case.
+/// so that words of different entries never touch. When there are too many bytes or lines the oldest entries go; the
+/// newest one stays in any case.
 class Conversation
 {
 public:
@@ -29,7 +29,10 @@ public:
     /// Counts from 0 in the order in which entries came, also those that are gone.
     using Number = std::size_t;
 
-    explicit Conversation(const Bounds& bounds = {}) : m_maxBytes(bounds.conversationBytes) {}
+    explicit Conversation(const Bounds& bounds = {})
+        : m_maxBytes(bounds.conversationBytes),
+          m_maxLines(bounds.conversationLines)
+    {}
 
     /// Adds what was said last. It is shown whatever the filter, so that nothing new is overlooked.
     Number add(std::string_view entry);
@@ -64,15 +67,20 @@ private:
     {
         std::string text;
         std::size_t laidOut = 0; ///< characters, with long words broken
+        std::size_t lines = 0;   ///< the same
     };
 
     static Entry made(std::string_view entry);
+    void count(const Entry& entry);
+    void discount(const Entry& entry);
     void dropOldest();
 
     std::size_t m_maxBytes;
+    std::size_t m_maxLines;
     std::deque<Entry> m_entries; ///< the oldest first
     Number m_first = 0;
     std::size_t m_bytes = 0;
+    std::size_t m_lines = 0;
     std::deque<Number> m_shown; ///< ascending; in use while a filter is in force
     bool m_isFiltered = false;
     mutable std::string m_text;

@@ -15,14 +15,16 @@
 
 using namespace Qt::StringLiterals;
 
-SupportDesk::SupportDesk(Client& client, Winsock& wSupport, QObject* parent)
+SupportDesk::SupportDesk(Client& client, Winsock& wSupport, const Limits& limits, QObject* parent)
     : QObject(parent),
       m_client(client),
       m_socket(wSupport),
       m_talks(client.bounds)
 {
     m_pause.setSingleShot(true);
+    m_pause.setInterval(limits.pause);
     m_answer.setSingleShot(true);
+    m_answer.setInterval(limits.answer);
     connect(&m_socket, &Winsock::stateChanged, this, &SupportDesk::followState);
     connect(&m_socket, &Winsock::connected, this, &SupportDesk::announce);
     connect(&m_socket, &Winsock::dataArrival, this,
@@ -191,7 +193,7 @@ void SupportDesk::receive(std::string_view chunk)
     endWait();
     const std::vector<SupportText> texts = m_texts.take();
     if (m_texts.isUnderWay())
-        m_pause.start(pause);
+        m_pause.start();
     else
         m_pause.stop();
     takeIn(texts);
@@ -252,7 +254,7 @@ void SupportDesk::followState(SocketState state)
         m_isWaiting = true;
         m_lastHostEntry.reset();
         m_texts.reset();
-        m_answer.start(answerLimit);
+        m_answer.start();
     } else if (std::exchange(m_wasConnected, false)) {
         m_pause.stop();
         endWait();

@@ -23,15 +23,19 @@ class SupportDesk : public QObject
     Q_OBJECT
 
 public:
+    struct Limits
+    {
+        /// After how much silence a text may be over that does not tell its end.
+        std::chrono::milliseconds pause = std::chrono::milliseconds(250);
+        /// How long the host may take to answer the announcement.
+        std::chrono::milliseconds answer = std::chrono::seconds(10);
+    };
+
     /// Client and socket outlive the desk.
-    SupportDesk(Client& client, Winsock& wSupport, QObject* parent = nullptr);
+    SupportDesk(Client& client, Winsock& wSupport, const Limits& limits, QObject* parent = nullptr);
 
     /// The user's own status. Written by the console.
     QString status = QStringLiteral("Active");
-    /// After how much silence a text may be over that does not tell its end.
-    std::chrono::milliseconds pause = std::chrono::milliseconds(250);
-    /// How long the host may take to answer the announcement. A setting.
-    std::chrono::milliseconds answerLimit = std::chrono::seconds(10);
 
     /// Shows the console; connects first when the support link is closed. While that connects, nothing happens.
     void open();

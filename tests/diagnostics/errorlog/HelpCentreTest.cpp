@@ -126,6 +126,17 @@ private Q_SLOTS:
         QVERIFY(!rig.control(u"cmdSendErrors"_s).isEnabled());
     }
 
+    void pathsInAnOlderLogStayHere()
+    {
+        Rig rig;
+        appendBytes(rig.folder.path("\\ErrorLog.txt"),
+                    formatErrorLogBlock({.description = "bad: " + (rig.folder.root() / "a/b.dll").string()}));
+        rig.click(u"cmdViewErrors"_s);
+        rig.click(u"cmdSendErrors"_s);
+        QVERIFY(rig.isDone());
+        QCOMPARE(Rig::description(rig.web.reports().constFirst()), u"\\a\\b.dll"_s);
+    }
+
     void whatIsLoggedDuringASendIsKept()
     {
         Rig rig;

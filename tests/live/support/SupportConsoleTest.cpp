@@ -128,8 +128,8 @@ private Q_SLOTS:
         ChatDesk desk;
         desk.operatorSide.isThere = true;
         desk.operatorSide.answerAlways("Announce", Fault::garbage());
+        desk.limits.pause = 10ms;
         QVERIFY(desk.logIn());
-        desk.support().pause = 10ms;
         desk.support().open();
         QTRY_COMPARE(desk.said().toPlainText(),
                      u"Host says:\nHello admin, this is the host's operator. What can I do for you?\n\n"_s);
@@ -150,9 +150,9 @@ private Q_SLOTS:
         QFETCH(const QByteArray, by);
         QFETCH(const QString, shown);
         ChatDesk desk;
-        QVERIFY(desk.logIn());
         if (by == "nothing")
-            desk.support().answerLimit = 1ms;
+            desk.limits.answer = 1ms;
+        QVERIFY(desk.logIn());
         desk.support().open();
         QTRY_COMPARE(desk.operatorSide.texts().size(), 1);
         if (by != "nothing") {

@@ -385,6 +385,7 @@ private Q_SLOTS:
         QTest::newRow("class of another name") << u"good"_s << u"other"_s << u"no library is registered"_s;
         QTest::newRow("refuses") << u"refuses"_s << u"bare"_s << u"its registration failed with 5"_s;
         QTest::newRow("no plugin") << u"noExports"_s << u"bare"_s << u"entry point"_s;
+        QTest::newRow("throws in GetData") << u"dataThrows"_s << u"sample"_s << u"GetData, "_s;
         QTest::newRow("crashes in GetData") << u"dataCrashes"_s << u"sample"_s << u"ends the program"_s;
     }
     void registrationByTheCommandLineSaysWhatIsWrong()
