@@ -67,29 +67,40 @@ declare -A packages=(
         desktop-file-utils  # looks at the menu entry
         lintian             # looks at the package
     "
-    # What packaging/windows/build needs: the compiler, Qt's own tools, and what fetches source packages.
+    # What packaging/windows/build needs: Qt's own tools, what fetches source packages, and the compiler of the width.
     [windows]="
         ccache              # as above
         cmake
         dpkg-dev            # unpacks source packages
-        g++-mingw-w64-x86-64-posix  # compiles and links for Windows
         ninja-build
         pkgconf
         qt6-base-dev        # Qt's CMake packages for the tools
         qt6-base-dev-tools  # moc and rcc
     "
+    [windows-x86_64]="
+        g++-mingw-w64-x86-64-posix  # compiles and links for 64-bit Windows
+    "
+    [windows-i686]="
+        g++-mingw-w64-i686-posix    # the same for 32-bit Windows
+    "
     [windows-installer]="
         nsis                # packs the installer
     "
-    # What packaging/windows/smoke needs besides.
-    [wine]="
+    # What packaging/windows/smoke needs besides: a display, Wine for 64-bit programs, and what makes a 32-bit system with
+    # Wine, because a system's own package lists seldom have 32-bit packages.
+    [wine-display]="
         fonts-liberation2   # stand in for the fonts of Windows
         openbox
         scrot
+        xdotool             # presses the buttons
+        xvfb
+    "
+    [wine]="
         wine                # runs the program
         wine64
-        xdotool             # presses its buttons
-        xvfb
+    "
+    [wine-root]="
+        debootstrap
     "
     # What the scripts in assets/ need.
     [assets]="

@@ -107,11 +107,11 @@ inline const QrvrcHost& host()
         };
         made.characters = [](const QrvrcHost*) -> const std::uint16_t* {
             static std::uint16_t units[256];
-            std::string bytes(256, '\0');
-            for (std::size_t value = 0; value < bytes.size(); ++value)
-                bytes[value] = static_cast<char>(value);
-            const std::wstring characters = wideOf(bytes);
-            std::copy(characters.begin(), characters.end(), units);
+            for (std::size_t value = 0; value < 256; ++value) {
+                const char byte = static_cast<char>(value);
+                const std::wstring character = wideOf({&byte, 1});
+                units[value] = static_cast<std::uint16_t>(character.empty() ? value : character[0]);
+            }
             return units;
         };
         made.register_class = [](const QrvrcHost*, const char*) { return std::int32_t{QRVRC_ERROR_INVALID_CALL}; };

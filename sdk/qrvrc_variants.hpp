@@ -63,11 +63,11 @@ inline UINT codePage()
 
 inline std::wstring wideOf(std::string_view bytes)
 {
-    std::wstring text(bytes.size(), L'\0'); // one byte a character
-    if (!bytes.empty()) {
-        MultiByteToWideChar(codePage(), 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
-                            static_cast<int>(text.size()));
-    }
+    std::wstring text(bytes.size(), L'\0'); // a character has at least one byte
+    const int size = bytes.empty() ? 0
+                                   : MultiByteToWideChar(codePage(), 0, bytes.data(), static_cast<int>(bytes.size()),
+                                                         text.data(), static_cast<int>(text.size()));
+    text.resize(static_cast<std::size_t>(size));
     return text;
 }
 

@@ -1,8 +1,8 @@
 # shellcheck shell=bash disable=SC2154
 # Makes what the Windows build links against, from Debian's own source packages. To be sourced by bash; the caller sets
-# here (the folder of this file).
+# here (the folder of this file) and arch (x86_64 or i686) before each call.
 
-readonly target=x86_64-w64-mingw32
+readonly target_tail=w64-mingw32
 
 # Fetches a source package and unpacks it into a folder. The system's own lists of packages are left alone.
 unpack_source() { # package, folder
@@ -31,10 +31,10 @@ static_library() { # prefix, name, flag or file...
     local prefix=$1 name=$2 work
     shift 2
     work=$(mktemp -d)
-    (cd "$work" && "$target-gcc-posix" -O2 -w -c "$@")
+    (cd "$work" && "$arch-$target_tail-gcc-posix" -O2 -w -c "$@")
     mkdir -p "$prefix/lib/pkgconfig" "$prefix/include"
     rm -f "$prefix/lib/$name.a"
-    "$target-ar" rcs "$prefix/lib/$name.a" "$work"/*.o
+    "$arch-$target_tail-ar" rcs "$prefix/lib/$name.a" "$work"/*.o
     rm -r "$work"
 }
 
@@ -63,12 +63,13 @@ make_libmspack() { # prefix, folder for the work
 
 # What checks sums and signatures of updates; in portable C, which is fast enough for it.
 make_libsodium() { # prefix, folder for the work
-    local source=$2/libsodium headers files
+    local source=$2/libsodium headers files wide=()
     unpack_source libsodium "$source"
     headers=$source/src/libsodium/include
     cp "$source/builds/msvc/version.h" "$headers/sodium/" # elsewhere its configure script writes it
     mapfile -t files < <(find "$source/src/libsodium" -name '*.c')
-    static_library "$1" libsodium -DCONFIGURED=1 -DSODIUM_STATIC -DNATIVE_LITTLE_ENDIAN=1 -DHAVE_TI_MODE=1 \
+    [[ $arch != x86_64 ]] || wide=(-DHAVE_TI_MODE=1) # numbers of 128 bits
+    static_library "$1" libsodium -DCONFIGURED=1 -DSODIUM_STATIC -DNATIVE_LITTLE_ENDIAN=1 "${wide[@]}" \
         -I"$headers/sodium" -I"$headers" "${files[@]}"
     cp -r "$headers/sodium" "$headers/sodium.h" "$1/include/"
     describe_library "$1" libsodium \
@@ -90,7 +91,7 @@ make_qt() { # prefix, folder for the work
     unpack_source qt6-base "$source"
     # The source package carries no header for tablets, so that their events must be off.
     cmake -S "$source" -B "$2/qt6-build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$here/toolchain.cmake" \
-        -DCMAKE_INSTALL_PREFIX="$1" -DCMAKE_BUILD_TYPE=MinSizeRel -DBUILD_SHARED_LIBS=OFF \
+        -DQRVRC_TARGET_ARCH="$arch" -DCMAKE_INSTALL_PREFIX="$1" -DCMAKE_BUILD_TYPE=MinSizeRel -DBUILD_SHARED_LIBS=OFF \
         -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF \
         -DFEATURE_sql=OFF -DFEATURE_dbus=OFF -DFEATURE_printsupport=OFF -DFEATURE_opengl=OFF -DINPUT_opengl=no \
         -DFEATURE_vulkan=OFF -DFEATURE_concurrent=OFF -DFEATURE_testlib=ON -DFEATURE_xml=OFF -DFEATURE_openssl=OFF \

@@ -8,13 +8,18 @@
 
 #include <cstdint>
 
+#if defined(Q_OS_WIN)
+#include <windows.h>
+#endif
+
 /// The client's frame, for a plugin that uses Qt. Where plugin and client share one Qt the frame is a widget like any
 /// other; a plugin with a Qt of its own sees a window of somebody else, and needs an application object first.
 class ForeignFrame
 {
 public:
     /// @param window  what LoadInterface was given
-    explicit ForeignFrame(std::int32_t window) : m_id(static_cast<WId>(static_cast<std::uint32_t>(window)))
+    explicit ForeignFrame(std::int32_t window)
+        : m_id(static_cast<WId>(window)) // handles keep their sign when they grow
     {
         needApplication();
         m_widget = QWidget::find(m_id);
@@ -88,4 +93,35 @@ private:
 
     WId m_id;
     QWidget* m_widget = nullptr;
+};
+
+/// A page for a frame. Where the frame is a window of somebody else, the Tab key leads out of the page behind its last
+/// control, and back before its first: the frame goes on from there once it has the keyboard.
+class ForeignPage : public QWidget
+{
+protected:
+    bool focusNextPrevChild(bool next) override
+    {
+#if defined(Q_OS_WIN)
+        const QWindow* window = isWindow() ? windowHandle() : nullptr;
+        if (window && window->parent() && !hasControlBehind(focusWidget(), next)) {
+            SetFocus(GetParent(reinterpret_cast<HWND>(winId())));
+            return true;
+        }
+#endif
+        return QWidget::focusNextPrevChild(next);
+    }
+
+private:
+    bool hasControlBehind(QWidget* from, bool next) const
+    {
+        const auto step = [next](const QWidget* widget) {
+            return next ? widget->nextInFocusChain() : widget->previousInFocusChain();
+        };
+        for (QWidget* widget = from ? step(from) : nullptr; widget && widget != this; widget = step(widget)) {
+            if ((widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus && widget->isVisible() && widget->isEnabled())
+                return true;
+        }
+        return false;
+    }
 };

@@ -16,7 +16,7 @@ namespace {
 constexpr int maxEntries = 1000;
 
 /// The page in the client's frame. Messages arrive whether it is shown or not.
-class WatchPage : public QWidget
+class WatchPage : public ForeignPage
 {
 public:
     WatchPage() : m_profile(new QLabel(this)), m_messages(new QListWidget(this))

@@ -346,14 +346,14 @@ bool qrvrcMain::event(QEvent* event)
                 closeFront();
         });
     }
-    return QMainWindow::event(event);
+    return PluginFrame::event(event);
 }
 
 void qrvrcMain::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::WindowStateChange && (isMaximized() || isFullScreen()))
         showNormal();
-    QMainWindow::changeEvent(event);
+    PluginFrame::changeEvent(event);
 }
 
 void qrvrcMain::closeEvent(QCloseEvent* event)

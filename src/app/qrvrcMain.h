@@ -3,8 +3,8 @@
 #include "app/ClientCore.h"
 #include "app/FrameLock.h"
 #include "app/HelpWindows.h"
+#include "ui/PluginFrame.h"
 
-#include <QMainWindow>
 #include <QPointer>
 
 #include <memory>
@@ -25,7 +25,7 @@ class SupportDesk;
 class WorkingWindow;
 
 /// The main frame: the navigation at its top and one working window at a time below it. Owns everything.
-class qrvrcMain : public QMainWindow
+class qrvrcMain : public PluginFrame
 {
     Q_OBJECT
 

@@ -24,7 +24,7 @@ struct OptionValues
     QString location; ///< the update location; empty when none is in force
     bool automatic = false;
     std::chrono::seconds replyLimit{60}; ///< how long the host may be silent
-    std::string codePage;                ///< of the host, one of `codePageTables`
+    std::string codePage;                ///< of the host, one that `CodePageMap` knows
     QString makerHost;                   ///< empty for the one that is built in; counts from the next start on
     QString updateKey; ///< public key of the update location; empty for the one that is built in, if any
     ReportMode reports = ReportMode::ByThemselves;

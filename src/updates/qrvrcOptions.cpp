@@ -26,6 +26,8 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -37,9 +39,10 @@ constexpr QMargins pageMargins(8, 2, 8, 8);
 constexpr int gap = 8;
 constexpr int saveWidth = 130;
 
-QString titleOf(const CodePageTable& table)
+QString titleOf(std::string_view title, std::string_view name)
 {
-    return u"%1 (%2)"_s.arg(QLatin1String(table.title), QLatin1String(table.name));
+    return u"%1 (%2)"_s.arg(QLatin1String(title.data(), static_cast<qsizetype>(title.size())),
+                            QLatin1String(name.data(), static_cast<qsizetype>(name.size())));
 }
 
 } // namespace
@@ -124,8 +127,12 @@ QGroupBox* qrvrcOptions::buildProgram()
     txtReplyTimeout->setToolTip(u"How long the host may be silent before the connection is given up"_s);
     addOptionRow(form, u"&Reply Time-out:"_s, txtReplyTimeout, u"txtReplyTimeout"_s);
     cboCodePage = new QComboBox;
-    for (const CodePageTable& table : codePageTables)
-        cboCodePage->addItem(titleOf(table), QByteArray(table.name.data(), static_cast<qsizetype>(table.name.size())));
+    const auto offer = [this](const auto& codePage) {
+        const QByteArray name(codePage.name.data(), static_cast<qsizetype>(codePage.name.size()));
+        cboCodePage->addItem(titleOf(codePage.title, codePage.name), name);
+    };
+    std::for_each(codePageTables.begin(), codePageTables.end(), offer);
+    std::for_each(doubleByteCodePages.begin(), doubleByteCodePages.end(), offer);
     addOptionRow(form, u"&Code Page of the Host:"_s, cboCodePage, u"cboCodePage"_s);
     cboErrorReports = new QComboBox;
     for (const auto& [mode, text] :

@@ -5,7 +5,10 @@
 #include "platform/system/FileVersion.h"
 #include "platform/system/PathText.h"
 #include "store/AppFolder.h"
+#include "ui/PluginFrame.h"
 
+#include <QHBoxLayout>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -51,6 +54,16 @@ int rightsOfEverybody(const fs::path& file)
     }
     LocalFree(descriptor);
     return count;
+}
+
+void pressTab(bool backwards = false)
+{
+    if (backwards)
+        keybd_event(VK_SHIFT, 0, 0, 0);
+    keybd_event(VK_TAB, 0, 0, 0);
+    keybd_event(VK_TAB, 0, KEYEVENTF_KEYUP, 0);
+    if (backwards)
+        keybd_event(VK_SHIFT, 0, KEYEVENTF_KEYUP, 0);
 }
 
 } // namespace
@@ -152,6 +165,68 @@ private Q_SLOTS:
         QCOMPARE(raisedBy([&] { plugin->call("HideInterface"); }), numberOf(ErrorNumber::InvalidProcedureCall));
         QCOMPARE(raisedBy([&] { plugin->call("HideInterface", {ComponentValue::listOf({"x"})}); }),
                  numberOf(ErrorNumber::TypeMismatch));
+    }
+
+    /// Its page finds the frame by the number of 32 bits that it is handed.
+    void tabLeadsIntoAPluginsPageAndOut()
+    {
+        PluginFrame frame;
+        auto* strip = new QWidget;
+        auto* row = new QHBoxLayout(strip);
+        row->setContentsMargins({});
+        auto* first = new QLineEdit;
+        auto* last = new QLineEdit;
+        row->addWidget(first);
+        row->addWidget(last);
+        frame.setMenuWidget(strip);
+        frame.setCentralWidget(new QLineEdit); // which the page covers
+        frame.resize(600, 400);
+        frame.show();
+        QVERIFY(QTest::qWaitForWindowActive(&frame));
+
+        const AppFolder folder(m_folder);
+        Components components(folder);
+        const ObjectRef plugin = components.createObject("qrvrcWatch.clsPlugin");
+        plugin->call("LoadInterface", {std::int32_t{7}, static_cast<std::int32_t>(frame.winId()),
+                                       ComponentValue::listOf({"Match Watch"}), "admin"});
+        const auto page = [&] { return GetWindow(reinterpret_cast<HWND>(frame.winId()), GW_CHILD); };
+        QTRY_VERIFY(page() && IsWindowVisible(page()));
+        for (const bool backwards : {false, true}) {
+            QLineEdit* const before = backwards ? first : last;
+            QLineEdit* const behind = backwards ? last : first;
+            before->setFocus();
+            pressTab(backwards);
+            QTRY_COMPARE(GetFocus(), page());
+            pressTab(backwards);
+            QTRY_COMPARE(QApplication::focusWidget(), behind);
+        }
+        plugin->call("HideInterface", {"admin"});
+    }
+
+    void aFullDiskIsToldAndLeavesWhatWasThere()
+    {
+        const fs::path disk = pathOf(qEnvironmentVariable("QRVRC_SMALL_DISK"));
+        if (disk.empty())
+            QSKIP("no small disk was given");
+        writeBytes(disk / "file", "old");
+        const std::string tooMuch(std::size_t{1} << 20, 'x');
+        QCOMPARE(raisedBy([&] { writeBytes(disk / "file", tooMuch); }), numberOf(ErrorNumber::DiskFull));
+        QCOMPARE(readBytes(disk / "file"), "old"s);
+        QCOMPARE(raisedBy([&] { appendBytes(disk / "file", tooMuch); }), numberOf(ErrorNumber::DiskFull));
+    }
+
+    void aPathMayBeLong()
+    {
+        const AppFolder folder(m_folder);
+        std::string name = "\\long";
+        for (int depth = 0; depth < 10; ++depth) {
+            folder.makeFolder(name);
+            name += '\\' + std::string(40, static_cast<char>('a' + depth));
+        }
+        writeBytes(folder.path(name), "x");
+        writeBytes(folder.path(name), "y");
+        QCOMPARE(readBytes(folder.path(name)), "y"s);
+        QVERIFY(folder.path(name).native().size() > 400);
     }
 
     void theListThatAPluginIsHandedComesBack()

@@ -105,7 +105,7 @@ public:
     /// Without a probe nothing is tried beforehand. What could not be tried with an earlier one is tried again.
     void setProbe(Probe probe);
     /// Tells components in which code page their texts are.
-    /// @param name  one of `codePageTables`; without a call it is the system's
+    /// @param name  one that `CodePageMap` knows; without a call it is the system's
     void useCodePage(std::string_view name);
 
     /// Whether nothing stands out before the class can be created: it has been tried in the present state of its

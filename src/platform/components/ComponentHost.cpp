@@ -2,12 +2,11 @@
 
 #include "base/RuntimeError.h"
 #include "platform/components/ComponentLibrary.h"
-#include "platform/system/CodePageTables.h"
+#include "platform/system/CodePageMap.h"
 #include "platform/system/SystemCodePage.h"
 
 #include <algorithm>
 #include <exception>
-#include <numeric>
 #include <type_traits>
 #include <utility>
 
@@ -265,18 +264,16 @@ std::optional<std::string> thrownBy(const std::function<void()>& call)
 
 HostCodePage::HostCodePage()
 {
-    std::iota(m_characters.begin(), m_characters.end(), std::uint16_t{0});
     use(systemCodePage());
 }
 
 void HostCodePage::use(std::string_view name)
 {
-    const auto table = std::find_if(codePageTables.begin(), codePageTables.end(),
-                                    [name](const CodePageTable& known) { return known.name == name; });
-    if (table == codePageTables.end())
+    const std::shared_ptr<const CodePageMap> map = CodePageMap::named(name);
+    if (!map)
         return;
     m_name = name;
-    std::copy(table->upper.begin(), table->upper.end(), m_characters.begin() + 0x80);
+    std::copy(map->characters().begin(), map->characters().end(), m_characters.begin());
 }
 
 HostCodePage& hostCodePage()

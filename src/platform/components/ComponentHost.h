@@ -18,10 +18,10 @@ class HostCodePage
 public:
     HostCodePage();
 
-    /// Changes to the code page of that name, one of `codePageTables`; any other name changes nothing.
+    /// Changes to the code page of that name, one that `CodePageMap` knows; any other changes nothing.
     void use(std::string_view name);
     const std::string& name() const { return m_name; }
-    /// The characters of its 256 values, as UTF-16 units.
+    /// The characters of its 256 values by themselves, as UTF-16 units.
     const std::uint16_t* characters() const { return m_characters.data(); }
 
 private:

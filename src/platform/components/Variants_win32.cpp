@@ -2,11 +2,9 @@
 
 #include "base/RuntimeError.h"
 #include "platform/components/DispatchObject_win32.h"
-#include "platform/system/CodePageTables.h"
+#include "platform/system/CodePageMap.h"
 #include "platform/system/SystemCodePage.h"
 
-#include <algorithm>
-#include <charconv>
 #include <string_view>
 
 namespace {
@@ -17,17 +15,19 @@ void demandMemory(const void* pointer)
         throw RuntimeError(ErrorNumber::OutOfMemory);
 }
 
-/// Of all texts that components are handed or give; 0 for the system's.
-UINT textCodePage = 0;
+/// Of all texts that components are handed or give.
+const CodePageMap& textCodePage(std::string_view changedTo = {})
+{
+    static std::shared_ptr<const CodePageMap> map = CodePageMap::named(systemCodePage());
+    if (const auto changed = CodePageMap::named(changedTo))
+        map = changed;
+    return *map;
+}
 
 BSTR newText(std::string_view bytes)
 {
-    std::wstring wide(bytes.size(), L'\0'); // one byte a character
-    if (textCodePage == 0)
-        wide = wideOf(bytes);
-    else if (!bytes.empty())
-        MultiByteToWideChar(textCodePage, 0, bytes.data(), static_cast<int>(bytes.size()), wide.data(),
-                            static_cast<int>(wide.size()));
+    const std::u16string text16 = textCodePage().toText(bytes);
+    const std::wstring wide(text16.begin(), text16.end());
     BSTR text = SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
     demandMemory(text);
     return text;
@@ -69,26 +69,15 @@ ComponentValue::List listOf(SAFEARRAY* array)
 
 void useTextCodePage(std::string_view name)
 {
-    constexpr std::string_view prefix = "windows-";
-    const bool isKnown = std::any_of(codePageTables.begin(), codePageTables.end(),
-                                     [name](const CodePageTable& known) { return known.name == name; });
-    if (!isKnown)
-        return;
-    std::from_chars(name.data() + prefix.size(), name.data() + name.size(), textCodePage);
     // What a plugin's own library goes by, which has no other way to learn it.
-    SetEnvironmentVariableW(L"QRVRC_CODE_PAGE", wideOf(name).c_str());
+    if (textCodePage(name).name() == name)
+        SetEnvironmentVariableW(L"QRVRC_CODE_PAGE", wideOf(name).c_str());
 }
 
 std::string bytesOfText(BSTR text)
 {
     const std::wstring_view wide = text ? std::wstring_view(text, SysStringLen(text)) : std::wstring_view();
-    if (textCodePage == 0 || wide.empty())
-        return bytesOf(wide);
-    std::string bytes(wide.size(), '\0');
-    bytes.resize(
-        static_cast<std::size_t>(WideCharToMultiByte(textCodePage, 0, wide.data(), static_cast<int>(wide.size()),
-                                                     bytes.data(), static_cast<int>(bytes.size()), "?", nullptr)));
-    return bytes;
+    return textCodePage().toBytes(std::u16string(wide.begin(), wide.end()));
 }
 
 ComponentValue valueOf(VARIANT& variant)

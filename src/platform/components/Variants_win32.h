@@ -28,8 +28,8 @@ private:
 
 /// The bytes of a text of the system, in the host's code page. @param text  may be null
 std::string bytesOfText(BSTR text);
-/// Changes the code page of all texts, here and for the libraries of this process, to one of `codePageTables`; at first
-/// it is the system's.
+/// Changes the code page of all texts, here and for the libraries of this process, to one that `CodePageMap` knows; at
+/// first it is the system's.
 void useTextCodePage(std::string_view name);
 
 /// What a VARIANT holds; it stays its owner.

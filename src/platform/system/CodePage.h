@@ -1,14 +1,15 @@
 #pragma once
 
+#include "platform/system/CodePageMap.h"
+
 #include <QString>
 
-#include <array>
+#include <memory>
 #include <string>
 #include <string_view>
 
 /// The one place where bytes of the host become text for a widget, and a widget's text becomes bytes for the host.
-/// Single-byte, Windows-1252 (on Windows the system's own, if that is a single-byte one) unless told otherwise: all 256
-/// values have a character of their own, so bytes survive the way there and back.
+/// Windows-1252 (on Windows the system's own) unless told otherwise. Bytes survive the way there and back.
 class CodePage
 {
 public:
@@ -16,12 +17,14 @@ public:
 
     CodePage();
 
-    /// Changes to the code page of that name, one of `codePageTables`; any other name changes nothing.
+    /// Changes to the code page of that name, one of `codePageTables` or `doubleByteCodePages`; one that is not to be
+    /// had changes nothing.
     /// @return whether there is such a code page
     bool use(std::string_view name);
 
     /// The name of the one in use.
-    const std::string& name() const { return m_name; }
+    const std::string& name() const { return m_map->name(); }
+    const CodePageMap& map() const { return *m_map; }
 
     QString toText(std::string_view bytes) const;
     /// Characters that the code page lacks become "?"; `firstForeign` tells beforehand.
@@ -32,9 +35,5 @@ public:
     QString sendFault(QStringView text) const;
 
 private:
-    /// The byte for `character`, or -1.
-    int byteFor(char16_t character) const;
-
-    std::string m_name;
-    std::array<char16_t, 256> m_characters;
+    std::shared_ptr<const CodePageMap> m_map;
 };

@@ -134,3 +134,17 @@ inline constexpr std::array<CodePageTable, 10> codePageTables{{
       0x00E8, 0x00E9, 0x00EA, 0x00EB, 0x0301, 0x00ED, 0x00EE, 0x00EF, 0x0111, 0x00F1, 0x0323, 0x00F3, 0x00F4,
       0x01A1, 0x00F6, 0x00F7, 0x00F8, 0x00F9, 0x00FA, 0x00FB, 0x00FC, 0x01B0, 0x20AB, 0x00FF}},
 }};
+
+/// The double-byte ones, which the system converts.
+struct CodePageTitle
+{
+    std::string_view name;
+    std::string_view title;
+};
+
+inline constexpr std::array<CodePageTitle, 4> doubleByteCodePages{{
+    {"windows-932", "Japanese"},
+    {"windows-936", "Chinese, simplified"},
+    {"windows-949", "Korean"},
+    {"windows-950", "Chinese, traditional"},
+}};

@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// The name of the code page in which bytes of the host stand for characters, as far as this system knows: its own
-/// where it has one that has one byte a character, otherwise "windows-1252".
+/// where it has one that `CodePageMap` knows, otherwise "windows-1252".
 std::string systemCodePage();
 
 #if defined(_WIN32)

@@ -1,56 +1,44 @@
 #include "platform/system/SystemCodePage.h"
 
+#include "platform/system/CodePageMap.h"
 #include "platform/system/PathBytes.h"
 
 #include <windows.h>
 
 namespace {
 
-constexpr UINT westernCodePage = 1252;
-
 /// Asks for the system's setting itself: what the program's manifest makes the process use says nothing about the host.
-UINT settingOfTheSystem()
+std::shared_ptr<const CodePageMap> settingOfTheSystem()
 {
     DWORD number = 0;
-    const int length = GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
-                                      reinterpret_cast<LPWSTR>(&number), sizeof number / sizeof(wchar_t));
-    CPINFO info{};
-    const bool isUsable = length > 0 && GetCPInfo(number, &info) && info.MaxCharSize == 1;
-    return isUsable ? number : westernCodePage;
+    GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
+                   reinterpret_cast<LPWSTR>(&number), sizeof number / sizeof(wchar_t));
+    std::shared_ptr<const CodePageMap> map = CodePageMap::named("windows-" + std::to_string(number));
+    return map ? map : CodePageMap::named("windows-1252");
 }
 
-UINT codePageNumber()
+const CodePageMap& systemMap()
 {
-    static const UINT codePage = settingOfTheSystem();
-    return codePage;
+    static const std::shared_ptr<const CodePageMap> map = settingOfTheSystem();
+    return *map;
 }
 
 } // namespace
 
 std::string systemCodePage()
 {
-    return "windows-" + std::to_string(codePageNumber());
+    return systemMap().name();
 }
 
 std::wstring wideOf(std::string_view bytes)
 {
-    std::wstring text(bytes.size(), L'\0'); // one byte a character
-    if (!bytes.empty()) {
-        MultiByteToWideChar(codePageNumber(), 0, bytes.data(), static_cast<int>(bytes.size()), text.data(),
-                            static_cast<int>(text.size()));
-    }
-    return text;
+    const std::u16string text = systemMap().toText(bytes);
+    return {text.begin(), text.end()};
 }
 
 std::string bytesOf(std::wstring_view text)
 {
-    std::string bytes(text.size(), '\0');
-    if (!text.empty()) {
-        const int size = WideCharToMultiByte(codePageNumber(), 0, text.data(), static_cast<int>(text.size()),
-                                             bytes.data(), static_cast<int>(bytes.size()), "?", nullptr);
-        bytes.resize(static_cast<std::size_t>(size));
-    }
-    return bytes;
+    return systemMap().toBytes(std::u16string(text.begin(), text.end()));
 }
 
 std::string bytesOf(const std::filesystem::path& path)

@@ -43,13 +43,13 @@ void LinePainter::paint(QPainter& painter, std::string_view line, const QPointF&
     const auto columnAt = [&](qreal x) { return static_cast<std::size_t>(std::max(0.0, (x - place.x()) / m_cell)); };
     const std::size_t lastColumn = columnAt(right) + 1;
     std::size_t at = byteAtColumn(line, columnAt(0));
-    at -= std::min<std::size_t>(at, 1);
+    at = m_codePage.map().startOf(line, at - std::min<std::size_t>(at, 1));
     std::size_t column = columnOf(line, at);
     while (at < line.size() && column <= lastColumn) {
         // A run of characters that look alike is painted at once; those of other widths have a column each all the
-        // same.
+        // same, those of two bytes two of them.
         const bool isSelected = selected.contains(at);
-        std::size_t end = at + 1;
+        std::size_t end = at + m_codePage.map().sizeAt(line, at);
         while (fits(line[at]) && end < line.size() && column + (end - at) <= lastColumn && fits(line[end]) &&
                selected.contains(end) == isSelected)
             ++end;

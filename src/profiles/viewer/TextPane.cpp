@@ -31,7 +31,8 @@ TextCursor::WordBytes wordBytesOf(const CodePage& codePage)
     for (std::size_t byte = 0; byte < words.size(); ++byte) {
         const char single = static_cast<char>(byte);
         const QChar character = codePage.toText({&single, 1})[0];
-        words[byte] = character.isLetterOrNumber() || character == u'_';
+        const bool isHalf = character.isLowSurrogate(); // of a character of two bytes
+        words[byte] = character.isLetterOrNumber() || character == u'_' || isHalf;
     }
     return words;
 }
@@ -171,7 +172,9 @@ std::size_t TextPane::offsetAt(const QPoint& point) const
     const std::ptrdiff_t last = static_cast<std::ptrdiff_t>(m_text->lineCount()) - 1;
     const auto line = static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(verticalScrollBar()->value() + row, 0, last));
     const double column = std::round((point.x() - inset + horizontalScrollBar()->value()) / m_painter.cell());
-    return m_text->lineStart(line) + byteAtColumn(m_text->line(line), static_cast<std::size_t>(std::max(0.0, column)));
+    const std::string_view shown = m_text->line(line);
+    const std::size_t at = byteAtColumn(shown, static_cast<std::size_t>(std::max(0.0, column)));
+    return m_text->lineStart(line) + m_codePage.map().startOf(shown, at);
 }
 
 void TextPane::bringIntoSight()
@@ -262,6 +265,17 @@ void TextPane::followCursor()
     }
 }
 
+void TextPane::keepCharacterWhole(bool onward, bool selects)
+{
+    const std::size_t line = m_text->lineStart(m_text->lineOf(cursor()));
+    const std::string_view shown = m_text->line(m_text->lineOf(cursor()));
+    const std::size_t begin = line + m_codePage.map().startOf(shown, cursor() - line);
+    if (begin == cursor())
+        return;
+    const std::size_t place = onward ? cursor() + 1 : begin;
+    m_cursor.select(selects ? m_cursor.anchor() : place, place);
+}
+
 void TextPane::select(std::size_t anchor, std::size_t cursor)
 {
     m_cursor.select(anchor, cursor);
@@ -300,7 +314,9 @@ void TextPane::keyPressEvent(QKeyEvent* event)
     } else if (event->matches(QKeySequence::SelectAll)) {
         selectAll();
     } else if (const std::optional<KeyMove> move = moveOf(*event)) {
+        const std::size_t before = cursor();
         m_cursor.go(move->move, move->selects, visibleLines() - 1);
+        keepCharacterWhole(cursor() > before, move->selects);
         followCursor();
         if (move->selects)
             offerSelection();

@@ -68,6 +68,8 @@ protected:
 private:
     void measure();
     void setScrollRanges();
+    /// Moves a place between the two bytes of a character behind it or before it.
+    void keepCharacterWhole(bool onward, bool selects);
     void followCursor();
     void bringIntoSight();
     void paintLine(QPainter& painter, std::size_t line, int top) const;

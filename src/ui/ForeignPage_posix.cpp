@@ -1,0 +1,15 @@
+#include "ui/ForeignPage.h"
+
+// Plugins share our Qt here: their pages are widgets of ours.
+
+std::optional<ForeignPage> foreignPageIn(const QWidget& /*frame*/)
+{
+    return {};
+}
+
+void giveKeyboard(const ForeignPage& /*page*/) {}
+
+std::optional<bool> tabOutOfPage(const QWidget& /*frame*/, void* /*message*/)
+{
+    return {};
+}
