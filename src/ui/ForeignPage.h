@@ -17,6 +17,12 @@ std::optional<ForeignPage> foreignPageIn(const QWidget& frame);
 
 void giveKeyboard(const ForeignPage& page);
 
-/// Whether a message of the system tells that the keyboard came from such a page to `frame` by the Tab key, and which
-/// way: true is forward.
-std::optional<bool> tabOutOfPage(const QWidget& frame, void* message);
+/// What a message of the system says of such a page.
+enum class PageNews {
+    None,
+    TabOnward,     ///< the Tab key was pressed in it
+    TabBack,       ///< the same with Shift
+    OtherInput,    ///< another key or a button of the mouse, wherever
+    GivesKeyboard, ///< the keyboard has come from it to `frame`
+};
+PageNews newsOfPage(const QWidget& frame, void* message);

@@ -9,7 +9,7 @@ std::optional<ForeignPage> foreignPageIn(const QWidget& /*frame*/)
 
 void giveKeyboard(const ForeignPage& /*page*/) {}
 
-std::optional<bool> tabOutOfPage(const QWidget& /*frame*/, void* /*message*/)
+PageNews newsOfPage(const QWidget& /*frame*/, void* /*message*/)
 {
-    return {};
+    return PageNews::None;
 }

@@ -38,13 +38,26 @@ void giveKeyboard(const ForeignPage& page)
     SetFocus(handleOf(page.id));
 }
 
-std::optional<bool> tabOutOfPage(const QWidget& frame, void* message)
+PageNews newsOfPage(const QWidget& frame, void* message)
 {
     const MSG& native = *static_cast<const MSG*>(message);
-    const auto left = reinterpret_cast<HWND>(native.wParam);
     const HWND parent = handleOf(frame.internalWinId());
-    const bool isDown = GetKeyState(VK_TAB) < 0;
-    if (native.message != WM_SETFOCUS || native.hwnd != parent || !IsChild(parent, left) || !isForeign(left) || !isDown)
-        return {};
-    return GetKeyState(VK_SHIFT) >= 0;
+    const auto isPage = [parent](HWND window) { return IsChild(parent, window) && isForeign(window); };
+    switch (native.message) {
+    case WM_KEYDOWN:
+        if (native.wParam == VK_SHIFT)
+            return PageNews::None;
+        if (native.wParam != VK_TAB || !isPage(native.hwnd))
+            return PageNews::OtherInput;
+        return GetKeyState(VK_SHIFT) < 0 ? PageNews::TabBack : PageNews::TabOnward;
+    case WM_LBUTTONDOWN:
+    case WM_NCLBUTTONDOWN:
+    case WM_SYSKEYDOWN:
+        return PageNews::OtherInput;
+    case WM_SETFOCUS:
+        return native.hwnd == parent && isPage(reinterpret_cast<HWND>(native.wParam)) ? PageNews::GivesKeyboard
+                                                                                      : PageNews::None;
+    default:
+        return PageNews::None;
+    }
 }

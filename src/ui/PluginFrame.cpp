@@ -2,6 +2,13 @@
 
 #include "ui/ForeignPage.h"
 
+#include <QCoreApplication>
+
+PluginFrame::PluginFrame()
+{
+    QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
 bool PluginFrame::focusBehind(QWidget* from, bool next, const QRect& covered)
 {
     const auto step = [next](const QWidget* widget) {
@@ -28,15 +35,25 @@ bool PluginFrame::focusNextPrevChild(bool next)
     return true;
 }
 
+bool PluginFrame::nativeEventFilter(const QByteArray& /*kind*/, void* message, qintptr* /*result*/)
+{
+    const PageNews news = newsOfPage(*this, message);
+    if (news == PageNews::TabOnward || news == PageNews::TabBack)
+        m_tabInPage = news == PageNews::TabOnward;
+    else if (news == PageNews::OtherInput)
+        m_tabInPage.reset();
+    return false;
+}
+
 bool PluginFrame::nativeEvent(const QByteArray& kind, void* message, qintptr* result)
 {
-    if (const std::optional<bool> next = tabOutOfPage(*this, message)) {
+    if (newsOfPage(*this, message) == PageNews::GivesKeyboard && m_tabInPage) {
         // Qt gives the keyboard to the control that had it last; this comes behind that.
         QMetaObject::invokeMethod(
             this,
-            [this, next] {
+            [this, next = *m_tabInPage] {
                 if (const std::optional<ForeignPage> page = foreignPageIn(*this))
-                    focusBehind(this, *next, page->place);
+                    focusBehind(this, next, page->place);
             },
             Qt::QueuedConnection);
     }
