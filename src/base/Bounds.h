@@ -45,7 +45,8 @@ struct Bounds
     std::size_t modPictures = 512;
     /// Profiles that get a folder of their own.
     std::size_t profileFolders = 10'000;
-    /// Bytes of a help page, its tags, elements within elements, tables within tables, cells of its tables, its
+    /// Bytes of a help page, its tags, elements within elements, tables within tables (each of which halves
+    /// the bytes), cells of its tables, its
     /// pictures and all their points, and the rules of its styles; beyond them it is shown as text. What counts is how
     /// long the layout takes: a second at most.
     std::size_t helpPageBytes = 1 * mebibyte;
@@ -55,14 +56,16 @@ struct Bounds
     std::size_t helpTableCells = 10'000;
     std::size_t helpPictures = 1'000;
     std::int64_t helpPicturePoints = 16'000'000;
-    std::size_t helpStyleRules = 200;
+    std::size_t helpStyleRules = 100;
     /// Bytes of a help page that are shown as text; and places of a page in which searched words are marked.
-    std::size_t helpTextBytes = 256 * kibibyte;
+    std::size_t helpTextBytes = 128 * kibibyte;
     std::size_t helpMarks = 1'000;
     /// Bytes of the support conversation, and its lines, each of which the console lays out by itself; the oldest
     /// messages go.
     std::size_t conversationBytes = 16 * mebibyte;
     std::size_t conversationLines = 100'000;
+    /// Lines of one message of it; the rest is cut, and the message says so.
+    std::size_t messageLines = 10'000;
 
     /// Bytes of a download whose size no list tells; more is refused.
     std::size_t downloadBytes = 512 * mebibyte;

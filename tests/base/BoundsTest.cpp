@@ -159,6 +159,11 @@ private Q_SLOTS:
             [](std::size_t more) { return allStay({.conversationBytes = 12 - more}, "ab", 3); });
         row("lines of the conversation",
             [](std::size_t more) { return allStay({.conversationLines = 6 - more}, "a\r\nb", 2); });
+        row("lines of a message", [](std::size_t more) {
+            Conversation talk({.messageLines = 4});
+            talk.add(repeated("a\r\n", 4 + more));
+            return talk.shownText() == "a\na\na\na\n\n";
+        });
     }
     void whatIsBeyondABoundIsNotTaken()
     {

@@ -166,6 +166,16 @@ bool hasLongWord(std::string_view page)
     return word > longWords::longest;
 }
 
+/// How many bytes of plain text take as long to be laid out as a tag does.
+constexpr std::size_t bytesOfTag = 16;
+
+/// Whether what stands in tables takes too long: each table around it doubles the time.
+/// @param page  in lower case
+bool isTooMuchInTables(std::string_view page, int deepest, const Bounds& bounds)
+{
+    return (page.size() + bytesOfTag * countOf(page, "<")) >> 1 > bounds.helpPageBytes >> deepest;
+}
+
 /// Whether a page has more of anything than the layout can take in a moment, but for nesting and tables.
 /// @param page  in lower case
 bool isTooMuch(std::string_view page, const Bounds& bounds)
@@ -214,7 +224,8 @@ bool canBeLaidOut(std::string_view page, const Bounds& bounds)
             depth = std::max(0, depth - 1);
         quietUntil = behindMarkup(text, at);
     }
-    return nesting.deepest() <= bounds.helpNesting && !hasMoreCells(text, deepest > 1, bounds.helpTableCells);
+    return nesting.deepest() <= bounds.helpNesting && !isTooMuchInTables(text, deepest, bounds) &&
+           !hasMoreCells(text, deepest > 1, bounds.helpTableCells);
 }
 
 std::string pageAsText(std::string_view page, std::size_t maxBytes)

@@ -24,6 +24,17 @@ std::string asShown(std::string_view entry)
     return shown;
 }
 
+/// What of `text` stands in so many lines, saying so when that is not all.
+std::string cut(std::string text, std::size_t lines)
+{
+    std::size_t end = text.find('\n');
+    while (end != std::string::npos && --lines > 0)
+        end = text.find('\n', end + 1);
+    if (end != std::string::npos && end + emptyLine.size() < text.size())
+        text.replace(end, std::string::npos, "\n(The rest of the message is too long.)\n\n");
+    return text;
+}
+
 std::optional<std::size_t> position(std::size_t offset)
 {
     return offset == std::string_view::npos ? std::nullopt : std::optional(offset + 1);
@@ -31,9 +42,9 @@ std::optional<std::size_t> position(std::size_t offset)
 
 } // namespace
 
-Conversation::Entry Conversation::made(std::string_view entry)
+Conversation::Entry Conversation::made(std::string_view entry) const
 {
-    std::string text = asShown(entry);
+    std::string text = cut(asShown(entry), m_maxMessageLines);
     const std::size_t breaks = longWords::breaksIn(text).size();
     const auto ends = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
     const std::size_t laidOut = text.size() + breaks;

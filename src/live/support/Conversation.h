@@ -31,7 +31,8 @@ public:
 
     explicit Conversation(const Bounds& bounds = {})
         : m_maxBytes(bounds.conversationBytes),
-          m_maxLines(bounds.conversationLines)
+          m_maxLines(bounds.conversationLines),
+          m_maxMessageLines(bounds.messageLines)
     {}
 
     /// Adds what was said last. It is shown whatever the filter, so that nothing new is overlooked.
@@ -70,13 +71,14 @@ private:
         std::size_t lines = 0;   ///< the same
     };
 
-    static Entry made(std::string_view entry);
+    Entry made(std::string_view entry) const;
     void count(const Entry& entry);
     void discount(const Entry& entry);
     void dropOldest();
 
     std::size_t m_maxBytes;
     std::size_t m_maxLines;
+    std::size_t m_maxMessageLines;
     std::deque<Entry> m_entries; ///< the oldest first
     Number m_first = 0;
     std::size_t m_bytes = 0;
