@@ -204,7 +204,7 @@ void helpPages(Heartbeat& heart)
         runFor(300);
         browser.resize(browser.width() == 700 ? 500 : 700, 600);
         runFor(200);
-        std::fprintf(stderr, "%s: %lld ms\n", name.c_str(), static_cast<long long>(ofPage.greatest()));
+        std::fprintf(stderr, "%s: %lld ms\n", name.c_str(), static_cast<long long>(ofPage.greatest().whole));
     }
 }
 
@@ -314,7 +314,7 @@ int main(int argc, char** argv)
         } else if (std::string_view(argv[1]) == attack.name) {
             Heartbeat heart;
             attack.play(heart);
-            std::printf("%lld %.0f\n", static_cast<long long>(heart.greatest()), mebibytesOf("VmHWM"));
+            std::printf("%lld %.0f\n", static_cast<long long>(heart.greatest().whole), mebibytesOf("VmHWM"));
             return EXIT_SUCCESS;
         }
     }

@@ -87,10 +87,10 @@ std::function<bool()> gathering(std::size_t size)
     };
 }
 
-template <MakeReply make>
-std::function<bool()> gatheringWithOneSearch(std::size_t size)
+template <MakeReply make, bool looksForFailure>
+std::function<bool()> plainGathering(std::size_t size)
 {
-    return [whole = make(size), gatherer = std::make_shared<reference::Gatherer>()] {
+    return [whole = make(size), gatherer = std::make_shared<reference::Gatherer>(looksForFailure)] {
         eachChunk(whole, [&gatherer](std::string_view chunk) { gatherer->add(chunk); });
         return gatherer->take() == whole.size();
     };
@@ -160,9 +160,11 @@ const std::vector<CoreSubject>& coreSubjects()
         {"Base64 decode: ours", decoding<base64::decode>, textSizes},
         {"Base64 decode: plain table", decoding<reference::decodePlain>, textSizes},
         {"gathering binary: ours", gathering<binaryReply>, binarySizes},
-        {"gathering binary: one search", gatheringWithOneSearch<binaryReply>, binarySizes},
+        {"gathering binary: one search", plainGathering<binaryReply, false>, binarySizes},
+        {"gathering binary: two searches", plainGathering<binaryReply, true>, binarySizes},
         {"gathering Base64: ours", gathering<base64Reply>, replySizes},
-        {"gathering Base64: one search", gatheringWithOneSearch<base64Reply>, replySizes},
+        {"gathering Base64: one search", plainGathering<base64Reply, false>, replySizes},
+        {"gathering Base64: two searches", plainGathering<base64Reply, true>, replySizes},
         {"statistics: ours", statistics, playerCounts},
         {"statistics: one pass", statisticsInOnePass, playerCounts},
     };

@@ -3,8 +3,7 @@
 //
 //   FileStall [MIB]     64 unless told otherwise
 
-#include "Heartbeat.h"
-#include "QuietDesk.h"
+#include "StallProbe.h"
 #include "TrackerThread.h"
 #include "profiles/viewer/LinedText.h"
 #include "profiles/viewer/TextFinder.h"
@@ -17,6 +16,8 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDateEdit>
+#include <QElapsedTimer>
+#include <QFile>
 #include <QPlainTextEdit>
 #include <QTimer>
 
@@ -24,6 +25,7 @@
 #include <cstdlib>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -34,28 +36,14 @@ practice::World worldWithLog(int mebibytes)
     return world;
 }
 
-void logIn(QuietDesk& desk, quint16 port)
-{
-    ClientCore& core = desk.frame->core();
-    const std::filesystem::path store = core.folder.path("\\profiles.ini");
-    core.store.WriteIniKey("bench", "Host", "127.0.0.1", store);
-    core.store.WriteIniKey("bench", "Port", std::to_string(port), store);
-    core.store.WriteIniKey("bench", "User", "admin", store);
-    core.store.WriteIniKey("bench", "Pass", "admin", store);
-    QCoreApplication::processEvents();
-    desk.frame->connectProfile(u"bench"_s);
-    runUntil([&] {
-        const auto* list = desk.frame->findChild<GridView*>(u"fgProfiles"_s);
-        return list && list->rows().rowCount() > 0 && !core.link.pending();
-    });
-}
-
 int measure(int mebibytes)
 {
     const TrackerThread host(worldWithLog(mebibytes));
     QuietDesk desk;
     ClientCore& core = desk.frame->core();
-    logIn(desk, host.port());
+    saveConnection(desk, host.port());
+    QCoreApplication::processEvents();
+    logIn(desk);
     desk.frame->findChild<QTimer*>(u"tmrRefresh"_s)->stop();
     desk.frame->showWindowFor(u"qrvrcFileManager"_s, {.id = 1, .name = {}, .gameVersion = {}});
     QWidget* room = core.windows.window(u"qrvrcFileManager"_s);
@@ -73,7 +61,7 @@ int measure(int mebibytes)
     idle.start();
     Heartbeat heart;
     runUntil([&] { return idle.elapsed() > 500; });
-    const qint64 resting = heart.greatest();
+    const double resting = heart.greatest().whole;
     const double before = mebibytesOf("VmRSS");
 
     bool isReceived = false;
@@ -81,7 +69,7 @@ int measure(int mebibytes)
     grid->selectRow(1);
     Q_EMIT grid->rowOpened(1);
     runUntil([&] { return isReceived; });
-    const qint64 fetching = heart.greatest();
+    const double fetching = heart.greatest().whole;
     const auto size = static_cast<std::size_t>(mebibytes) << 20;
     QElapsedTimer expanding;
     expanding.start();
@@ -89,14 +77,14 @@ int measure(int mebibytes)
     const qint64 expandTime = expanding.elapsed();
     idle.restart();
     runUntil([&] { return idle.elapsed() > 100; });
-    const qint64 showing = heart.greatest();
+    const double showing = heart.greatest().whole;
     const double after = mebibytesOf("VmRSS");
 
     for (int step = 0; step < 200; ++step) {
         pane.select(size / 200 * static_cast<std::size_t>(step), size / 200 * static_cast<std::size_t>(step));
         QCoreApplication::processEvents();
     }
-    const qint64 walking = heart.greatest();
+    const double walking = heart.greatest().whole;
     TextFinder finder(core.codePage, nullptr);
     bool isOver = false;
     QObject::connect(&finder, &TextFinder::notFound, &heart, [&] { isOver = true; });
@@ -105,10 +93,10 @@ int measure(int mebibytes)
     finder.start(pane.text(), "no such line", 0, TextFinder::Way::Forward);
     runUntil([&] { return isOver; });
     const qint64 searchTime = searching.elapsed();
-    const qint64 finding = heart.greatest();
+    const double finding = heart.greatest().whole;
     pane.selectAll();
     pane.copy();
-    const qint64 copying = heart.greatest();
+    const double copying = heart.greatest().whole;
     QGuiApplication::clipboard()->clear();
     const double peak = mebibytesOf("VmHWM");
 
@@ -124,13 +112,11 @@ int measure(int mebibytes)
     edit.setPlainText(core.codePage.toText(pane.text()->bytes()));
     const qint64 editTime = editing.elapsed();
     const double editGrown = mebibytesOf("VmRSS") - beforeEdit;
-    std::printf("{\"resting\": %lld, \"fetching\": %lld, \"showing\": %lld, \"walking\": %lld, \"finding\": %lld, "
-                "\"copying\": %lld, \"expand_time\": %lld, \"search_time\": %lld, \"grown_mib\": %.0f, "
+    std::printf("{\"resting\": %.1f, \"fetching\": %.1f, \"showing\": %.1f, \"walking\": %.1f, \"finding\": %.1f, "
+                "\"copying\": %.1f, \"expand_time\": %lld, \"search_time\": %lld, \"grown_mib\": %.0f, "
                 "\"peak_mib\": %.0f, \"edit_time\": %lld, \"edit_grown_mib\": %.0f}\n",
-                static_cast<long long>(resting), static_cast<long long>(fetching), static_cast<long long>(showing),
-                static_cast<long long>(walking), static_cast<long long>(finding), static_cast<long long>(copying),
-                static_cast<long long>(expandTime), static_cast<long long>(searchTime), after - before, peak,
-                static_cast<long long>(editTime), editGrown);
+                resting, fetching, showing, walking, finding, copying, static_cast<long long>(expandTime),
+                static_cast<long long>(searchTime), after - before, peak, static_cast<long long>(editTime), editGrown);
     return EXIT_SUCCESS;
 }
 

@@ -24,6 +24,7 @@ void rowCounts(benchmark::internal::Benchmark* row)
 BENCHMARK_TEMPLATE(refill, EagerGrid)->Name("refill: ours")->Apply(rowCounts);
 BENCHMARK_TEMPLATE(refill, LazyGrid)->Name("refill: ours, rows on demand")->Apply(rowCounts);
 BENCHMARK_TEMPLATE(refill, ItemGrid)->Name("refill: QTableWidget")->Apply(rowCounts);
+BENCHMARK_TEMPLATE(refill, StaticTextRows)->Name("refill: static texts")->Apply(rowCounts);
 BENCHMARK_TEMPLATE(refill, StockDelegateGrid)
     ->Name("refill: stock delegate, rows on demand")
     ->Arg(1000)

@@ -1,4 +1,5 @@
-// Refills a grid for an instruction counter: GridCount ours|lazy|items ROWS TIMES. Only countedRefill() is of interest.
+// Refills a grid for an instruction counter: GridCount ours|lazy|items|statics ROWS TIMES. Only countedRefill() is of
+// interest.
 
 #include "GridSubjects.h"
 
@@ -43,6 +44,8 @@ int main(int argc, char** argv)
         return run<LazyGrid>(rows, times);
     if (subject == "items")
         return run<ItemGrid>(rows, times);
-    std::fputs("usage: GridCount ours|lazy|items ROWS TIMES\n", stderr);
+    if (subject == "statics")
+        return run<StaticTextRows>(rows, times);
+    std::fputs("usage: GridCount ours|lazy|items|statics ROWS TIMES\n", stderr);
     return badUsage;
 }

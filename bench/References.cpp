@@ -161,29 +161,38 @@ std::string reference::decodePlain(std::string_view text)
 
 void reference::Gatherer::add(std::string_view chunk)
 {
-    constexpr std::string_view endMark = "[ND]";
     if (m_buffer.size() < m_size + chunk.size())
         m_buffer.resize((m_size + chunk.size()) * 2);
     std::memcpy(m_buffer.data() + m_size, chunk.data(), chunk.size());
     m_size += chunk.size();
+    lookFor("[ND]", 0, m_from, m_end);
+    if (m_looksForFailure)
+        lookFor("Login Failed", 5, m_failureFrom, m_failureEnd);
+}
+
+/// @param rarest  which character of `text` is searched for
+/// @param from    where to begin, and afterwards where to go on
+/// @param end     behind the last place where it was found
+void reference::Gatherer::lookFor(std::string_view text, std::size_t rarest, std::size_t& from, std::size_t& end) const
+{
     const char* const begin = m_buffer.data();
-    while (m_size - m_from >= endMark.size()) {
-        const void* const found = std::memchr(begin + m_from, endMark[0], m_size - m_from - endMark.size() + 1);
+    while (m_size - from >= text.size()) {
+        const void* const found = std::memchr(begin + from + rarest, text[rarest], m_size - from - text.size() + 1);
         if (found == nullptr) {
-            m_from = m_size - endMark.size() + 1;
+            from = m_size - text.size() + 1;
             return;
         }
-        const auto at = static_cast<std::size_t>(static_cast<const char*>(found) - begin);
-        if (std::memcmp(begin + at, endMark.data(), endMark.size()) == 0)
-            m_end = at + endMark.size();
-        m_from = at + 1;
+        const auto at = static_cast<std::size_t>(static_cast<const char*>(found) - begin) - rarest;
+        if (std::memcmp(begin + at, text.data(), text.size()) == 0)
+            end = at + text.size();
+        from = at + 1;
     }
 }
 
 std::size_t reference::Gatherer::take()
 {
-    const std::size_t end = m_end;
-    m_size = m_from = m_end = 0;
+    const std::size_t end = m_failureEnd > 0 ? 0 : m_end; // none of what is gathered here is a failure
+    m_size = m_from = m_end = m_failureFrom = m_failureEnd = 0;
     return end;
 }
 

@@ -18,19 +18,27 @@ std::string encodePairs(std::string_view bytes);
 /// Base64 with one table of 256 six-bit values. An empty text for what is no Base64.
 std::string decodePlain(std::string_view text);
 
-/// Gathers replies in a buffer that it keeps, with one search for the end mark.
+/// Gathers replies in a buffer that it keeps, with one search for the end mark, and with another for a login failure
+/// when that is wanted.
 class Gatherer
 {
 public:
+    explicit Gatherer(bool looksForFailure) : m_looksForFailure(looksForFailure) {}
+
     void add(std::string_view chunk);
     /// Bytes up to the end of the reply that was gathered, which is then forgotten; 0 when there is none.
     std::size_t take();
 
 private:
+    void lookFor(std::string_view text, std::size_t rarest, std::size_t& from, std::size_t& end) const;
+
+    const bool m_looksForFailure;
     std::string m_buffer;
     std::size_t m_size = 0;
     std::size_t m_from = 0; ///< no end mark begins before
     std::size_t m_end = 0;
+    std::size_t m_failureFrom = 0;
+    std::size_t m_failureEnd = 0;
 };
 
 /// Goes once through a "GetPlayerStats" reply, with views into it and one kept buffer for what is decoded. It looks
