@@ -1,5 +1,6 @@
 #include "app/LicencesPage.h"
 
+#include "base/Bounds.h"
 #include "base/RuntimeError.h"
 #include "platform/system/FileBytes.h"
 #include "platform/system/PathText.h"
@@ -18,8 +19,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int gap = 8;
-constexpr std::size_t maxTextBytes = std::size_t{1024} * 1024;
-constexpr qsizetype maxTexts = 100;
 const QString ending = u".txt"_s;
 const QString ownLicence = u"QRVRC"_s; // is shown first, and tells of the others
 
@@ -51,7 +50,7 @@ void LicencesPage::fill()
     std::error_code fault;
     for (const fs::directory_entry& entry : fs::directory_iterator(m_folder, fault)) {
         const QString name = textOf(entry.path().filename());
-        if (name.endsWith(ending) && names.size() < maxTexts)
+        if (name.endsWith(ending) && static_cast<std::size_t>(names.size()) < Bounds{}.licences)
             names += name.chopped(ending.size());
     }
     names.sort(Qt::CaseInsensitive);
@@ -67,7 +66,7 @@ void LicencesPage::showText(const QString& name)
         return;
     }
     try {
-        const std::string text = readBytes(m_folder / pathOf(name + ending), maxTextBytes);
+        const std::string text = readBytes(m_folder / pathOf(name + ending), Bounds{}.licenceBytes);
         txtLicence->setPlainText(QString::fromStdString(text));
     } catch (const RuntimeError& error) {
         txtLicence->setPlainText(

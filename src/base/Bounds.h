@@ -72,4 +72,8 @@ struct Bounds
     /// Bytes of an update list, and its records; more is refused.
     std::size_t updateListBytes = 1 * mebibyte;
     std::size_t updateListRecords = 20'000;
+
+    /// Bytes of one licence text that lies beside the program, and how many of them are listed.
+    std::size_t licenceBytes = 1 * mebibyte;
+    std::size_t licences = 100;
 };
