@@ -1,5 +1,5 @@
 // What a hostile host, list, book or folder can do to the program at its worst, one attack a run. Prints the longest
-// stall of the window in milliseconds and the most memory that the process held in MiB.
+// stall of the window in milliseconds of processor time and the most memory that the process held in MiB.
 //
 //   Attacks NAME        without a name: the names
 
@@ -13,6 +13,8 @@
 #include "practice/answers/Answers.h"
 #include "practice/web/UpdatePages.h"
 #include "practice/web/WebSide.h"
+#include "profiles/viewer/LinedText.h"
+#include "profiles/viewer/TextPane.h"
 #include "store/ErrorLogBlock.h"
 #include "ui/Grid.h"
 
@@ -25,6 +27,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <map>
 
 using namespace Qt::StringLiterals;
@@ -59,14 +62,57 @@ void runFor(int milliseconds)
     runUntil([&] { return clock.hasExpired(milliseconds); });
 }
 
+/// Processor time of the window's thread, which others on the machine do not lengthen.
+class Beat : public QObject
+{
+public:
+    Beat()
+    {
+        connect(&m_timer, &QTimer::timeout, this, &Beat::greatest);
+        m_timer.start(5);
+    }
+    /// The most between two turns of the event loop since `reset`, in milliseconds.
+    qint64 greatest()
+    {
+        const qint64 now = clock();
+        m_greatest = std::max(m_greatest, now - m_last);
+        m_last = now;
+        return m_greatest;
+    }
+    void reset()
+    {
+        m_last = clock();
+        m_greatest = 0;
+    }
+
+private:
+    static qint64 clock()
+    {
+        timespec now{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+        return qint64{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+    }
+
+    QTimer m_timer;
+    qint64 m_last = clock();
+    qint64 m_greatest = 0;
+};
+
+/// An attack that does nothing shows nothing.
+void demand(bool hasEffect, const char* effect)
+{
+    if (!hasEffect)
+        qFatal("the attack has no effect: %s", effect);
+}
+
 /// What was needed to prepare the attack does not count.
-void begin(Heartbeat& heart)
+void begin(Beat& heart)
 {
     QFile peak(u"/proc/self/clear_refs"_s);
     if (!peak.open(QFile::WriteOnly) || peak.write("5") != 1)
         qFatal("the memory cannot be measured");
     peak.close();
-    heart.greatest();
+    heart.reset();
 }
 
 /// The client, and what is done to it.
@@ -112,7 +158,7 @@ std::string packed(const std::string& text)
     return std::to_string(text.size()) + "[-]Quorvane[-]" + qCompress(bytes, 9).mid(4).toStdString();
 }
 
-void malformedMessages(Heartbeat& heart)
+void malformedMessages(Beat& heart)
 {
     Victim victim;
     const auto owner = std::make_shared<const std::string>("Plugin_%%%");
@@ -125,7 +171,7 @@ void malformedMessages(Heartbeat& heart)
     victim.feed(victim.core().wsMain, "0000020[ST]Plugin_%%%[ND]", 16 * mebibyte);
 }
 
-void hugeReply(Heartbeat& heart)
+void hugeReply(Beat& heart)
 {
     Victim victim;
     begin(heart);
@@ -134,15 +180,18 @@ void hugeReply(Heartbeat& heart)
     victim.feed(victim.core().wsMain, "[ND]");
 }
 
-void manyAccounts(Heartbeat& heart)
+void manyAccounts(Beat& heart)
 {
     Victim victim;
-    victim.open(u"qrvrcProfileAdmin"_s);
-    const std::string account = base64::encode("a") + '|' + base64::encode("b") + "|1.2.3.4|Offline";
-    const std::string body = packed(repeated(account + "[-]", 67 * mebibyte));
+    QWidget& admins = victim.open(u"qrvrcProfileAdmin"_s);
+    std::string accounts;
+    for (int number = 0; accounts.size() < 67 * mebibyte; ++number)
+        accounts += base64::encode("a" + std::to_string(number)) + "|cHc=|1.2.3.4|Offline[-]";
+    const std::string body = packed(accounts);
     begin(heart);
     victim.answer("GetProfileAdmins", body);
-    runFor(3000);
+    runFor(4000);
+    demand(admins.findChild<GridView*>()->rows().rowCount() >= 100'000, "accounts are shown");
 }
 
 practice::World worldOf(int profiles, int pictures)
@@ -160,10 +209,10 @@ practice::World worldOf(int profiles, int pictures)
     return world;
 }
 
-void listed(Heartbeat& heart, practice::World world)
+void listed(Beat& heart, practice::World world)
 {
     Victim victim;
-    victim.open(u"qrvrcProfilesList"_s);
+    const QWidget& list = victim.open(u"qrvrcProfilesList"_s);
     const practice::Account who = *world.account("admin");
     const std::string body = practice::answerRequest(world, who, {"GetProfiles", "admin_", {}}).body.toStdString();
     world = {};
@@ -172,9 +221,10 @@ void listed(Heartbeat& heart, practice::World world)
         victim.answer("GetProfiles", body);
         runFor(2000);
     }
+    demand(list.findChild<GridView*>()->rows().rowCount() > 1000, "profiles are shown");
 }
 
-void helpPages(Heartbeat& heart)
+void helpPages(Beat& heart)
 {
     static const std::map<std::string, std::string> pages{
         {"/words", repeated("word and more ", mebibyte)},
@@ -198,7 +248,7 @@ void helpPages(Heartbeat& heart)
     browser.show();
     begin(heart);
     for (const auto& [name, page] : pages) {
-        Heartbeat ofPage;
+        Beat ofPage;
         browser.setSource(bookUrl(QString::fromStdString(name)), QTextDocument::HtmlResource);
         browser.mark({u"a"_s, u"word"_s});
         runFor(300);
@@ -208,7 +258,7 @@ void helpPages(Heartbeat& heart)
     }
 }
 
-void largeLog(Heartbeat& heart)
+void largeLog(Beat& heart)
 {
     const AppFolder folder(QuietDesk::folder());
     writeBytes(folder.path("\\ErrorLog.txt"),
@@ -218,11 +268,12 @@ void largeLog(Heartbeat& heart)
     begin(heart);
     victim.click(centre, u"cmdViewErrors"_s);
     runFor(3000);
+    demand(centre.findChild<TextPane*>(u"txtErrLog"_s)->text()->size() > 8 * mebibyte, "the log is shown");
     victim.click(centre, u"cmdShowReport"_s);
     victim.click(centre, u"cmdClearErrors"_s);
 }
 
-void conversation(Heartbeat& heart, const std::string& message, std::size_t bytes)
+void conversation(Beat& heart, const std::string& message, std::size_t bytes)
 {
     Victim victim;
     victim.desk.frame->supportDesk().open();
@@ -230,6 +281,7 @@ void conversation(Heartbeat& heart, const std::string& message, std::size_t byte
     const std::string text = "Message_" + base64::encode(conversationEntry("Host", message));
     begin(heart);
     victim.feed(victim.core().wSupport, text, bytes);
+    demand(victim.desk.frame->supportDesk().talk()->conversation.first() > 0, "messages go");
     QWidget& console = *victim.core().windows.window(u"qrvrcSupport"_s);
     console.findChild<QLineEdit*>(u"txtFilter"_s)->setText(u"a"_s);
     victim.click(console, u"cmdFilter"_s);
@@ -243,7 +295,7 @@ void conversation(Heartbeat& heart, const std::string& message, std::size_t byte
     runFor(500);
 }
 
-void manyConnections(Heartbeat& heart)
+void manyConnections(Beat& heart)
 {
     const AppFolder folder(QuietDesk::folder());
     std::string ini;
@@ -254,6 +306,7 @@ void manyConnections(Heartbeat& heart)
     Victim victim;
     QWidget& login = victim.open(u"qrvrcLogin"_s);
     auto* profiles = login.findChild<QComboBox*>(u"cboProfile"_s);
+    demand(profiles->count() > 20'000, "profiles are listed");
     profiles->showPopup();
     runFor(200);
     profiles->hidePopup();
@@ -261,41 +314,44 @@ void manyConnections(Heartbeat& heart)
     runFor(300);
 }
 
-void longUpdateList(Heartbeat& heart)
+void longUpdateList(Beat& heart)
 {
     practice::WebSide web;
     if (!web.listen())
         qFatal("no port can be had");
     QList<practice::OfferedFile> files;
     for (int number = 0; number < 20'000; ++number)
-        files += practice::OfferedFile{.name = "f" + QByteArray::number(number), .folder = "\\", .version = "9.0.0.0"};
+        files += practice::OfferedFile{.name = "f" + QByteArray::number(number), .folder = "\\", .version = "9"};
     web.updates().setPage("qrvv3rc_filelist.txt", practice::UpdatePages::listOf(files));
     Victim victim(web.base());
     QWidget& update = victim.open(u"qrvrcUpdate"_s);
     begin(heart);
     victim.click(update, u"cmdUpdateQRV"_s);
     runFor(4000);
+    const auto grids = update.findChildren<GridView*>();
+    demand(
+        std::any_of(grids.begin(), grids.end(), [](const GridView* grid) { return grid->rows().rowCount() > 10'000; }),
+        "files are shown");
 }
 
 struct Attack
 {
     const char* name;
-    void (*play)(Heartbeat& heart);
+    void (*play)(Beat& heart);
 };
 
 constexpr Attack attacks[]{
     {"malformed-messages", malformedMessages},
     {"huge-reply", hugeReply},
     {"accounts", manyAccounts},
-    {"mod-pictures", [](Heartbeat& heart) { listed(heart, worldOf(2'000, 2'000)); }},
-    {"profile-folders", [](Heartbeat& heart) { listed(heart, worldOf(12'000, 0)); }},
+    {"mod-pictures", [](Beat& heart) { listed(heart, worldOf(2'000, 2'000)); }},
+    {"profile-folders", [](Beat& heart) { listed(heart, worldOf(12'000, 0)); }},
     {"help-pages", helpPages},
     {"error-log", largeLog},
-    {"short-messages", [](Heartbeat& heart) { conversation(heart, "a", 64 * mebibyte); }},
+    {"short-messages", [](Beat& heart) { conversation(heart, "a", 64 * mebibyte); }},
     {"long-messages",
-     [](Heartbeat& heart) { conversation(heart, repeated("said and done ", 180 * Bounds::kibibyte), 24 * mebibyte); }},
-    {"many-lines",
-     [](Heartbeat& heart) { conversation(heart, std::string(180 * Bounds::kibibyte, '\n'), 24 * mebibyte); }},
+     [](Beat& heart) { conversation(heart, repeated("said and done ", 180 * Bounds::kibibyte), 24 * mebibyte); }},
+    {"many-lines", [](Beat& heart) { conversation(heart, std::string(180 * Bounds::kibibyte, '\n'), 24 * mebibyte); }},
     {"connections", manyConnections},
     {"update-list", longUpdateList},
 };
@@ -312,7 +368,7 @@ int main(int argc, char** argv)
         if (argc < 2) {
             std::puts(attack.name);
         } else if (std::string_view(argv[1]) == attack.name) {
-            Heartbeat heart;
+            Beat heart;
             attack.play(heart);
             std::printf("%lld %.0f\n", static_cast<long long>(heart.greatest().whole), mebibytesOf("VmHWM"));
             return EXIT_SUCCESS;
