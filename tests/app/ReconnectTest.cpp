@@ -1,5 +1,6 @@
 #include "app/StatusLabel.h"
 #include "app/StatusLine.h"
+#include "live/support/SupportDesk.h"
 #include "support/AddRow.h"
 #include "support/Desk.h"
 
