@@ -29,10 +29,10 @@ StatusLine::StatusLine(QStatusBar& statusBar, ClientCore& core, QObject* parent)
     : QObject(parent),
       m_bar(statusBar),
       m_core(core),
-      lblLink(new StatusLabel(u"lblLink"_s, &statusBar)),
+      lblConnection(new StatusLabel(u"lblConnection"_s, &statusBar)),
       lblNote(new ElidedLabel(u"lblNote"_s, &statusBar))
 {
-    statusBar.addWidget(lblLink, linkShare);
+    statusBar.addWidget(lblConnection, linkShare);
     statusBar.addWidget(lblNote, messageShare);
     lblNote->hide();
     m_soon.setSingleShot(true);
@@ -65,7 +65,7 @@ void StatusLine::wireLink()
         showSoon();
     });
     connect(&m_core.status, &StatusSlot::told, this, &StatusLine::tell);
-    connect(this, &StatusLine::stateTold, lblLink, &StatusLabel::announce);
+    connect(this, &StatusLine::stateTold, lblConnection, &StatusLabel::announce);
 }
 
 void StatusLine::tell(const QString& text)
@@ -114,7 +114,7 @@ void StatusLine::showNow()
     QStringList texts{linkText(link)};
     if (link.phase == LinkPhase::LoggedIn)
         texts += listTexts(listFacts());
-    lblLink->show(markOf(link), texts);
+    lblConnection->show(markOf(link), texts);
     const QString steady = steadyLinkText(link);
     if (std::exchange(m_announced, steady) != steady)
         Q_EMIT stateTold(steady);

@@ -52,7 +52,7 @@ private:
 
     QStatusBar& m_bar;
     ClientCore& m_core;
-    StatusLabel* lblLink;
+    StatusLabel* lblConnection;
     ElidedLabel* lblNote;
     QPushButton* cmdTryNow = nullptr; ///< from the first countdown on
     QPushButton* cmdStopTrying = nullptr;

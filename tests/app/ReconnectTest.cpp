@@ -52,7 +52,7 @@ public:
         control(u"cmdTryNow"_s).setFocus();
         QTest::keyClick(&control(u"cmdTryNow"_s), Qt::Key_Space);
     }
-    QString status() { return control<StatusLabel>(u"lblLink"_s).text(); }
+    QString status() { return control<StatusLabel>(u"lblConnection"_s).text(); }
     bool isInFront(const QString& window)
     {
         auto* found = frame().findChild<QWidget*>(window);
@@ -202,7 +202,7 @@ private Q_SLOTS:
         QCOMPARE(lost[0][0].toString(), u"the host closed the connection"_s);
         QVERIFY(!lost[0][1].toBool());
         QVERIFY(!desk.frame().findChild<QWidget*>(u"cmdTryNow"_s));
-        QTRY_COMPARE(desk.control<StatusLabel>(u"lblLink"_s).text(),
+        QTRY_COMPARE(desk.control<StatusLabel>(u"lblConnection"_s).text(),
                      u"not connected: the host closed the connection"_s);
     }
 
