@@ -323,11 +323,14 @@ void longUpdateList(Beat& heart)
     for (int number = 1; number < 20'000; ++number)
         files += practice::OfferedFile{.name = "f" + QByteArray::number(number), .folder = "\\", .version = "9"};
     web.updates().setPage("qrvv3rc_filelist.txt", practice::UpdatePages::listOf(files));
+    const AppFolder folder(QuietDesk::folder());
+    folder.makeFolder("\\settings");
+    writeBytes(folder.path("\\settings\\config.ini"), "[Settings]\r\nCheckForUpdates=0\r\n"); // the built-in location
     Victim victim(web.base());
     QWidget& update = victim.open(u"qrvrcUpdate"_s);
     begin(heart);
     victim.click(update, u"cmdUpdateQRV"_s);
-    runFor(4000);
+    runFor(20000);
     const auto grids = update.findChildren<GridView*>();
     demand(
         std::any_of(grids.begin(), grids.end(), [](const GridView* grid) { return grid->rows().rowCount() > 10'000; }),
