@@ -24,12 +24,12 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QLineEdit>
 
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <map>
 
 using namespace Qt::StringLiterals;
@@ -64,42 +64,6 @@ void runFor(int milliseconds)
     runUntil([&] { return clock.hasExpired(milliseconds); });
 }
 
-/// Processor time of the window's thread, which others on the machine do not lengthen.
-class Beat : public QObject
-{
-public:
-    Beat()
-    {
-        connect(&m_timer, &QTimer::timeout, this, &Beat::greatest);
-        m_timer.start(5);
-    }
-    /// The most between two turns of the event loop since `reset`, in milliseconds.
-    qint64 greatest()
-    {
-        const qint64 now = clock();
-        m_greatest = std::max(m_greatest, now - m_last);
-        m_last = now;
-        return m_greatest;
-    }
-    void reset()
-    {
-        m_last = clock();
-        m_greatest = 0;
-    }
-
-private:
-    static qint64 clock()
-    {
-        timespec now{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-        return qint64{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
-    }
-
-    QTimer m_timer;
-    qint64 m_last = clock();
-    qint64 m_greatest = 0;
-};
-
 /// An attack that does nothing shows nothing.
 void demand(bool hasEffect, const char* effect)
 {
@@ -108,13 +72,13 @@ void demand(bool hasEffect, const char* effect)
 }
 
 /// What was needed to prepare the attack does not count.
-void begin(Beat& heart)
+void begin(Heartbeat& heart)
 {
     QFile peak(u"/proc/self/clear_refs"_s);
     if (!peak.open(QFile::WriteOnly) || peak.write("5") != 1)
         qFatal("the memory cannot be measured");
     peak.close();
-    heart.reset();
+    heart.greatest();
 }
 
 /// The client, and what is done to it.
@@ -160,7 +124,7 @@ std::string packed(const std::string& text)
     return std::to_string(text.size()) + "[-]Quorvane[-]" + qCompress(bytes, 9).mid(4).toStdString();
 }
 
-void malformedMessages(Beat& heart)
+void malformedMessages(Heartbeat& heart)
 {
     Victim victim;
     const auto owner = std::make_shared<const std::string>("Plugin_%%%");
@@ -173,7 +137,7 @@ void malformedMessages(Beat& heart)
     victim.feed(victim.core().wsMain, "0000020[ST]Plugin_%%%[ND]", 16 * mebibyte);
 }
 
-void hugeReply(Beat& heart)
+void hugeReply(Heartbeat& heart)
 {
     Victim victim;
     begin(heart);
@@ -183,7 +147,7 @@ void hugeReply(Beat& heart)
 }
 
 /// The window lets another thread do this, so what it holds up is nobody; what it takes is the same.
-void manyAccounts(Beat& heart)
+void manyAccounts(Heartbeat& heart)
 {
     std::string accounts;
     for (int number = 0; accounts.size() < 67 * mebibyte; ++number)
@@ -209,7 +173,7 @@ practice::World worldOf(int profiles, int pictures)
     return world;
 }
 
-void listed(Beat& heart, practice::World world)
+void listed(Heartbeat& heart, practice::World world)
 {
     Victim victim;
     const QWidget& list = victim.open(u"qrvrcProfilesList"_s);
@@ -224,7 +188,7 @@ void listed(Beat& heart, practice::World world)
     demand(list.findChild<GridView*>()->rows().rowCount() > 1000, "profiles are shown");
 }
 
-void helpPages(Beat& heart)
+void helpPages(Heartbeat& heart)
 {
     static const std::map<std::string, std::string> pages{
         {"/words", repeated("word and more ", mebibyte)},
@@ -248,17 +212,17 @@ void helpPages(Beat& heart)
     browser.show();
     begin(heart);
     for (const auto& [name, page] : pages) {
-        Beat ofPage;
+        Heartbeat ofPage;
         browser.setSource(bookUrl(QString::fromStdString(name)), QTextDocument::HtmlResource);
         browser.mark({u"a"_s, u"word"_s});
         runFor(300);
         browser.resize(browser.width() == 700 ? 500 : 700, 600);
         runFor(200);
-        std::fprintf(stderr, "%s: %lld ms\n", name.c_str(), static_cast<long long>(ofPage.greatest().whole));
+        std::fprintf(stderr, "%s: %.0f ms\n", name.c_str(), ofPage.greatest().busy);
     }
 }
 
-void largeLog(Beat& heart)
+void largeLog(Heartbeat& heart)
 {
     const AppFolder folder(QuietDesk::folder());
     writeBytes(folder.path("\\ErrorLog.txt"),
@@ -273,7 +237,7 @@ void largeLog(Beat& heart)
     victim.click(centre, u"cmdClearErrors"_s);
 }
 
-void conversation(Beat& heart, const std::string& message, std::size_t bytes)
+void conversation(Heartbeat& heart, const std::string& message, std::size_t bytes)
 {
     Victim victim;
     victim.desk.frame->supportDesk().open();
@@ -295,7 +259,7 @@ void conversation(Beat& heart, const std::string& message, std::size_t bytes)
     runFor(500);
 }
 
-void manyConnections(Beat& heart)
+void manyConnections(Heartbeat& heart)
 {
     const AppFolder folder(QuietDesk::folder());
     std::string ini;
@@ -314,7 +278,7 @@ void manyConnections(Beat& heart)
     runFor(300);
 }
 
-void longUpdateList(Beat& heart)
+void longUpdateList(Heartbeat& heart)
 {
     practice::WebSide web;
     if (!web.listen())
@@ -340,21 +304,22 @@ void longUpdateList(Beat& heart)
 struct Attack
 {
     const char* name;
-    void (*play)(Beat& heart);
+    void (*play)(Heartbeat& heart);
 };
 
 constexpr Attack attacks[]{
     {"malformed-messages", malformedMessages},
     {"huge-reply", hugeReply},
     {"accounts", manyAccounts},
-    {"mod-pictures", [](Beat& heart) { listed(heart, worldOf(2'000, 2'000)); }},
-    {"profile-folders", [](Beat& heart) { listed(heart, worldOf(12'000, 0)); }},
+    {"mod-pictures", [](Heartbeat& heart) { listed(heart, worldOf(2'000, 2'000)); }},
+    {"profile-folders", [](Heartbeat& heart) { listed(heart, worldOf(12'000, 0)); }},
     {"help-pages", helpPages},
     {"error-log", largeLog},
-    {"short-messages", [](Beat& heart) { conversation(heart, "a", 64 * mebibyte); }},
+    {"short-messages", [](Heartbeat& heart) { conversation(heart, "a", 64 * mebibyte); }},
     {"long-messages",
-     [](Beat& heart) { conversation(heart, repeated("said and done ", 180 * Bounds::kibibyte), 24 * mebibyte); }},
-    {"many-lines", [](Beat& heart) { conversation(heart, std::string(180 * Bounds::kibibyte, '\n'), 24 * mebibyte); }},
+     [](Heartbeat& heart) { conversation(heart, repeated("said and done ", 180 * Bounds::kibibyte), 24 * mebibyte); }},
+    {"many-lines",
+     [](Heartbeat& heart) { conversation(heart, std::string(180 * Bounds::kibibyte, '\n'), 24 * mebibyte); }},
     {"connections", manyConnections},
     {"update-list", longUpdateList},
 };
@@ -371,9 +336,9 @@ int main(int argc, char** argv)
         if (argc < 2) {
             std::puts(attack.name);
         } else if (std::string_view(argv[1]) == attack.name) {
-            Beat heart;
+            Heartbeat heart;
             attack.play(heart);
-            std::printf("%lld %.0f\n", static_cast<long long>(heart.greatest().whole), mebibytesOf("VmHWM"));
+            std::printf("%.0f %.0f\n", heart.greatest().busy, mebibytesOf("VmHWM"));
             return EXIT_SUCCESS;
         }
     }
