@@ -45,15 +45,13 @@ constexpr int buttonWidth = 130;
 constexpr int buttonSpacing = 8;
 
 /// Decodes a profile and notes what is to be kept for it.
-/// @throws RuntimeError as `decodeProfileRecord` does; PermissionDenied for an id or a picture that is no plain name
+/// @throws RuntimeError as `decodeProfileRecord` does; PermissionDenied for a picture that is no plain name
 ProfileRecord takeProfile(const ProfileElement& element, ProfileFiles::Wanted& files)
 {
     ProfileRecord record = decodeProfileRecord(element.text);
     const bool hasPicture = !trimmed(record.modPicture).empty();
-    for (const std::string& name : {record.id, hasPicture ? record.modPicture : record.id}) {
-        if (!isPlainFileName(name))
-            throw RuntimeError(ErrorNumber::PermissionDenied, name);
-    }
+    if (hasPicture && !isPlainFileName(record.modPicture))
+        throw RuntimeError(ErrorNumber::PermissionDenied, record.modPicture);
     files.folders.push_back(record.id);
     if (hasPicture && !element.picture.empty())
         files.pictures.push_back({record.modPicture, element.picture});

@@ -129,8 +129,9 @@ private Q_SLOTS:
     void pathsInAnOlderLogStayHere()
     {
         Rig rig;
-        appendBytes(rig.folder.path("\\ErrorLog.txt"),
-                    formatErrorLogBlock({.description = "bad: " + (rig.folder.root() / "a/b.dll").string()}));
+        ErrorLogBlock block;
+        block.description = "bad: " + (rig.folder.root() / "a/b.dll").string();
+        appendBytes(rig.folder.path("\\ErrorLog.txt"), formatErrorLogBlock(block));
         rig.click(u"cmdViewErrors"_s);
         rig.click(u"cmdSendErrors"_s);
         QVERIFY(rig.isDone());

@@ -175,9 +175,9 @@ private Q_SLOTS:
     {
         addColumns<QByteArray, QString>("element", "error");
         addRow("too few fields", "1|Alpha|x"_ba.toBase64(), u"Error 9: "_s);
-        addRow("an id that leaves the folder", element({.id = ".."}), u"Error 70: "_s);
-        addRow("an id that is a path", element({.id = "..\\..\\evil"}), u"Error 70: "_s);
-        addRow("an empty id", element({.id = ""}), u"Error 70: "_s);
+        addRow("an id that leaves the folder", element({.id = ".."}), u"Error 13: "_s);
+        addRow("an id that is a path", element({.id = "..\\..\\evil"}), u"Error 13: "_s);
+        addRow("an empty id", element({.id = ""}), u"Error 13: "_s);
         addRow("a picture that leaves the folder", element({.picture = "..\\..\\x.gif"}), u"Error 70: "_s);
         addRow("a picture with a slash", element({.picture = "a/b"}), u"Error 70: "_s);
         addRow("a picture on a drive", element({.picture = "c:x.gif"}), u"Error 70: "_s);
