@@ -131,7 +131,14 @@ void StatusLine::showTries()
         auto* made = new QPushButton(caption, &m_bar);
         made->setObjectName(name);
         made->setToolTip(tip);
-        made->setMaximumHeight(m_bar.fontMetrics().height()); // the frame's parts keep their places
+        // The frame's parts keep their places, so there is no room for a frame around the words.
+        made->setMaximumHeight(m_bar.fontMetrics().height());
+        made->setFlat(true);
+        QPalette colours = made->palette();
+        colours.setColor(QPalette::ButtonText, colours.color(QPalette::Link));
+        colours.setColor(QPalette::Disabled, QPalette::ButtonText,
+                         colours.color(QPalette::Disabled, QPalette::WindowText));
+        made->setPalette(colours);
         m_bar.addWidget(made);
         return made;
     };
