@@ -47,7 +47,8 @@ public:
     }
     void pressTry()
     {
-        if (!QTest::qWaitFor([this] { return isInFront(u"cmdTryNow"_s); }, patience))
+        const auto isThere = [this] { return isInFront(u"cmdTryNow"_s) && control(u"cmdTryNow"_s).isEnabled(); };
+        if (!QTest::qWaitFor(isThere, patience))
             qFatal("there is nothing to press");
         control(u"cmdTryNow"_s).setFocus();
         QTest::keyClick(&control(u"cmdTryNow"_s), Qt::Key_Space);
