@@ -64,7 +64,8 @@ void checkRoundTrip(std::string_view text, std::string_view picture)
         return;
     }
     const std::optional<std::int32_t> status = parseInt32(fields[statusField]);
-    check(error.has_value() != status.has_value());
+    const std::optional<std::int32_t> id = parseInt32(fields.front());
+    check(error.has_value() != (status && id && std::to_string(*id) == fields.front()));
     if (error)
         return;
     const std::array<std::string, fieldCount> got{
