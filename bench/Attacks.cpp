@@ -4,6 +4,7 @@
 //   Attacks NAME        without a name: the names
 
 #include "Heartbeat.h"
+#include "OffscreenApplication.h"
 #include "QuietDesk.h"
 #include "admins/AdminRecords.h"
 #include "base/Base64.h"
@@ -21,7 +22,6 @@
 #include "ui/Grid.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QBuffer>
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -225,8 +225,11 @@ void helpPages(Heartbeat& heart)
 void largeLog(Heartbeat& heart)
 {
     const AppFolder folder(QuietDesk::folder());
-    writeBytes(folder.path("\\ErrorLog.txt"),
-               repeated(formatErrorLogBlock({.number = "13", .description = "a fault", .system = "x"}), 20 * mebibyte));
+    ErrorLogBlock block;
+    block.number = "13";
+    block.description = "a fault";
+    block.system = "x";
+    writeBytes(folder.path("\\ErrorLog.txt"), repeated(formatErrorLogBlock(block), 20 * mebibyte));
     Victim victim;
     QWidget& centre = victim.open(u"qrvrcHelp"_s);
     begin(heart);
@@ -328,10 +331,7 @@ constexpr Attack attacks[]{
 
 int main(int argc, char** argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
+    const OffscreenApplication application(argc, argv);
     for (const Attack& attack : attacks) {
         if (argc < 2) {
             std::puts(attack.name);

@@ -3,6 +3,7 @@
 //
 //   FileStall [MIB]     64 unless told otherwise
 
+#include "OffscreenApplication.h"
 #include "StallProbe.h"
 #include "TrackerThread.h"
 #include "profiles/viewer/LinedText.h"
@@ -12,7 +13,6 @@
 #include "ui/Grid.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDateEdit>
@@ -124,10 +124,7 @@ int measure(int mebibytes)
 
 int main(int argc, char** argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
+    const OffscreenApplication application(argc, argv);
     const int mebibytes = argc > 1 ? std::atoi(argv[1]) : 64;
     return measure(std::clamp(mebibytes, 2, 255));
 }

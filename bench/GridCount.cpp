@@ -2,8 +2,7 @@
 // interest.
 
 #include "GridSubjects.h"
-
-#include <QApplication>
+#include "OffscreenApplication.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -32,9 +31,7 @@ int run(int rows, int times)
 int main(int argc, char** argv)
 {
     constexpr int badUsage = 2;
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
+    const OffscreenApplication application(argc, argv);
     const std::string_view subject = argc == 4 ? argv[1] : "";
     const int rows = argc == 4 ? std::atoi(argv[2]) : 0;
     const int times = argc == 4 ? std::atoi(argv[3]) : 0;

@@ -3,11 +3,11 @@
 //
 //   ListStall [PROFILES]     10,000 unless told otherwise
 
+#include "OffscreenApplication.h"
 #include "StallProbe.h"
 #include "TrackerThread.h"
 #include "base/Bounds.h"
 
-#include <QApplication>
 #include <QElapsedTimer>
 
 #include <cstdio>
@@ -54,10 +54,7 @@ int measure(int profiles)
 
 int main(int argc, char** argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
+    const OffscreenApplication application(argc, argv);
     const int profiles = argc > 1 ? std::atoi(argv[1]) : 10000;
     return measure(std::clamp(profiles, 1, 100000));
 }

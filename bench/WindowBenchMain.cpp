@@ -1,13 +1,10 @@
-#include <benchmark/benchmark.h>
+#include "OffscreenApplication.h"
 
-#include <QApplication>
+#include <benchmark/benchmark.h>
 
 int main(int argc, char** argv)
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
+    const OffscreenApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 2;

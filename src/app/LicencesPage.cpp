@@ -4,6 +4,7 @@
 #include "base/RuntimeError.h"
 #include "platform/system/FileBytes.h"
 #include "platform/system/PathText.h"
+#include "ui/QuietComboBox.h"
 
 #include <QComboBox>
 #include <QPlainTextEdit>
@@ -26,7 +27,7 @@ const QString ownLicence = u"QRVRC"_s; // is shown first, and tells of the other
 
 LicencesPage::LicencesPage(fs::path folder, QWidget* parent) : QWidget(parent), m_folder(std::move(folder))
 {
-    cboLicence = new QComboBox(this);
+    cboLicence = new QuietComboBox(this);
     cboLicence->setObjectName(u"cboLicence"_s);
     cboLicence->setAccessibleName(u"Licence of"_s);
     txtLicence = new QPlainTextEdit(this);

@@ -46,9 +46,9 @@ struct Bounds
     /// Profiles that get a folder of their own.
     std::size_t profileFolders = 10'000;
     /// Bytes of a help page, its tags, elements within elements, tables within tables (each of which halves
-    /// the bytes), cells of its tables, its
-    /// pictures and all their points, and the rules of its styles; beyond them it is shown as text. What counts is how
-    /// long the layout takes: a second at most.
+    /// the bytes), cells of its tables, its pictures and all their points, and the rules of its styles; beyond
+    /// them it is shown as text.
+    /// What counts is how long the layout takes: a second at most.
     std::size_t helpPageBytes = 1 * mebibyte;
     std::size_t helpTags = 20'000;
     std::size_t helpNesting = 2'000;

@@ -19,7 +19,7 @@ std::optional<std::string_view> firstFault(const ConnectionFields& fields, Profi
         return "Port field is empty!";
     if (trimmed(fields.user).empty())
         return "Username field is empty!";
-    if (trimmed(fields.password).empty())
+    if (kind != ProfileKind::StoredWithoutPassword && trimmed(fields.password).empty())
         return "Password field is empty!";
     return {};
 }

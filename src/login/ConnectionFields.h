@@ -26,8 +26,9 @@ struct ConnectionFields
     bool operator==(const ConnectionFields&) const = default;
 };
 
-/// Whether a profile is saved for the first time. A stored one may have a name that a new one may not.
-enum class ProfileKind { New, Stored };
+/// Whether a profile is saved for the first time. A stored one may have a name that a new one may not, and its password
+/// may be elsewhere.
+enum class ProfileKind { New, Stored, StoredWithoutPassword };
 
 /// The first thing that keeps the fields from being saved and connected, in the words shown to the user.
 std::optional<std::string_view> firstFault(const ConnectionFields& fields, ProfileKind kind);

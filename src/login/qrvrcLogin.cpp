@@ -171,12 +171,10 @@ void qrvrcLogin::connectToHost()
         return;
     m_client.reporter.trap("cmdConnect_Click", [this] {
         const ConnectionFields typed = fields();
-        const ProfileKind kind = chosenProfile() ? ProfileKind::Stored : ProfileKind::New;
-        const bool isFetched = kind == ProfileKind::Stored && typed.password.empty() && m_kept.areInKeyring();
-        ConnectionFields judged = typed;
-        if (isFetched)
-            judged.password = "to come";
-        if (const auto fault = firstFault(judged, kind)) {
+        ProfileKind kind = chosenProfile() ? ProfileKind::Stored : ProfileKind::New;
+        if (kind == ProfileKind::Stored && typed.password.empty() && m_kept.areInKeyring())
+            kind = ProfileKind::StoredWithoutPassword;
+        if (const auto fault = firstFault(typed, kind)) {
             m_client.reporter.ReportMsg(MessageKind::Failed,
                                         QString::fromLatin1(fault->data(), static_cast<qsizetype>(fault->size())));
             askForPassword();
@@ -189,7 +187,7 @@ void qrvrcLogin::connectToHost()
         // Before fields and Connect are disabled: they would hand the keyboard on to Disconnect, for the next Return.
         cboProfile->setFocus();
         cmdConnect->setEnabled(false);
-        if (isFetched) {
+        if (kind == ProfileKind::StoredWithoutPassword) {
             fetchPassword(typed);
             return;
         }

@@ -1,5 +1,6 @@
 #include "updates/PreferencesPage.h"
 
+#include "ui/QuietComboBox.h"
 #include "updates/OptionRow.h"
 
 #include <QCheckBox>
@@ -30,7 +31,7 @@ QCheckBox* tick(const QString& name, const QString& caption, const QString& tip)
 
 QComboBox* pauseBox(const QString& tip)
 {
-    auto* made = new QComboBox;
+    auto* made = new QuietComboBox;
     for (const std::chrono::seconds pause : refreshPauses)
         made->addItem(pause.count() == 0 ? u"Never"_s : u"Every %1 seconds"_s.arg(pause.count()),
                       static_cast<int>(pause.count()));

@@ -7,6 +7,7 @@
 #include "platform/net/Inet.h"
 #include "platform/system/CodePageTables.h"
 #include "ui/ImageButton.h"
+#include "ui/QuietComboBox.h"
 #include "updates/OptionRow.h"
 #include "updates/PreferencesPage.h"
 #include "updates/UpdateKey.h"
@@ -96,7 +97,7 @@ QGroupBox* qrvrcOptions::buildUpdates()
     auto* frame = new QGroupBox(u"Updates"_s);
     frame->setObjectName(u"Frame2"_s);
     auto* form = new QFormLayout(frame);
-    cboUpdateUrl = new QComboBox;
+    cboUpdateUrl = new QuietComboBox;
     cboUpdateUrl->addItems({m_options.builtIn(1), m_options.builtIn(2), otherLocation});
     cboUpdateUrl->setPlaceholderText(u"None is stored yet"_s);
     addOptionRow(form, u"&Update Location:"_s, cboUpdateUrl, u"cboUpdateUrl"_s);
@@ -126,7 +127,7 @@ QGroupBox* qrvrcOptions::buildProgram()
     txtReplyTimeout->setSuffix(u" seconds"_s);
     txtReplyTimeout->setToolTip(u"How long the host may be silent before the connection is given up"_s);
     addOptionRow(form, u"&Reply Time-out:"_s, txtReplyTimeout, u"txtReplyTimeout"_s);
-    cboCodePage = new QComboBox;
+    cboCodePage = new QuietComboBox;
     const auto offer = [this](const auto& codePage) {
         const QByteArray name(codePage.name.data(), static_cast<qsizetype>(codePage.name.size()));
         cboCodePage->addItem(titleOf(codePage.title, codePage.name), name);
@@ -134,7 +135,7 @@ QGroupBox* qrvrcOptions::buildProgram()
     std::for_each(codePageTables.begin(), codePageTables.end(), offer);
     std::for_each(doubleByteCodePages.begin(), doubleByteCodePages.end(), offer);
     addOptionRow(form, u"&Code Page of the Host:"_s, cboCodePage, u"cboCodePage"_s);
-    cboErrorReports = new QComboBox;
+    cboErrorReports = new QuietComboBox;
     for (const auto& [mode, text] :
          {std::pair(ReportMode::ByThemselves, u"Sent by themselves"_s), std::pair(ReportMode::AskedFor, u"Asked for"_s),
           std::pair(ReportMode::Never, u"Never"_s)})
